@@ -1,0 +1,17 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace lumnara {
+
+/// Reads a whole file. Throws std::system_error with the system's description.
+std::string readFile(const std::filesystem::path& path);
+
+/// Replaces a file whole or not at all: a temporary file beside it, fsync, rename, fsync of the folder.
+/// Writes through a symbolic link, creates missing folders with mode 0700, keeps the mode of the old file
+/// and gives a new one 0600. Throws std::system_error; the old file then stands unchanged.
+void replaceFile(const std::filesystem::path& path, std::string_view contents);
+
+} // namespace lumnara

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "core/platform/DesktopNamePublisher.h"
+#include "core/platform/GlobalShortcuts.h"
+#include "core/platform/Screens.h"
+#include "core/platform/WindowServer.h"
+#include "core/platform/Workspace.h"
+#include "core/switching/SpaceActivator.h"
+
+#include <memory>
+#include <string>
+
+namespace lumnara {
+
+/// Everything that the session underneath offers. A member that is absent is not available here. The
+/// members may share one connection, which `keepAlive` holds and which goes last.
+struct Platform {
+    /// "i3", "sway", or the name that an EWMH window manager gives itself.
+    std::string name;
+    std::shared_ptr<void> keepAlive;
+    std::unique_ptr<WindowServer> windowServer;
+    std::unique_ptr<Screens> screens;
+    std::unique_ptr<Workspace> workspace;
+    std::unique_ptr<SpaceActivator> spaceActivator;
+    std::unique_ptr<DesktopNamePublisher> namePublisher;
+    std::unique_ptr<GlobalShortcuts> globalShortcuts;
+};
+
+} // namespace lumnara

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "core/async/Signal.h"
+
+namespace lumnara {
+
+/// The events that make the catalog read again. None carries data: the state is always read afresh.
+enum class WorkspaceEvent { activeSpaceDidChange, didWake, screenParametersDidChange };
+
+/// The session's notifications. Owned by Platform; delivered on the main thread, coalesced to one of a
+/// kind for each batch of the window manager's events.
+class Workspace {
+public:
+    virtual ~Workspace() = default;
+    virtual async::Subscription observe(std::function<void(WorkspaceEvent)> onEvent) = 0;
+};
+
+} // namespace lumnara
