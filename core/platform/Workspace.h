@@ -1,11 +1,11 @@
 #pragma once
 
 #include "core/async/Signal.h"
+#include "core/model/WorkspaceEvent.h"
+
+#include <functional>
 
 namespace lumnara {
-
-/// The events that make the catalog read again. None carries data: the state is always read afresh.
-enum class WorkspaceEvent { activeSpaceDidChange, didWake, screenParametersDidChange };
 
 /// The session's notifications. Owned by Platform; delivered on the main thread, coalesced to one of a
 /// kind for each batch of the window manager's events.

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "core/model/SpaceSnapshot.h"
+
+#include <optional>
+#include <string>
+
+namespace lumnara {
+
+/// Where the layout of Spaces comes from: the real window server, or a recorded snapshot. Called on the
+/// main thread.
+class SpaceProvider {
+public:
+    virtual ~SpaceProvider() = default;
+
+    /// Reads the layout. Throws SpaceKitError, or the platform's own Failure.
+    virtual SpaceSnapshot snapshot() = 0;
+
+    /// The display with the active menu bar, or nothing.
+    virtual std::optional<DisplayID> menuBarDisplay() = 0;
+
+    /// The display under the mouse pointer, or nothing.
+    virtual std::optional<DisplayID> cursorDisplay() = 0;
+
+    /// The human name of a display, or nothing when it isn't known.
+    virtual std::optional<std::string> displayName(const std::string& uuid) = 0;
+};
+
+} // namespace lumnara
