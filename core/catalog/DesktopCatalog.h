@@ -1,0 +1,127 @@
+#pragma once
+
+#include "core/async/Loop.h"
+#include "core/async/Signal.h"
+#include "core/async/Timer.h"
+#include "core/catalog/Desktop.h"
+#include "core/model/SpaceProvider.h"
+#include "core/model/WorkspaceEvent.h"
+#include "core/names/NameStore.h"
+
+#include <exception>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lumnara {
+
+/// Why the last reading of the layout failed.
+struct ReadingError {
+    std::exception_ptr error;
+    /// What a surface shows.
+    std::string sentence;
+
+    bool operator==(const ReadingError& other) const { return sentence == other.sentence; }
+};
+
+/// The live model that everyone looks at: the layout of a SpaceProvider merged with the records of the
+/// NameStore. It finds records whose Space has gone, puts records back on Spaces that changed their uuid,
+/// and carries out every change of a name, alias, icon, colour or dimming.
+///
+/// Main thread. The provider and the store outlive it. An observer may edit while it is being told; it
+/// must not destroy the catalog.
+class DesktopCatalog {
+public:
+    /// Registers a receiver of the session's events for as long as the subscription lives.
+    using EventSource = std::function<async::Subscription(std::function<void(WorkspaceEvent)>)>;
+
+    /// Reads once at once.
+    DesktopCatalog(async::Loop& loop, SpaceProvider& provider, NameStore& store);
+    DesktopCatalog(const DesktopCatalog&) = delete;
+    DesktopCatalog& operator=(const DesktopCatalog&) = delete;
+
+    // What views bind to; changed by the catalog alone. Told only when they differ.
+    async::Observable<std::vector<DisplayDesktops>> displays;
+    /// Records with no live Space, sorted by name.
+    async::Observable<std::vector<Orphan>> orphans;
+    /// The last good reading.
+    async::Observable<std::optional<SpaceSnapshot>> snapshot;
+    /// The error of the last reading; cleared by a good one.
+    async::Observable<std::optional<ReadingError>> lastError;
+    /// How many refreshes have ended, good or bad.
+    async::Observable<int> refreshCount;
+
+    /// Called after every good refresh.
+    std::function<void(const SpaceSnapshot&)> onRefresh;
+    /// Called with the desktop's key after a successful rename.
+    std::function<void(const std::string& key)> onRenamed;
+
+    SpaceProvider& provider() const { return provider_; }
+    NameStore& store() const { return store_; }
+
+    /// Refreshes at the session's events; after waking 1 second later, when the window server has settled.
+    void startObserving(const EventSource& observe);
+    /// Refreshes every `seconds` until stopRefreshTimer(); replaces an earlier timer.
+    void startRefreshTimer(double seconds);
+    void stopRefreshTimer();
+
+    /// Reads the layout and rebuilds. A failed reading goes to lastError and the model stays.
+    void refresh();
+
+    /// All desktops, in display order. Copies.
+    std::vector<Desktop> desktops() const;
+    /// The desktops of one display, found by its uuid in any case. Copies.
+    std::vector<Desktop> desktops(std::string_view displayUuid) const;
+    // The following point into `displays` and are valid until the next refresh or edit; null for none.
+    const Desktop* desktop(std::string_view key) const;
+    const Desktop* currentDesktop(std::string_view displayUuid) const;
+    /// The current desktop of the display with the active menu bar, else of the first display.
+    const Desktop* focusedDesktop() const;
+    /// What to call a key, whether it is live, only recorded, or neither.
+    std::string displayName(std::string_view key) const;
+    /// A record exists and has a name.
+    bool isNamed(std::string_view key) const;
+
+    // The edits. Those that may fail throw NameError and leave everything as it was.
+    void rename(const std::string& key, std::string_view name);
+    void setAliases(const std::string& key, const std::vector<std::string>& aliases);
+    void setIcon(const std::string& key, std::optional<std::string> symbol);
+    void setColor(const std::string& key, std::optional<std::string> colorName);
+    void setDimmed(const std::string& key, bool isDimmed);
+    /// Removes the record; the only edit that loses a name.
+    void forget(const std::string& key);
+    /// Gives an orphan's record to a live desktop, in place of a record there. Throws NameError. Nothing
+    /// happens when the one isn't an orphan or the other isn't live.
+    void attach(const std::string& orphanKey, const std::string& toDesktopKey);
+    /// Stores the order of a display's desktops.
+    void commitOrder(std::vector<std::string> keys, std::string_view displayUuid);
+
+private:
+    /// What the published model was built from; while it holds, a rebuild would change nothing.
+    struct Built {
+        std::vector<DisplaySpaces> displays;
+        std::vector<std::string> displayNames;
+        std::shared_ptr<const NameStoreFile> file;
+    };
+
+    void receive(WorkspaceEvent event);
+    void rebuild();
+    void reattach(const SpaceSnapshot& snapshot);
+    void requireUnique(const std::string& key, const std::string& name,
+                       const std::vector<std::string>& aliases) const;
+    void editRecord(const std::string& key, const std::function<void(DesktopRecord&)>& edit);
+
+    async::Loop& loop_;
+    SpaceProvider& provider_;
+    NameStore& store_;
+    std::optional<Built> built_;
+    int buildSerial_ = 0;
+    async::Subscription observers_;
+    std::unique_ptr<async::Repeating> refreshTimer_;
+    std::unique_ptr<async::Delayed> wakeDelay_;
+};
+
+} // namespace lumnara

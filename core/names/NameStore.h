@@ -1,0 +1,97 @@
+#pragma once
+
+#include "core/async/Loop.h"
+#include "core/async/Queue.h"
+#include "core/async/Timer.h"
+#include "core/names/NameStoreError.h"
+#include "core/names/NameStoreFile.h"
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+namespace lumnara {
+
+/// Owns desktops.json: everything the user has said about desktops. A change holds at once in memory and
+/// is on disk `debounce` seconds after the last change of a burst.
+///
+/// The store is healthy; or recovered, when a damaged file was moved aside and the store began empty; or
+/// not loaded, when the file couldn't be read: changes then live in memory only and the file stays as it is.
+///
+/// Any thread may read and change; the store is made, saved with saveNow() and destroyed on the main
+/// thread. It is written on a queue of its own, "com.lumnara.namestore". A pending write is dropped with
+/// the store: call saveNow() first.
+class NameStore {
+public:
+    /// Loads the file at `url`; never fails.
+    NameStore(async::Loop& loop, std::filesystem::path url, double debounce = 0.25);
+    NameStore(const NameStore&) = delete;
+    NameStore& operator=(const NameStore&) = delete;
+    ~NameStore();
+
+    const std::filesystem::path& url() const { return url_; }
+    /// Where a damaged file was moved to, if there was one.
+    const std::optional<std::filesystem::path>& recoveredFromCorruptFile() const { return recovered_; }
+    const std::optional<NameStoreError>& loadError() const { return loadError_; }
+    /// Called on the store's queue after each successful write. Set once, before the first change.
+    std::function<void()> onSaved;
+
+    /// The contents as they are now; costs a reference. Two calls return the same object exactly when
+    /// nothing changed between them.
+    std::shared_ptr<const NameStoreFile> file() const;
+    std::optional<DesktopRecord> record(std::string_view key) const;
+
+    void setRecord(const std::string& key, DesktopRecord record);
+    void removeRecord(std::string_view key);
+    // One field of an existing record; nothing happens for a missing key.
+    void setName(std::string_view key, std::string name);
+    void setAliases(std::string_view key, std::vector<std::string> aliases);
+    void setIcon(std::string_view key, std::optional<std::string> icon);
+    void setColor(std::string_view key, std::optional<std::string> color);
+    void setDimmed(std::string_view key, bool isDimmed);
+    void setOrder(std::string_view displayUuid, std::vector<std::string> keys);
+    void rekey(std::string_view oldKey, const std::string& newKey, std::string_view displayUuid);
+
+    /// Notes where desktops were seen, by key. Only records that are now in another place, or that had
+    /// none, change; otherwise nothing is written.
+    void updateLastSeen(const NameStoreFile::Map<LastSeen>& places);
+
+    /// Several changes as one: `edit` runs on a copy under the lock, which it must not take again, and the
+    /// copy then becomes the contents. An exception leaves the contents as they were.
+    void change(const std::function<void(NameStoreFile&)>& edit);
+
+    /// Writes now and waits for it. Throws loadError(), or the file system's error. Not from onSaved.
+    void saveNow();
+
+    /// Waits until the writes that were due have ended. Not from onSaved.
+    void flush();
+
+private:
+    void load();
+    void moveAside(Date now);
+    void scheduleSave();
+    void armDebounce();
+    void write(Date now);
+
+    async::Loop& loop_;
+    const std::filesystem::path url_;
+    const double debounce_;
+    std::optional<std::filesystem::path> recovered_;
+    std::optional<NameStoreError> loadError_;
+
+    mutable std::mutex lock_;
+    std::shared_ptr<const NameStoreFile> file_;
+    /// A change asked the main thread to start the debounce time anew, and it hasn't yet.
+    bool debounceAsked_ = false;
+
+    /// Main thread: the scheduled write.
+    std::unique_ptr<async::Delayed> pendingSave_;
+    /// Lets work that waits on the main thread see that the store is gone.
+    std::shared_ptr<NameStore*> self_;
+    /// Last: its destructor waits for a running write.
+    async::SerialQueue queue_;
+};
+
+} // namespace lumnara
