@@ -1,0 +1,29 @@
+#include "core/platform/linux/XdgFolders.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+namespace lumnara {
+
+namespace {
+
+std::filesystem::path homeFolder(const Environment& environment) {
+    if (const auto home = environment.get("HOME")) return *home;
+    const passwd* user = getpwuid(getuid());
+    return user && user->pw_dir ? user->pw_dir : "/";
+}
+
+} // namespace
+
+XdgFolders XdgFolders::of(const Environment& environment) {
+    const auto home = homeFolder(environment);
+    const auto folder = [&](const char* variable, const char* fallback) {
+        const std::filesystem::path base = environment.get(variable).value_or("");
+        return (base.is_absolute() ? base : home / fallback) / "Lumnara";
+    };
+    return {.data = folder("XDG_DATA_HOME", ".local/share"),
+            .config = folder("XDG_CONFIG_HOME", ".config"),
+            .state = folder("XDG_STATE_HOME", ".local/state")};
+}
+
+} // namespace lumnara

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "core/platform/Environment.h"
+
+#include <filesystem>
+
+namespace lumnara {
+
+/// Where the system keeps its files in a Linux session: the folder "Lumnara" inside the user's base
+/// directories, as the XDG Base Directory Specification places them. None is created here.
+struct XdgFolders {
+    std::filesystem::path data;   ///< what the user made: names, automations, notes, times
+    std::filesystem::path config; ///< settings
+    std::filesystem::path state;  ///< what may be lost, such as window places
+
+    /// A base directory that isn't an absolute path counts as unset.
+    static XdgFolders of(const Environment& environment);
+    bool operator==(const XdgFolders&) const = default;
+};
+
+} // namespace lumnara
