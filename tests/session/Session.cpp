@@ -80,14 +80,10 @@ std::string openboxConfiguration(int desktops) {
 }
 
 std::string xfwmConfiguration(int desktops) {
-    std::string names;
-    for (int i = 0; i < desktops; ++i) names += "<value type=\"string\" value=\"" + desktopName(i) + "\"/>";
     return R"(<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfwm4" version="1.0"><property name="general" type="empty">
   <property name="workspace_count" type="int" value=")" +
-           std::to_string(desktops) + R"("/>
-  <property name="workspace_names" type="array">)" +
-           names + "</property>\n</property></channel>\n";
+           std::to_string(desktops) + "\"/>\n</property></channel>\n";
 }
 
 std::string i3Configuration(const std::string& socket, const std::string& additions) {
@@ -283,7 +279,13 @@ void XSession::startWindowManager(std::optional<WindowManager> other) {
         return !windowManager_->running() ||
                (windowManagerAnswers() && (kind != WindowManager::i3 || accepts(i3Socket())));
     });
-    if (!ready || !windowManager_->running()) fail(arguments[0] + " doesn't start", arguments[0]);
+    // Requests that arrive while a window manager starts may be lost; one that manages windows is through.
+    const bool managing = ready && waitUntil([this] {
+                              const auto probe = mapWindow("probe", 0.2);
+                              if (probe) closeWindow(*probe);
+                              return probe.has_value();
+                          });
+    if (!managing || !windowManager_->running()) fail(arguments[0] + " doesn't start", arguments[0]);
 }
 
 void XSession::killWindowManager(int signal) {
@@ -341,7 +343,7 @@ void XSession::unplug(const std::string& monitor) {
     if (run({"xrandr", "--delmonitor", monitor}).status != 0) fail("not unplugged", "xrandr");
 }
 
-std::uint32_t XSession::openWindow(const std::string& title) {
+std::optional<std::uint32_t> XSession::mapWindow(const std::string& title, double seconds) {
     const xcb_window_t window = xcb_generate_id(connection_);
     xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, 50, 50, 300, 200, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
@@ -350,13 +352,20 @@ std::uint32_t XSession::openWindow(const std::string& title) {
         xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(name), atom("UTF8_STRING"), 8,
                             length, title.data());
     xcb_map_window(connection_, window);
-    const bool mapped = waitUntil([&] {
+    const auto mapped = [&] {
         const auto cookie = xcb_get_window_attributes(connection_, window);
         const auto reply = owned(xcb_get_window_attributes_reply(connection_, cookie, nullptr));
         return reply && reply->map_state != XCB_MAP_STATE_UNMAPPED;
-    });
-    if (!mapped) throw std::runtime_error("the window \"" + title + "\" isn't mapped");
-    return window;
+    };
+    if (waitUntil(mapped, seconds)) return window;
+    closeWindow(window);
+    return std::nullopt;
+}
+
+std::uint32_t XSession::openWindow(const std::string& title) {
+    const auto window = mapWindow(title, 10);
+    if (!window) throw std::runtime_error("the window \"" + title + "\" isn't mapped");
+    return *window;
 }
 
 void XSession::closeWindow(std::uint32_t window) {

@@ -86,7 +86,7 @@ class XSession : public Session {
 public:
     struct Options {
         WindowManager windowManager = WindowManager::none;
-        /// openbox and xfwm4: the desktops at the start, named "one", "two" ... by the configuration.
+        /// openbox and xfwm4: the desktops at the start; openbox names them "one", "two" ...
         int desktops = 4;
         /// Lines added to i3's configuration.
         std::string i3Configuration = {};
@@ -133,6 +133,7 @@ public:
 private:
     std::uint32_t atom(const std::string& name) const;
     bool windowManagerAnswers() const;
+    std::optional<std::uint32_t> mapWindow(const std::string& title, double seconds);
     void writeConfiguration(WindowManager kind) const;
     void startBus();
     void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
