@@ -12,8 +12,8 @@ namespace lumnara {
 /// DisplayID, SpaceID, RunningApp, Space, DisplaySpaces and SpaceSnapshot.
 template <class T> std::string toJson(const T& value);
 
-/// The value of a text that toJson wrote. Throws SpaceKitError::malformed for a missing field or one of
-/// another type; an error of the JSON passes through.
+/// The value of a text that toJson wrote. Throws an error of the JSON library, or JsonError for a missing
+/// field or one of another type.
 template <class T> T fromJson(std::string_view json);
 
 } // namespace lumnara

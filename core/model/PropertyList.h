@@ -12,6 +12,10 @@
 
 namespace lumnara {
 
+/// A decimal text with an optional sign; nothing for any other text or a number out of range. "-0" is 0.
+std::optional<std::uint64_t> unsignedIntegerOf(std::string_view text);
+std::optional<std::int64_t> signedIntegerOf(std::string_view text);
+
 struct PropertyMember;
 class PropertyValue;
 
@@ -93,8 +97,7 @@ struct PropertyMember {
 /// The window server's list of managed displays, one dictionary a display.
 using PropertyList = std::vector<PropertyDictionary>;
 
-/// Reads JSON text. Throws the JSON library's error for bad JSON, and SpaceKitError::malformed for a text
-/// that nests deeper than any layout does.
+/// Reads JSON text. Throws an error of the JSON library, or JsonError, for a text that is no sound JSON.
 PropertyValue propertyValueFromJson(std::string_view json);
 
 } // namespace lumnara

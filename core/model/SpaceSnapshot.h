@@ -12,11 +12,9 @@
 
 namespace lumnara {
 
-/// Whether two texts name one display: window systems spell the same uuid in different (ASCII) cases.
-bool sameDisplay(std::string_view uuid, std::string_view other);
-
 /// A display's identity as the window server reports it. "Main" stands for the one shared arrangement of
-/// a session whose displays have no Spaces of their own.
+/// a session whose displays have no Spaces of their own. Window systems spell the same uuid in different
+/// cases: whoever looks a display up by its uuid compares with text::equalsIgnoringCase.
 struct DisplayID {
     std::string uuid;
 
