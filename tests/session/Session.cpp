@@ -194,13 +194,13 @@ void Session::fail(const std::string& what, const std::string& program) const {
 }
 
 std::unique_ptr<Child> Session::start(std::vector<std::string> arguments,
-                                      const Environment& additions) const {
+                                      const Variables& additions) const {
     Child::Options options{.environment = additions, .logFile = logFile(programOf(arguments))};
     options.environment.insert(environment_.begin(), environment_.end());
     return std::make_unique<Child>(std::move(arguments), options);
 }
 
-Session::Output Session::run(std::vector<std::string> arguments, const Environment& additions) const {
+Session::Output Session::run(std::vector<std::string> arguments, const Variables& additions) const {
     const std::string program = programOf(arguments);
     std::filesystem::remove(logFile(program));
     const auto child = start(std::move(arguments), additions);

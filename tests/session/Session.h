@@ -17,7 +17,7 @@ struct xcb_connection_t;
 
 namespace lumnara::testing {
 
-using Environment = std::map<std::string, std::string>;
+using Variables = std::map<std::string, std::string>;
 
 /// Looks at real state until it is so; false when the seconds have passed.
 bool waitUntil(const std::function<bool()>& condition, double seconds = 10);
@@ -27,7 +27,7 @@ bool waitUntil(const std::function<bool()>& condition, double seconds = 10);
 class Child {
 public:
     struct Options {
-        Environment environment;
+        Variables environment;
         /// Where standard output and error go; inherited when empty.
         std::string logFile = {};
         /// The descriptor that the child sees under its own number; -1 for none.
@@ -61,13 +61,13 @@ public:
         std::string text;
     };
 
-    const Environment& environment() const { return environment_; }
+    const Variables& environment() const { return environment_; }
     const std::filesystem::path& folder() const { return folder_.path(); }
 
     /// Starts a program inside the session; its output goes to "<program>.log" in the folder.
-    std::unique_ptr<Child> start(std::vector<std::string> arguments, const Environment& additions = {}) const;
+    std::unique_ptr<Child> start(std::vector<std::string> arguments, const Variables& additions = {}) const;
     /// Runs a program inside the session to its end and gives what it printed.
-    Output run(std::vector<std::string> arguments, const Environment& additions = {}) const;
+    Output run(std::vector<std::string> arguments, const Variables& additions = {}) const;
 
 protected:
     Session();
@@ -75,7 +75,7 @@ protected:
     [[noreturn]] void fail(const std::string& what, const std::string& program) const;
 
     TemporaryFolder folder_;
-    Environment environment_;
+    Variables environment_;
 };
 
 enum class WindowManager { none, i3, openbox, xfwm4 };
