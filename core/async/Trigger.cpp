@@ -1,0 +1,57 @@
+#include "core/async/Trigger.h"
+
+#include <utility>
+
+namespace lumnara::async {
+
+class Trigger::Awaiter {
+public:
+    Awaiter(std::shared_ptr<State> state, std::uint64_t fired, double seconds)
+        : state_(std::move(state)),
+          firedBefore_(fired),
+          seconds_(seconds) {}
+    Awaiter(Awaiter&&) = delete;
+    ~Awaiter() { std::erase(state_->waiting, this); }
+
+    bool await_ready() noexcept { return state_->fired != firedBefore_; }
+    template <class P> bool await_suspend(std::coroutine_handle<P> awaiting) {
+        const Context& context = awaiting.promise().context;
+        if (context.stop.stop_requested()) return false;
+        loop_ = context.loop;
+        wake_.handle = awaiting;
+        state_->waiting.push_back(this);
+        loop_->at(loop_->now() + wholeNanos(seconds_), wake_);
+        onStop_.emplace(context.stop, detail::WakeOnStop{loop_, &wake_});
+        return true;
+    }
+    bool await_resume() noexcept {
+        onStop_.reset();
+        return state_->fired != firedBefore_;
+    }
+    void wakeUp() { loop_->ready(wake_); }
+
+private:
+    std::shared_ptr<State> state_;
+    std::uint64_t firedBefore_;
+    double seconds_;
+    Loop* loop_ = nullptr;
+    detail::ResumeWake wake_;
+    detail::StopWatch onStop_;
+};
+
+Trigger::Trigger() : state_(std::make_shared<State>()) {}
+
+void Trigger::fire() {
+    ++state_->fired;
+    for (Awaiter* awaiter : std::exchange(state_->waiting, {})) awaiter->wakeUp();
+}
+
+Task<bool> Trigger::wait(double seconds) { return waitSince(state_, state_->fired, seconds); }
+
+Task<bool> Trigger::waitSince(std::shared_ptr<State> state, std::uint64_t fired, double seconds) {
+    Awaiter awaiter(std::move(state), fired, seconds);
+    const bool heard = co_await awaiter;
+    co_return heard;
+}
+
+} // namespace lumnara::async
