@@ -33,7 +33,7 @@ public:
 private:
     async::Signal<const Notice&> shown_;
     std::vector<Notice> waiting_;
-    bool hasListener_ = false;
+    bool listened_ = false;
 };
 
 } // namespace lumnara

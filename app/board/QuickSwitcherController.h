@@ -29,7 +29,7 @@ public:
     void open();
     void close();
     /// Closes the Board first, then asks for the switch.
-    void switchFromBoard(const Desktop& desktop);
+    void switchFromBoard(Desktop desktop);
 
     /// The shortcut that calls toggle(). While the Board holds the keyboard the session can't see it, so the
     /// Board answers to it itself.
@@ -41,13 +41,31 @@ public:
     std::function<void(const Desktop&)> onSwitchedFromBoard;
 
 private:
-    struct Panel;
+    /// One screen's surface with its model. Kept while closed and used again at the next opening.
+    struct Panel {
+        Panel(DesktopCatalog& catalog, const BoardSettings& settings, ScreenInfo onScreen);
 
-    std::vector<Panel*> choosePanels();
+        ScreenInfo screen;
+        QuickSwitcherModel model;
+        std::unique_ptr<BoardSurface> surface;
+        async::Subscription modelChanged;
+    };
+
+    void refreshIfStale();
+    std::vector<ScreenInfo> readScreens();
+    std::vector<ScreenInfo> chooseScreens();
+    void putUp(const ScreenInfo& screen, bool scopeFixed);
     Panel& panelOn(const ScreenInfo& screen);
     void connect(Panel& panel);
+    bool isShown(const Panel& panel) const;
+    Panel& panelUnderPointer();
     void giveKeyboard(Panel& panel);
+    void logOpening() const;
+    void receive(WorkspaceEvent event);
+
     bool handleKey(const KeyPress& press);
+    void clickTile(Panel& panel, const std::string& key);
+    void clickGround(Panel& panel);
     void hoverTile(Panel& panel, const std::optional<std::string>& key, Point pointer);
     void setMenuTracking(bool tracking);
 
@@ -55,9 +73,15 @@ private:
     BoardSurfaceFactory& factory_;
     BoardSettings settings_;
     std::vector<std::unique_ptr<Panel>> panels_;
+    /// The panels that are up; empty while closed.
     std::vector<Panel*> shown_;
+    /// The one that holds the keyboard.
     Panel* keyPanel_ = nullptr;
+    /// The screens as they were at the opening.
+    std::vector<ScreenInfo> screens_;
+    /// Where the pointer last was; a report from the same place is no movement.
     std::optional<Point> lastPointer_;
+    async::Subscription screensChanged_;
 };
 
 } // namespace lumnara

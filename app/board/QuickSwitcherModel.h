@@ -3,7 +3,6 @@
 #include "app/board/BoardSettings.h"
 #include "core/async/Signal.h"
 #include "core/catalog/DesktopCatalog.h"
-#include "core/platform/Screens.h"
 #include "core/voice/FuzzyMatcher.h"
 
 #include <functional>
@@ -49,14 +48,19 @@ public:
     /// A drag changed the order of these displays, by uuid.
     std::function<void(const std::vector<std::string>&)> onOrderCommitted;
 
-    /// Puts the surface on a display. Without a screen its width is not known. With `scopeFixed` the list is
-    /// that display's for good; otherwise it starts with all displays.
-    void open(std::optional<DisplayID> display, const std::optional<ScreenInfo>& screen, bool scopeFixed);
+    /// Puts the surface on a display, whose uuid is also the key of its appearance. The width of the screen
+    /// is in points, 0 when it isn't known. With `scopeFixed` the list is that display's for good; otherwise
+    /// it starts with all displays.
+    void open(std::optional<DisplayID> display, double screenWidth, bool scopeFixed);
+    /// The surface is down: the model no longer follows the catalog.
+    void close();
     /// A fresh start at each opening: no query, the first current desktop selected, else the first tile.
     void reset();
 
     void setQuery(std::string text);
     void recompute();
+    /// Whether the selected desktop is an ordinary one and not the only such on its display.
+    bool selectionCanBeDeleted() const;
     /// The selected tile, or the live desktop under that key, or nothing.
     std::optional<Desktop> selectedDesktop() const;
     /// Selects a tile of `results`; any other key changes nothing.
@@ -93,19 +97,30 @@ public:
     void setMenuTracking(bool tracking);
 
 private:
-    void rebuildTiles();
+    /// One display's keys as they stand in the catalog and on the Board.
+    struct NewOrder {
+        std::string display;
+        std::vector<std::string> before;
+        std::vector<std::string> after;
+    };
+
+    void collectTiles();
     void applyQuery();
-    void keepSelection();
     void updateGridColumns();
-    bool isListed(const std::string& key) const;
     std::optional<std::size_t> position(const std::string& key) const;
+    bool isListed(const std::string& key) const { return position(key).has_value(); }
     void selectAt(std::size_t position);
-    void show(std::optional<std::string> error);
+    int selectedPosition() const;
+    void moveSelectionTo(int position);
+    void endRename();
+    std::vector<NewOrder> newOrders() const;
 
     DesktopCatalog& catalog_;
     BoardSettings settings_;
     /// What a query chooses from, in catalog order; results_ points into it.
     std::vector<Desktop> tiles_;
+    MatchIndex index_;
+    MatchContext context_;
     std::vector<const Desktop*> results_;
     std::string query_;
     std::optional<std::string> selectedKey_;
@@ -115,7 +130,6 @@ private:
     std::optional<std::string> errorText_;
     bool multipleDisplays_ = false;
     std::optional<DisplayID> boardDisplay_;
-    std::optional<std::string> boardScreenUUID_;
     double boardScreenWidth_ = 0;
     bool scopeFixed_ = false;
     std::optional<std::string> scope_;

@@ -1,0 +1,219 @@
+#include "app/board/QuickSwitcherController.h"
+
+#include "app/board/BoardKeyTable.h"
+#include "core/base/Log.h"
+#include "core/text/Text.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <utility>
+
+namespace lumnara {
+
+namespace {
+
+constexpr double staleAfterSeconds = 2.0;
+constexpr double refreshSeconds = 2.0;
+
+std::string frameText(const Rect& frame) {
+    return fmt::format("{:g},{:g} {:g}x{:g}", frame.x, frame.y, frame.width, frame.height);
+}
+
+} // namespace
+
+QuickSwitcherController::Panel::Panel(DesktopCatalog& catalog, const BoardSettings& settings,
+                                      ScreenInfo onScreen)
+    : screen(std::move(onScreen)),
+      model(catalog, settings) {}
+
+QuickSwitcherController::QuickSwitcherController(AppState& state, BoardSurfaceFactory& factory,
+                                                 BoardSettings settings)
+    : state_(state),
+      factory_(factory),
+      settings_(std::move(settings)) {}
+
+QuickSwitcherController::~QuickSwitcherController() {
+    onClosed = nullptr;
+    close();
+}
+
+void QuickSwitcherController::toggle() {
+    if (isOpen())
+        close();
+    else
+        open();
+}
+
+void QuickSwitcherController::open() {
+    if (isOpen()) return;
+    refreshIfStale();
+    screens_ = readScreens();
+    std::erase_if(panels_, [&](const auto& panel) {
+        return std::ranges::none_of(screens_,
+                                    [&](const ScreenInfo& s) { return s.uuid == panel->screen.uuid; });
+    });
+    const std::vector<ScreenInfo> chosen = chooseScreens();
+    for (const ScreenInfo& screen : chosen) putUp(screen, chosen.size() > 1);
+    if (isOpen()) giveKeyboard(panelUnderPointer());
+    logOpening();
+    if (!isOpen()) return;
+    lastPointer_ = state_.platform().screens->pointer();
+    if (Workspace* workspace = state_.platform().workspace.get())
+        screensChanged_ = workspace->observe([this](WorkspaceEvent event) { receive(event); });
+    state_.catalog().startRefreshTimer(refreshSeconds);
+    if (onShown) onShown();
+}
+
+void QuickSwitcherController::close() {
+    if (!isOpen()) return;
+    state_.catalog().stopRefreshTimer();
+    screensChanged_ = {};
+    keyPanel_ = nullptr;
+    for (Panel* panel : std::exchange(shown_, {})) {
+        panel->surface->hide();
+        panel->model.close();
+    }
+    if (onClosed) onClosed();
+}
+
+void QuickSwitcherController::switchFromBoard(Desktop desktop) {
+    close();
+    state_.switchTo(desktop);
+    if (onSwitchedFromBoard) onSwitchedFromBoard(desktop);
+}
+
+void QuickSwitcherController::refreshIfStale() {
+    DesktopCatalog& catalog = state_.catalog();
+    const auto& snapshot = catalog.snapshot.get();
+    if (!snapshot || state_.loop().date().secondsSince(snapshot->takenAt) > staleAfterSeconds)
+        catalog.refresh();
+}
+
+std::vector<ScreenInfo> QuickSwitcherController::readScreens() {
+    Screens* screens = state_.platform().screens.get();
+    return screens ? screens->screens() : std::vector<ScreenInfo>();
+}
+
+/// Every screen that has desktops of its own when there are several, else the one under the pointer.
+std::vector<ScreenInfo> QuickSwitcherController::chooseScreens() {
+    const auto& snapshot = state_.catalog().snapshot.get();
+    std::vector<ScreenInfo> withDesktops;
+    for (const ScreenInfo& screen : screens_)
+        if (snapshot && snapshot->spacesOnDisplay(screen.uuid)) withDesktops.push_back(screen);
+    if (settings_.boardOnEveryDisplay && withDesktops.size() > 1) return withDesktops;
+    if (screens_.empty()) return {};
+    const auto uuid = state_.platform().screens->displayUnderPointer();
+    const auto under = std::ranges::find_if(screens_, [&](const ScreenInfo& screen) {
+        return uuid && text::equalsIgnoringCase(screen.uuid, *uuid);
+    });
+    return {under != screens_.end() ? *under : screens_.front()};
+}
+
+void QuickSwitcherController::putUp(const ScreenInfo& screen, bool scopeFixed) {
+    Panel& panel = panelOn(screen);
+    const auto& snapshot = state_.catalog().snapshot.get();
+    const DisplayID display{snapshot ? snapshot->presentationDisplay(screen.uuid) : screen.uuid};
+    panel.model.open(display, screen.frame.width, scopeFixed);
+    panel.model.reset();
+    shown_.push_back(&panel);
+    panel.surface->show(screen);
+}
+
+QuickSwitcherController::Panel& QuickSwitcherController::panelOn(const ScreenInfo& screen) {
+    for (const auto& panel : panels_) {
+        if (panel->screen.uuid != screen.uuid) continue;
+        panel->screen = screen;
+        return *panel;
+    }
+    panels_.push_back(std::make_unique<Panel>(state_.catalog(), settings_, screen));
+    Panel& panel = *panels_.back();
+    panel.surface = factory_.makeSurface(panel.model);
+    connect(panel);
+    return panel;
+}
+
+/// The panel outlives its surface and its model, and the controller outlives the panel.
+void QuickSwitcherController::connect(Panel& panel) {
+    panel.modelChanged = panel.model.changed.subscribe([this, &panel] {
+        if (isShown(panel)) panel.surface->redraw();
+    });
+    BoardSurface& surface = *panel.surface;
+    surface.onKey = [this](const KeyPress& press) { return handleKey(press); };
+    surface.onSwitch = [this, &panel](const std::string& key) { clickTile(panel, key); };
+    surface.onClose = [this, &panel] { clickGround(panel); };
+    surface.onHoverTile = [this, &panel](const auto& key, Point pointer) { hoverTile(panel, key, pointer); };
+    surface.onPointerEntered = [this, &panel] { giveKeyboard(panel); };
+    surface.onMenuTracking = [this](bool tracking) { setMenuTracking(tracking); };
+}
+
+bool QuickSwitcherController::isShown(const Panel& panel) const {
+    return std::ranges::find(shown_, &panel) != shown_.end();
+}
+
+QuickSwitcherController::Panel& QuickSwitcherController::panelUnderPointer() {
+    const auto uuid = state_.platform().screens->displayUnderPointer();
+    for (Panel* panel : shown_)
+        if (uuid && text::equalsIgnoringCase(panel->screen.uuid, *uuid)) return *panel;
+    return *shown_.front();
+}
+
+void QuickSwitcherController::giveKeyboard(Panel& panel) {
+    if (keyPanel_ == &panel || !isShown(panel)) return;
+    keyPanel_ = &panel;
+    panel.surface->takeKeyboard();
+}
+
+void QuickSwitcherController::logOpening() const {
+    for (const Panel* panel : shown_)
+        log(fmt::format("Lumnara Board: surface {} frame {} key {:d}", panel->screen.name,
+                        frameText(panel->screen.frame), panel == keyPanel_));
+    log(fmt::format("Lumnara Board: open on {} of {} screens (every display: {:d}), key on {}", shown_.size(),
+                    screens_.size(), shown_.size() > 1, keyPanel_ ? keyPanel_->screen.name : "none"));
+}
+
+bool QuickSwitcherController::handleKey(const KeyPress& press) {
+    if (!keyPanel_) return false;
+    if (toggleShortcut && press.key == toggleShortcut->key && press.modifiers == toggleShortcut->modifiers) {
+        if (!press.repeats) close(); // still held from the opening
+        return true;
+    }
+    const KeyEffect effect = applyKey(press, keyPanel_->model);
+    if (effect.kind == KeyEffect::Kind::closesBoard) close();
+    if (effect.kind == KeyEffect::Kind::switches) switchFromBoard(*effect.desktop);
+    return effect.kind != KeyEffect::Kind::fallsThrough;
+}
+
+/// A panel on a screen that is gone, or of another size, would keep the keyboard out of sight.
+void QuickSwitcherController::receive(WorkspaceEvent event) {
+    if (event == WorkspaceEvent::screenParametersDidChange && readScreens() != screens_) close();
+}
+
+void QuickSwitcherController::clickTile(Panel& panel, const std::string& key) {
+    if (panel.model.renamingKey() == key) return;
+    if (panel.model.renamingKey()) return panel.model.commitRename();
+    for (const Desktop* tile : panel.model.results())
+        if (tile->key == key) return switchFromBoard(*tile);
+}
+
+void QuickSwitcherController::clickGround(Panel& panel) {
+    if (panel.model.renamingKey())
+        panel.model.commitRename();
+    else
+        close();
+}
+
+/// Tiles come and go under a pointer that stands still, when the Board opens or a query filters; only a
+/// pointer that moves may take the selection from the keyboard.
+void QuickSwitcherController::hoverTile(Panel& panel, const std::optional<std::string>& key, Point pointer) {
+    const bool moved = lastPointer_ && *lastPointer_ != pointer;
+    lastPointer_ = pointer;
+    if (moved && key && isShown(panel)) panel.model.select(*key);
+}
+
+void QuickSwitcherController::setMenuTracking(bool tracking) {
+    log(fmt::format("Lumnara menu tracking {} (board visible: {:d})", tracking ? "began" : "ended",
+                    isOpen()));
+    for (const auto& panel : panels_) panel->model.setMenuTracking(tracking);
+}
+
+} // namespace lumnara
