@@ -54,7 +54,7 @@ public:
     /// How many refreshes have ended, good or bad.
     async::Observable<int> refreshCount;
 
-    /// Called after every good refresh.
+    /// Called after every good refresh; the reading stands until the next one.
     std::function<void(const SpaceSnapshot&)> onRefresh;
     /// Called with the desktop's key after a successful rename.
     std::function<void(const std::string& key)> onRenamed;
@@ -76,6 +76,7 @@ public:
     /// The desktops of one display, found by its uuid in any case. Copies.
     std::vector<Desktop> desktops(std::string_view displayUuid) const;
     // The following point into `displays` and are valid until the next refresh or edit; null for none.
+    const DisplayDesktops* display(std::string_view uuid) const;
     const Desktop* desktop(std::string_view key) const;
     const Desktop* currentDesktop(std::string_view displayUuid) const;
     /// The current desktop of the display with the active menu bar, else of the first display.
@@ -86,7 +87,7 @@ public:
     bool isNamed(std::string_view key) const;
 
     // The edits. Those that may fail throw NameError and leave everything as it was.
-    void rename(const std::string& key, std::string_view name);
+    void rename(std::string key, std::string_view name);
     void setAliases(const std::string& key, const std::vector<std::string>& aliases);
     void setIcon(const std::string& key, std::optional<std::string> symbol);
     void setColor(const std::string& key, std::optional<std::string> colorName);
@@ -100,24 +101,22 @@ public:
     void commitOrder(std::vector<std::string> keys, std::string_view displayUuid);
 
 private:
-    /// What the published model was built from; while it holds, a rebuild would change nothing.
-    struct Built {
-        std::vector<DisplaySpaces> displays;
-        std::vector<std::string> displayNames;
-        std::shared_ptr<const NameStoreFile> file;
-    };
-
     void receive(WorkspaceEvent event);
+    void endRefresh();
     void rebuild();
-    void reattach(const SpaceSnapshot& snapshot);
+    std::vector<std::string> displayNames() const;
     void requireUnique(const std::string& key, const std::string& name,
                        const std::vector<std::string>& aliases) const;
-    void editRecord(const std::string& key, const std::function<void(DesktopRecord&)>& edit);
+    void requireRecord(const std::string& key);
 
     async::Loop& loop_;
     SpaceProvider& provider_;
     NameStore& store_;
-    std::optional<Built> built_;
+    /// The layout differs from the one that was last built from.
+    bool layoutChanged_ = true;
+    /// What else the published model was built from.
+    std::vector<std::string> builtNames_;
+    std::shared_ptr<const NameStoreFile> builtFile_;
     int buildSerial_ = 0;
     async::Subscription observers_;
     std::unique_ptr<async::Repeating> refreshTimer_;

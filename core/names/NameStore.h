@@ -29,7 +29,6 @@ public:
     NameStore(async::Loop& loop, std::filesystem::path url, double debounce = 0.25);
     NameStore(const NameStore&) = delete;
     NameStore& operator=(const NameStore&) = delete;
-    ~NameStore();
 
     const std::filesystem::path& url() const { return url_; }
     /// Where a damaged file was moved to, if there was one.
@@ -52,15 +51,15 @@ public:
     void setColor(std::string_view key, std::optional<std::string> color);
     void setDimmed(std::string_view key, bool isDimmed);
     void setOrder(std::string_view displayUuid, std::vector<std::string> keys);
-    void rekey(std::string_view oldKey, const std::string& newKey, std::string_view displayUuid);
 
     /// Notes where desktops were seen, by key. Only records that are now in another place, or that had
     /// none, change; otherwise nothing is written.
     void updateLastSeen(const NameStoreFile::Map<LastSeen>& places);
 
+    using Edit = std::function<void(NameStoreFile&)>;
     /// Several changes as one: `edit` runs on a copy under the lock, which it must not take again, and the
     /// copy then becomes the contents. An exception leaves the contents as they were.
-    void change(const std::function<void(NameStoreFile&)>& edit);
+    void change(const Edit& edit);
 
     /// Writes now and waits for it. Throws loadError(), or the file system's error. Not from onSaved.
     void saveNow();
@@ -71,11 +70,16 @@ public:
 private:
     void load();
     void moveAside(Date now);
+    void changeRecord(std::string_view key, const std::function<void(DesktopRecord&)>& edit);
+    // With the lock held.
+    void changeLocked(const Edit& edit);
     void scheduleSave();
-    void armDebounce();
+
+    void startDebounce();
     void write(Date now);
 
     async::Loop& loop_;
+    const std::shared_ptr<async::Inbox> inbox_;
     const std::filesystem::path url_;
     const double debounce_;
     std::optional<std::filesystem::path> recovered_;
@@ -83,14 +87,14 @@ private:
 
     mutable std::mutex lock_;
     std::shared_ptr<const NameStoreFile> file_;
-    /// A change asked the main thread to start the debounce time anew, and it hasn't yet.
-    bool debounceAsked_ = false;
+    /// The main thread has been asked to start the debounce time anew, and hasn't yet.
+    bool saveAsked_ = false;
 
-    /// Main thread: the scheduled write.
+    /// The scheduled write. Main thread.
     std::unique_ptr<async::Delayed> pendingSave_;
-    /// Lets work that waits on the main thread see that the store is gone.
-    std::shared_ptr<NameStore*> self_;
-    /// Last: its destructor waits for a running write.
+    /// By which work that waits for the main thread sees that the store is gone.
+    const std::shared_ptr<NameStore*> self_;
+    /// Last, so that it goes first: its destructor waits for a running write.
     async::SerialQueue queue_;
 };
 

@@ -38,7 +38,8 @@ struct NameStoreFile {
     const std::vector<std::string>* orderOf(std::string_view displayUuid) const;
     void setOrder(std::string_view displayUuid, std::vector<std::string> keys);
 
-    /// Moves the record at `oldKey`, if any, to `newKey`, and the key with it in the display's order.
+    /// Moves the record at `oldKey`, if any, to `newKey`, and the key with it in the display's order. A
+    /// record that stands at `newKey` already is not replaced: then nothing happens.
     void rekey(std::string_view oldKey, const std::string& newKey, std::string_view displayUuid);
 };
 

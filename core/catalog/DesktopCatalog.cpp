@@ -1,0 +1,241 @@
+#include "core/catalog/DesktopCatalog.h"
+
+#include "core/base/Failure.h"
+#include "core/base/Log.h"
+#include "core/catalog/CatalogMerge.h"
+#include "core/names/NameRules.h"
+#include "core/text/Text.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace lumnara {
+
+namespace {
+
+/// The window server needs this long after waking until what it tells can be relied on.
+constexpr double settleAfterWaking = 1.0;
+
+bool hasNameIn(const std::unordered_set<std::string>& normalizedKeys, const DesktopRecord& record) {
+    const auto isIn = [&](const std::string& name) {
+        return normalizedKeys.contains(NameRules::normalizedKey(name));
+    };
+    return (!record.name.empty() && isIn(record.name)) ||
+           std::any_of(record.aliases.begin(), record.aliases.end(), isIn);
+}
+
+} // namespace
+
+DesktopCatalog::DesktopCatalog(async::Loop& loop, SpaceProvider& provider, NameStore& store)
+    : loop_(loop),
+      provider_(provider),
+      store_(store) {
+    refresh();
+}
+
+void DesktopCatalog::startObserving(const EventSource& observe) {
+    observers_ = observe([this](WorkspaceEvent event) { receive(event); });
+}
+
+void DesktopCatalog::receive(WorkspaceEvent event) {
+    if (event == WorkspaceEvent::didWake)
+        wakeDelay_ = std::make_unique<async::Delayed>(loop_, settleAfterWaking, [this] { refresh(); });
+    else
+        refresh();
+}
+
+void DesktopCatalog::startRefreshTimer(double seconds) {
+    refreshTimer_ = std::make_unique<async::Repeating>(loop_, seconds, [this] { refresh(); });
+}
+
+void DesktopCatalog::stopRefreshTimer() { refreshTimer_.reset(); }
+
+void DesktopCatalog::refresh() {
+    SpaceSnapshot reading;
+    try {
+        reading = provider_.snapshot();
+    } catch (const std::exception& error) {
+        lastError.set(ReadingError{std::current_exception(), error.what()});
+        return endRefresh();
+    }
+    lastError.set(std::nullopt);
+    if (!*snapshot || (*snapshot)->displays != reading.displays) layoutChanged_ = true;
+    snapshot.set(std::move(reading));
+    rebuild();
+    if (onRefresh) onRefresh(**snapshot);
+    endRefresh();
+}
+
+void DesktopCatalog::endRefresh() { refreshCount.set(*refreshCount + 1); }
+
+void DesktopCatalog::rebuild() {
+    if (!*snapshot) return;
+    std::vector<std::string> names = displayNames();
+    if (!layoutChanged_ && names == builtNames_ && store_.file() == builtFile_) return;
+
+    const CatalogMerge::Reading reading(**snapshot, names);
+    if (const auto moves = CatalogMerge::reattachments(reading, *store_.file()); !moves.empty()) {
+        for (const auto& move : moves) log(move.line);
+        store_.change([&](NameStoreFile& file) {
+            for (const auto& move : moves) file.rekey(move.oldKey, move.newKey, move.displayUuid);
+        });
+    }
+    store_.updateLastSeen(CatalogMerge::places(reading, *store_.file(), loop_.date()));
+
+    layoutChanged_ = false;
+    builtNames_ = std::move(names);
+    builtFile_ = store_.file();
+    auto builtDisplays = CatalogMerge::displays(reading, *builtFile_);
+    auto builtOrphans = CatalogMerge::orphans(builtDisplays, *builtFile_);
+
+    // An observer of the displays may edit, and the rebuild of that edit publishes what is newer than ours.
+    const int serial = ++buildSerial_;
+    displays.set(std::move(builtDisplays));
+    if (serial == buildSerial_) orphans.set(std::move(builtOrphans));
+}
+
+std::vector<std::string> DesktopCatalog::displayNames() const {
+    std::vector<std::string> names;
+    for (const DisplaySpaces& display : (*snapshot)->displays) {
+        const auto name = provider_.displayName(display.display.uuid);
+        names.push_back(name ? *name : display.display.isMain() ? "All Displays" : "Display");
+    }
+    return names;
+}
+
+std::vector<Desktop> DesktopCatalog::desktops() const {
+    std::vector<Desktop> all;
+    for (const DisplayDesktops& display : *displays)
+        all.insert(all.end(), display.desktops.begin(), display.desktops.end());
+    return all;
+}
+
+const DisplayDesktops* DesktopCatalog::display(std::string_view uuid) const {
+    const auto found =
+        std::find_if(displays->begin(), displays->end(), [&](const DisplayDesktops& candidate) {
+            return text::equalsIgnoringCase(candidate.display.uuid, uuid);
+        });
+    return found == displays->end() ? nullptr : &*found;
+}
+
+std::vector<Desktop> DesktopCatalog::desktops(std::string_view displayUuid) const {
+    const DisplayDesktops* found = display(displayUuid);
+    return found ? found->desktops : std::vector<Desktop>();
+}
+
+const Desktop* DesktopCatalog::desktop(std::string_view key) const {
+    for (const DisplayDesktops& display : *displays)
+        for (const Desktop& desktop : display.desktops)
+            if (desktop.key == key) return &desktop;
+    return nullptr;
+}
+
+const Desktop* DesktopCatalog::currentDesktop(std::string_view displayUuid) const {
+    const DisplayDesktops* found = display(displayUuid);
+    return found ? found->current() : nullptr;
+}
+
+const Desktop* DesktopCatalog::focusedDesktop() const {
+    if (const auto menuBar = provider_.menuBarDisplay())
+        if (const Desktop* current = currentDesktop(menuBar->uuid)) return current;
+    return displays->empty() ? nullptr : displays->front().current();
+}
+
+std::string DesktopCatalog::displayName(std::string_view key) const {
+    if (const Desktop* live = desktop(key)) return live->displayName();
+    const auto record = store_.record(key);
+    if (record && !record->name.empty()) return record->name;
+    if (key.starts_with("fullscreen:")) return "Fullscreen app";
+    if (key.starts_with("primary:")) return "Desktop 1";
+    if (record && record->lastSeen) return "Desktop " + std::to_string(record->lastSeen->indexOnDisplay + 1);
+    return "Desktop";
+}
+
+bool DesktopCatalog::isNamed(std::string_view key) const {
+    const auto record = store_.record(key);
+    return record && !record->name.empty();
+}
+
+void DesktopCatalog::rename(std::string key, std::string_view name) {
+    const std::string valid = NameRules::validate(name);
+    const auto record = store_.record(key);
+    requireUnique(key, valid, record ? record->aliases : std::vector<std::string>());
+    requireRecord(key);
+    store_.setName(key, valid);
+    rebuild();
+    if (onRenamed) onRenamed(key);
+}
+
+void DesktopCatalog::setAliases(const std::string& key, const std::vector<std::string>& aliases) {
+    std::vector<std::string> valid = NameRules::validate(aliases);
+    const auto record = store_.record(key);
+    if (!record) throw NameError::empty(); // aliases need a name first
+    requireUnique(key, record->name, valid);
+    store_.setAliases(key, std::move(valid));
+    rebuild();
+}
+
+void DesktopCatalog::setIcon(const std::string& key, std::optional<std::string> symbol) {
+    requireRecord(key);
+    store_.setIcon(key, std::move(symbol));
+    rebuild();
+}
+
+void DesktopCatalog::setColor(const std::string& key, std::optional<std::string> colorName) {
+    requireRecord(key);
+    store_.setColor(key, std::move(colorName));
+    rebuild();
+}
+
+void DesktopCatalog::setDimmed(const std::string& key, bool isDimmed) {
+    requireRecord(key);
+    store_.setDimmed(key, isDimmed);
+    rebuild();
+}
+
+void DesktopCatalog::forget(const std::string& key) {
+    store_.removeRecord(key);
+    rebuild();
+}
+
+void DesktopCatalog::attach(const std::string& orphanKey, const std::string& toDesktopKey) {
+    const auto isOrphan = [&](const Orphan& orphan) { return orphan.key == orphanKey; };
+    const auto record = store_.record(orphanKey);
+    if (!record || std::none_of(orphans->begin(), orphans->end(), isOrphan) || !desktop(toDesktopKey)) return;
+    requireUnique(toDesktopKey, record->name, record->aliases);
+    store_.change([&](NameStoreFile& file) {
+        file.desktops.erase(orphanKey);
+        file.desktops.insert_or_assign(toDesktopKey, *record);
+    });
+    rebuild();
+}
+
+void DesktopCatalog::commitOrder(std::vector<std::string> keys, std::string_view displayUuid) {
+    store_.setOrder(displayUuid, std::move(keys));
+    rebuild();
+}
+
+/// Throws NameError::duplicateOnDisplay when another desktop of its display has the name or an alias. The
+/// same name on another display is welcome, and a desktop that isn't live stands in nobody's way.
+void DesktopCatalog::requireUnique(const std::string& key, const std::string& name,
+                                   const std::vector<std::string>& aliases) const {
+    const Desktop* live = desktop(key);
+    if (!live) return;
+    std::unordered_set<std::string> wanted;
+    if (!name.empty()) wanted.insert(NameRules::normalizedKey(name));
+    for (const std::string& alias : aliases) wanted.insert(NameRules::normalizedKey(alias));
+
+    for (const Desktop& other : display(live->display.uuid)->desktops)
+        if (other.key != key && other.record && hasNameIn(wanted, *other.record))
+            throw NameError::duplicateOnDisplay(other.displayName());
+}
+
+void DesktopCatalog::requireRecord(const std::string& key) {
+    if (store_.record(key)) return;
+    DesktopRecord record;
+    record.createdAt = loop_.date();
+    store_.setRecord(key, std::move(record));
+}
+
+} // namespace lumnara

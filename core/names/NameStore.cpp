@@ -1,0 +1,207 @@
+#include "core/names/NameStore.h"
+
+#include "core/base/Files.h"
+#include "core/names/NameStoreCodec.h"
+
+#include <algorithm>
+#include <exception>
+#include <system_error>
+#include <utility>
+
+namespace lumnara {
+
+namespace {
+
+std::shared_ptr<const NameStoreFile> emptyFile(Date now) {
+    auto file = std::make_shared<NameStoreFile>();
+    file->updatedAt = now;
+    return file;
+}
+
+/// A name beside `url` for a damaged file, one that isn't taken yet.
+std::filesystem::path freeCorruptName(const std::filesystem::path& url, Date now) {
+    std::string stamp = now.iso8601();
+    std::replace(stamp.begin(), stamp.end(), ':', '-');
+    const std::string base = url.string() + ".corrupt-" + stamp;
+    std::filesystem::path name = base;
+    std::error_code ignored;
+    for (int n = 2; std::filesystem::exists(std::filesystem::symlink_status(name, ignored)); ++n)
+        name = base + "-" + std::to_string(n);
+    return name;
+}
+
+} // namespace
+
+NameStore::NameStore(async::Loop& loop, std::filesystem::path url, double debounce)
+    : loop_(loop),
+      inbox_(loop.inbox()),
+      url_(std::move(url)),
+      debounce_(debounce),
+      file_(emptyFile(loop.date())),
+      self_(std::make_shared<NameStore*>(this)),
+      queue_("com.lumnara.namestore") {
+    load();
+}
+
+void NameStore::load() {
+    const Date now = loop_.date();
+    std::string text;
+    try {
+        text = readFile(url_);
+    } catch (const std::system_error& error) {
+        if (error.code() != std::errc::no_such_file_or_directory)
+            loadError_ = NameStoreError::notLoaded(error.code().message());
+        return;
+    }
+    try {
+        file_ = std::make_shared<const NameStoreFile>(NameStoreCodec::decode(text, now));
+    } catch (const std::exception&) {
+        moveAside(now);
+    }
+}
+
+void NameStore::moveAside(Date now) {
+    recovered_ = freeCorruptName(url_, now);
+    std::error_code ignored;
+    std::filesystem::rename(url_, *recovered_, ignored);
+}
+
+std::shared_ptr<const NameStoreFile> NameStore::file() const {
+    std::lock_guard guard(lock_);
+    return file_;
+}
+
+std::optional<DesktopRecord> NameStore::record(std::string_view key) const {
+    const auto contents = file();
+    const DesktopRecord* found = contents->record(key);
+    return found ? std::optional(*found) : std::nullopt;
+}
+
+void NameStore::setRecord(const std::string& key, DesktopRecord record) {
+    change([&](NameStoreFile& file) { file.desktops.insert_or_assign(key, std::move(record)); });
+}
+
+void NameStore::removeRecord(std::string_view key) {
+    change([&](NameStoreFile& file) {
+        if (const auto found = file.desktops.find(key); found != file.desktops.end())
+            file.desktops.erase(found);
+    });
+}
+
+void NameStore::setName(std::string_view key, std::string name) {
+    changeRecord(key, [&](DesktopRecord& record) { record.name = std::move(name); });
+}
+
+void NameStore::setAliases(std::string_view key, std::vector<std::string> aliases) {
+    changeRecord(key, [&](DesktopRecord& record) { record.aliases = std::move(aliases); });
+}
+
+void NameStore::setIcon(std::string_view key, std::optional<std::string> icon) {
+    changeRecord(key, [&](DesktopRecord& record) { record.icon = std::move(icon); });
+}
+
+void NameStore::setColor(std::string_view key, std::optional<std::string> color) {
+    changeRecord(key, [&](DesktopRecord& record) { record.color = std::move(color); });
+}
+
+void NameStore::setDimmed(std::string_view key, bool isDimmed) {
+    changeRecord(key, [&](DesktopRecord& record) { record.isDimmed = isDimmed; });
+}
+
+void NameStore::setOrder(std::string_view displayUuid, std::vector<std::string> keys) {
+    change([&](NameStoreFile& file) { file.setOrder(displayUuid, std::move(keys)); });
+}
+
+void NameStore::updateLastSeen(const NameStoreFile::Map<LastSeen>& places) {
+    std::lock_guard guard(lock_);
+    // Looked at before anything is copied: mostly every desktop is where it was.
+    std::vector<NameStoreFile::Map<LastSeen>::const_iterator> moved;
+    for (auto place = places.begin(); place != places.end(); ++place) {
+        const DesktopRecord* record = file_->record(place->first);
+        if (record && !(record->lastSeen && record->lastSeen->samePlace(place->second)))
+            moved.push_back(place);
+    }
+    if (moved.empty()) return;
+    changeLocked([&](NameStoreFile& file) {
+        for (const auto& place : moved) file.record(place->first)->lastSeen = place->second;
+    });
+}
+
+void NameStore::change(const Edit& edit) {
+    std::lock_guard guard(lock_);
+    changeLocked(edit);
+}
+
+void NameStore::changeRecord(std::string_view key, const std::function<void(DesktopRecord&)>& edit) {
+    std::lock_guard guard(lock_);
+    if (!file_->record(key)) return;
+    changeLocked([&](NameStoreFile& file) { edit(*file.record(key)); });
+}
+
+void NameStore::changeLocked(const Edit& edit) {
+    // Readers hold the old contents for as long as they like, so a change is made on a copy.
+    auto changed = std::make_shared<NameStoreFile>(*file_);
+    edit(*changed);
+    file_ = std::move(changed);
+    scheduleSave();
+}
+
+void NameStore::scheduleSave() {
+    if (loadError_ || std::exchange(saveAsked_, true)) return;
+    // The timer belongs to the main thread; a change may come from any.
+    inbox_->post([self = std::weak_ptr(self_)] {
+        if (const auto store = self.lock()) (*store)->startDebounce();
+    });
+}
+
+void NameStore::startDebounce() {
+    {
+        std::lock_guard guard(lock_);
+        if (!std::exchange(saveAsked_, false)) return;
+    }
+    pendingSave_ = std::make_unique<async::Delayed>(loop_, debounce_, [this] {
+        queue_.post([this, now = loop_.date()] {
+            try {
+                write(now);
+            } catch (const std::exception&) { // the next change tries again
+            }
+        });
+    });
+}
+
+void NameStore::saveNow() {
+    pendingSave_.reset();
+    {
+        std::lock_guard guard(lock_);
+        saveAsked_ = false;
+    }
+    if (loadError_) throw *loadError_;
+
+    // On the queue like every write: contents then reach the disk in the order in which they were taken.
+    std::exception_ptr failure;
+    queue_.post([this, now = loop_.date(), &failure] {
+        try {
+            write(now);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    });
+    queue_.drain();
+    if (failure) std::rethrow_exception(failure);
+}
+
+void NameStore::flush() { queue_.drain(); }
+
+void NameStore::write(Date now) {
+    std::shared_ptr<const NameStoreFile> contents;
+    {
+        std::lock_guard guard(lock_);
+        auto stamped = std::make_shared<NameStoreFile>(*file_);
+        stamped->updatedAt = now;
+        file_ = contents = std::move(stamped);
+    }
+    replaceFile(url_, NameStoreCodec::encode(*contents));
+    if (onSaved) onSaved();
+}
+
+} // namespace lumnara
