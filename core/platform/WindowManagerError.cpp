@@ -4,7 +4,7 @@ namespace lumnara {
 
 namespace {
 
-std::string sentence(WindowManagerError::Case which, const std::string& windowManager, const std::string& detail) {
+std::string sentenceOf(WindowManagerError::Case which, const std::string& windowManager, const std::string& detail) {
     using Case = WindowManagerError::Case;
     switch (which) {
     case Case::noDisplay:
@@ -24,7 +24,7 @@ std::string sentence(WindowManagerError::Case which, const std::string& windowMa
 } // namespace
 
 WindowManagerError::WindowManagerError(Case which, std::string windowManager, std::string detail)
-    : Failure(sentence(which, windowManager, detail)), which_(which), windowManager_(std::move(windowManager)),
+    : Failure(sentenceOf(which, windowManager, detail)), which_(which), windowManager_(std::move(windowManager)),
       detail_(std::move(detail)) {}
 
 } // namespace lumnara
