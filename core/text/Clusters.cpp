@@ -73,6 +73,14 @@ std::string_view last(std::string_view text, std::size_t count) {
     return count >= all ? text : droppingFirst(text, all - count);
 }
 
+bool beginsWith(std::string_view text, std::string_view beginning) {
+    return text.starts_with(beginning) && first(text, length(beginning)) == beginning;
+}
+
+bool endsWith(std::string_view text, std::string_view ending) {
+    return text.ends_with(ending) && last(text, length(ending)) == ending;
+}
+
 std::string_view withoutLast(std::string_view text) {
     const std::size_t all = length(text);
     return all == 0 ? text : first(text, all - 1);

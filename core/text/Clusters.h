@@ -78,6 +78,11 @@ std::size_t length(std::string_view text);
 std::string_view first(std::string_view text, std::size_t count);
 std::string_view last(std::string_view text, std::size_t count);
 
+/// Whether the text begins or ends with these whole characters: "é" written with a combining accent does
+/// not begin with "e".
+bool beginsWith(std::string_view text, std::string_view beginning);
+bool endsWith(std::string_view text, std::string_view ending);
+
 /// The text without its last character; empty stays empty.
 std::string_view withoutLast(std::string_view text);
 

@@ -103,16 +103,24 @@ void normalizeByCluster(std::string_view folded, std::string& out) {
 
 } // namespace
 
-std::string_view trim(std::string_view text) {
+std::vector<std::string_view> splitAtWhitespace(std::string_view text) {
     const CodePoints& points = CodePoints::shared();
-    std::size_t begin = text.size(), end = 0;
+    std::vector<std::string_view> pieces;
+    std::size_t start = 0;
     for (std::size_t at = 0; at < text.size();) {
-        const std::size_t start = at;
-        if (points.info(decodeNext(text, at)).has(CodePointInfo::whitespace)) continue;
-        begin = std::min(begin, start);
-        end = at;
+        const std::size_t here = at;
+        if (!points.info(decodeNext(text, at)).has(CodePointInfo::whitespace)) continue;
+        if (here > start) pieces.push_back(text.substr(start, here - start));
+        start = at;
     }
-    return begin < end ? text.substr(begin, end - begin) : std::string_view{};
+    if (start < text.size()) pieces.push_back(text.substr(start));
+    return pieces;
+}
+
+std::string_view trim(std::string_view text) {
+    const std::vector<std::string_view> pieces = splitAtWhitespace(text);
+    if (pieces.empty()) return {};
+    return {pieces.front().data(), pieces.back().data() + pieces.back().size()};
 }
 
 bool isLetter(std::string_view cluster) {

@@ -6,6 +6,7 @@
 #include <compare>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// The only place that knows Unicode. Texts are UTF-8; a byte that belongs to no well-formed sequence
 /// counts as U+FFFD. All functions may be called from any thread.
@@ -16,6 +17,9 @@ void warmUp();
 
 /// Without the whitespace and newlines at both ends.
 std::string_view trim(std::string_view text);
+
+/// The pieces between runs of whitespace and newlines, without empty ones.
+std::vector<std::string_view> splitAtWhitespace(std::string_view text);
 
 /// Whether a user-perceived character is a letter or a number; its first code point decides, by its
 /// Unicode property. The digits of every script, fractions and Roman numerals are numbers.
