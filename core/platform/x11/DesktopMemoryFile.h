@@ -1,0 +1,25 @@
+#pragma once
+
+#include "core/platform/x11/RememberedDesktop.h"
+
+#include <filesystem>
+#include <vector>
+
+namespace lumnara {
+
+/// The remembered desktops on disk ("ewmh-desktops.json"): JSON, in the order of the desktops. It matters
+/// only when the X server is new and its properties are gone, so a failure is a log line and no more.
+class DesktopMemoryFile {
+public:
+    explicit DesktopMemoryFile(std::filesystem::path path) : path_(std::move(path)) {}
+
+    /// Nothing remembered when there is no file or it can't be read. One that can't be decoded is moved
+    /// aside under the name with ".corrupt" behind it.
+    std::vector<RememberedDesktop> load() const;
+    void save(const std::vector<RememberedDesktop>& desktops) const;
+
+private:
+    std::filesystem::path path_;
+};
+
+} // namespace lumnara

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "core/platform/x11/DesktopMemoryFile.h"
+#include "core/platform/x11/EwmhRoot.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace lumnara {
+
+struct EwmhDesktop {
+    SpaceID id;
+    std::string uuid;
+};
+
+/// The one arrangement of desktops that an EWMH window manager keeps for all monitors.
+struct EwmhReading {
+    /// At least one, in the window manager's order.
+    std::vector<EwmhDesktop> desktops;
+    std::size_t current = 0;
+
+    std::optional<std::size_t> indexOf(SpaceID id) const;
+};
+
+/// Gives the desktops of an EWMH window manager an identity, which the window manager has none of: a root
+/// property of our own holds a uuid for each, parallel to the index. It outlives the window manager; when
+/// the X server was new, the file tells which desktop is which. Main thread.
+class EwmhDesktops {
+public:
+    EwmhDesktops(std::shared_ptr<X11Connection> connection, std::filesystem::path memoryFile);
+
+    /// Reads afresh. Throws WindowManagerError.
+    EwmhReading read();
+    /// Shows the user's names (by uuid) in place of the window manager's own, and those again where a name
+    /// was withdrawn. Returns whether anything had to be changed. Throws WindowManagerError.
+    bool showNames(const std::map<std::string, std::string>& wanted);
+
+    EwmhRoot& root() { return root_; }
+
+private:
+    EwmhState readIdentified();
+    void save();
+
+    EwmhRoot root_;
+    DesktopMemoryFile file_;
+    /// Parallel to the uuids of the root property.
+    std::vector<RememberedDesktop> remembered_;
+    std::vector<RememberedDesktop> saved_;
+};
+
+} // namespace lumnara

@@ -1,0 +1,97 @@
+#include "core/platform/x11/EwmhRoot.h"
+
+#include "core/platform/WindowManagerError.h"
+#include "core/platform/x11/RememberedDesktop.h"
+#include "core/text/Utf8.h"
+
+#include <algorithm>
+
+namespace lumnara {
+
+namespace {
+
+/// No one has as many; a count beyond it is a fault of another program and must not cost our memory.
+constexpr std::size_t mostDesktops = 1000;
+
+} // namespace
+
+EwmhRoot::EwmhRoot(std::shared_ptr<X11Connection> connection) : connection_(std::move(connection)) {}
+
+EwmhState EwmhRoot::read() {
+    auto& x = *connection_;
+    const auto& atoms = x.atoms();
+    const auto checkCookie = x.requestProperty(x.root(), atoms.netSupportingWmCheck);
+    const auto countCookie = x.requestProperty(x.root(), atoms.netNumberOfDesktops);
+    const auto currentCookie = x.requestProperty(x.root(), atoms.netCurrentDesktop);
+    const auto namesCookie = x.requestProperty(x.root(), atoms.netDesktopNames);
+    const auto uuidsCookie = x.requestProperty(x.root(), atoms.lumnaraDesktopUuids);
+    auto windowManagerCookies = askWindowManager();
+
+    const auto check = x.items(checkCookie);
+    const auto count = x.items(countCookie);
+    const auto current = x.items(currentCookie);
+    const auto names = x.text(namesCookie);
+    const auto uuids = x.text(uuidsCookie);
+    bool answers = windowManagerAnswers(windowManagerCookies);
+    if (!check.empty() && check[0] != checkWindow_) {
+        checkWindow_ = check[0];
+        const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+        xcb_change_window_attributes(x.xcb(), checkWindow_, XCB_CW_EVENT_MASK, &mask);
+        answers = windowManagerAnswers(askWindowManager());
+    }
+    if (check.empty() || !answers || count.empty() || count[0] == 0) reportAway();
+
+    EwmhState state;
+    state.count = std::min<std::size_t>(count[0], mostDesktops);
+    state.current = current.empty() ? 0 : std::min<std::size_t>(current[0], state.count - 1);
+    if (names) state.names = splitNulList(*names);
+    if (uuids) state.uuids = splitNulList(*uuids);
+    return state;
+}
+
+EwmhRoot::WindowManagerCookies EwmhRoot::askWindowManager() const {
+    const auto& x = *connection_;
+    return {x.requestProperty(checkWindow_, x.atoms().netSupportingWmCheck),
+            x.requestProperty(checkWindow_, x.atoms().netWmName)};
+}
+
+bool EwmhRoot::windowManagerAnswers(WindowManagerCookies cookies) {
+    // The root's property outlives a window manager that was killed; its window doesn't.
+    const auto check = connection_->items(cookies.check);
+    const auto name = connection_->text(cookies.name);
+    if (check.empty() || check[0] != checkWindow_) return false;
+    windowManager_ = name && !name->empty() ? text::sanitizedUtf8(*name) : "The window manager";
+    return true;
+}
+
+void EwmhRoot::reportAway() {
+    checkWindow_ = XCB_WINDOW_NONE;
+    using Case = WindowManagerError::Case;
+    throw WindowManagerError(windowManager_.empty() ? Case::noWindowManager : Case::connectionLost,
+                             windowManager_);
+}
+
+void EwmhRoot::requestDesktop(std::size_t index) const {
+    const auto& x = *connection_;
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = x.root();
+    message.type = x.atoms().netCurrentDesktop;
+    message.data.data32[0] = static_cast<std::uint32_t>(index);
+    message.data.data32[1] = XCB_CURRENT_TIME;
+    xcb_send_event(x.xcb(), 0, x.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&message));
+    xcb_flush(x.xcb());
+}
+
+void EwmhRoot::setNames(const std::vector<std::string>& names) const {
+    connection_->setText(connection_->root(), connection_->atoms().netDesktopNames, joinNulList(names));
+}
+
+void EwmhRoot::setUuids(const std::vector<std::string>& uuids) const {
+    connection_->setText(connection_->root(), connection_->atoms().lumnaraDesktopUuids, joinNulList(uuids));
+}
+
+} // namespace lumnara

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "core/platform/x11/X11Connection.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace lumnara {
+
+/// The root window's properties of the Extended Window Manager Hints, at one instant.
+struct EwmhState {
+    /// At least 1.
+    std::size_t count = 0;
+    /// Less than `count`: while desktops are taken away, a window manager may point beyond the last.
+    std::size_t current = 0;
+    /// The names as bytes of any kind, perhaps more or fewer than desktops.
+    std::vector<std::string> names;
+    /// Our own list; nothing when the X server is new.
+    std::optional<std::vector<std::string>> uuids;
+};
+
+/// Reads and asks an EWMH window manager through the root window. Main thread.
+class EwmhRoot {
+public:
+    explicit EwmhRoot(std::shared_ptr<X11Connection> connection);
+
+    /// One round trip, two after the window manager has changed. Throws WindowManagerError while there is
+    /// no window manager that tells of desktops, or no X server. From then on the connection tells of the
+    /// window manager's end by windowDestroyed.
+    EwmhState read();
+    /// The name that the window manager gave itself at the last reading; empty before the first.
+    const std::string& windowManager() const { return windowManager_; }
+
+    /// Asks the window manager to show a desktop; it answers by changing _NET_CURRENT_DESKTOP.
+    void requestDesktop(std::size_t index) const;
+    void setNames(const std::vector<std::string>& names) const;
+    void setUuids(const std::vector<std::string>& uuids) const;
+
+private:
+    struct WindowManagerCookies {
+        xcb_get_property_cookie_t check;
+        xcb_get_property_cookie_t name;
+    };
+    WindowManagerCookies askWindowManager() const;
+    bool windowManagerAnswers(WindowManagerCookies cookies);
+    [[noreturn]] void reportAway();
+
+    std::shared_ptr<X11Connection> connection_;
+    xcb_window_t checkWindow_ = XCB_WINDOW_NONE;
+    std::string windowManager_;
+};
+
+} // namespace lumnara

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "core/platform/Workspace.h"
+#include "core/platform/x11/X11Connection.h"
+
+#include <memory>
+
+namespace lumnara {
+
+/// Tells when desktops or monitors have changed under an EWMH window manager, and when it came or went.
+class X11Workspace : public Workspace {
+public:
+    explicit X11Workspace(std::shared_ptr<X11Connection> connection);
+
+    async::Subscription observe(std::function<void(WorkspaceEvent)> onEvent) override;
+
+private:
+    void noteChange(xcb_atom_t property);
+    void tell();
+
+    std::shared_ptr<X11Connection> connection_;
+    bool spacesChanged_ = false;
+    bool screensChanged_ = false;
+    async::Signal<WorkspaceEvent> events_;
+    std::vector<async::Subscription> subscriptions_;
+};
+
+} // namespace lumnara
