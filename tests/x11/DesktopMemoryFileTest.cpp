@@ -1,0 +1,58 @@
+#include "core/platform/x11/DesktopMemoryFile.h"
+
+#include "core/base/Files.h"
+#include "core/base/Log.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+namespace lumnara {
+namespace {
+
+class DesktopMemoryFileTest : public ::testing::Test {
+protected:
+    DesktopMemoryFileTest()
+        : previous_(setLogSink([this](std::string_view line) { lines.emplace_back(line); })) {}
+    ~DesktopMemoryFileTest() override { setLogSink(previous_); }
+
+    testing::TemporaryFolder folder;
+    std::filesystem::path path = folder / "ewmh-desktops.json";
+    std::vector<std::string> lines;
+
+private:
+    LogSink previous_;
+};
+
+TEST_F(DesktopMemoryFileTest, RemembersAllAndSaysNothing) {
+    const std::vector<RememberedDesktop> desktops{{"A", "mail", RememberedDesktop::Renamed{"mail", "one"}},
+                                                  {"B", "Büro"}};
+    EXPECT_EQ(DesktopMemoryFile(path).load(), std::vector<RememberedDesktop>{});
+    DesktopMemoryFile(path).save(desktops);
+    EXPECT_EQ(DesktopMemoryFile(path).load(), desktops);
+    EXPECT_TRUE(lines.empty());
+}
+
+TEST_F(DesktopMemoryFileTest, SavesANameThatIsNoUtf8) {
+    DesktopMemoryFile(path).save({{"A", "mail", RememberedDesktop::Renamed{"mail", "\xFF"}}});
+    EXPECT_EQ(DesktopMemoryFile(path).load()[0].renamed->own, "\xEF\xBF\xBD");
+}
+
+TEST_F(DesktopMemoryFileTest, MovesADamagedFileAside) {
+    for (const char* damaged : {"", "{", "[]", R"({"desktops": [{"uuid": 1}]})", R"({"desktops": [7]})"}) {
+        lines.clear();
+        replaceFile(path, damaged);
+        EXPECT_EQ(DesktopMemoryFile(path).load(), std::vector<RememberedDesktop>{}) << damaged;
+        EXPECT_FALSE(std::filesystem::exists(path)) << damaged;
+        EXPECT_EQ(readFile(path.string() + ".corrupt"), damaged);
+        EXPECT_EQ(lines.size(), 1U) << damaged;
+    }
+}
+
+TEST_F(DesktopMemoryFileTest, OutlivesAFolderThatCannotBeWritten) {
+    replaceFile(folder / "plain", "");
+    DesktopMemoryFile(folder / "plain" / "x.json").save({{"A", "mail"}});
+    EXPECT_EQ(lines.size(), 1U);
+}
+
+} // namespace
+} // namespace lumnara
