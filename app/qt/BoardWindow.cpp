@@ -1,0 +1,52 @@
+#include "app/qt/BoardWindow.h"
+
+#include "app/qt/BoardWindows.h"
+#include "app/qt/WindowSystem.h"
+
+#include <QScreen>
+#include <QWindow>
+
+#include <algorithm>
+
+namespace lumnara {
+
+BoardWindow::BoardWindow(BoardWindows& windows, QuickSwitcherModel& model)
+    : windows_(windows),
+      view_(windows.loop_, *this, model) {
+    Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
+    if (placesOwnWindows()) flags |= Qt::BypassWindowManagerHint | Qt::WindowStaysOnTopHint;
+    view_.setWindowFlags(flags);
+    view_.setWindowTitle(QStringLiteral("Lumnara Board"));
+    // Decided for good with the window's pixel format; without a compositor it would only cost.
+    if (windows_.isComposited_ && windows_.isComposited_()) view_.setAttribute(Qt::WA_TranslucentBackground);
+    view_.onPainted = [this] { windows_.painted.emit(); };
+    view_.onPressed = [this] {
+        if (!windows_.keyboard_.isHeldBy(view_)) takeKeyboard();
+    };
+}
+
+BoardWindow::~BoardWindow() { hide(); }
+
+void BoardWindow::show(const ScreenInfo& info) {
+    QScreen* screen = screenFor(info);
+    if (std::ranges::find(windows_.shown_, this) == windows_.shown_.end()) windows_.shown_.push_back(this);
+    const bool translucent = view_.testAttribute(Qt::WA_TranslucentBackground) && windows_.isComposited_ &&
+                             windows_.isComposited_();
+    view_.setScreen(screen);
+    view_.open(screen->size(), translucent);
+    if (!placesOwnWindows()) return view_.showFullScreen();
+    view_.setGeometry(screen->geometry());
+    view_.show();
+    view_.raise();
+}
+
+void BoardWindow::hide() {
+    std::erase(windows_.shown_, this);
+    windows_.keyboard_.release(view_);
+    view_.closed();
+    view_.hide();
+}
+
+void BoardWindow::takeKeyboard() { windows_.keyboard_.take(view_); }
+
+} // namespace lumnara

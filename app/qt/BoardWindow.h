@@ -1,0 +1,27 @@
+#pragma once
+
+#include "app/board/BoardSurface.h"
+#include "app/qt/BoardView.h"
+
+namespace lumnara {
+
+class BoardWindows;
+
+/// One screen's Board as a window: covers the screen, over everything and out of the window manager's hands
+/// where it can be. Hidden it is kept whole, so that it comes back at once.
+class BoardWindow final : public BoardSurface {
+public:
+    BoardWindow(BoardWindows& windows, QuickSwitcherModel& model);
+    ~BoardWindow() override;
+
+    void show(const ScreenInfo& screen) override;
+    void hide() override;
+    void redraw() override { view_.refresh(); }
+    void takeKeyboard() override;
+
+private:
+    BoardWindows& windows_;
+    BoardView view_;
+};
+
+} // namespace lumnara

@@ -1,0 +1,21 @@
+#include "app/qt/BoardWindows.h"
+
+#include "app/qt/BoardWindow.h"
+
+namespace lumnara {
+
+BoardWindows::BoardWindows(async::Loop& loop, std::function<bool()> isComposited)
+    : loop_(loop),
+      isComposited_(std::move(isComposited)),
+      keyboard_(loop) {}
+
+std::unique_ptr<BoardSurface> BoardWindows::makeSurface(QuickSwitcherModel& model) {
+    return std::make_unique<BoardWindow>(*this, model);
+}
+
+void BoardWindows::trackMenu(bool open) {
+    // One window's word goes to all models.
+    if (!shown_.empty()) shown_.front()->onMenuTracking(open);
+}
+
+} // namespace lumnara

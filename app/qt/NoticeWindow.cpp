@@ -1,0 +1,83 @@
+#include "app/qt/NoticeWindow.h"
+
+#include "app/qt/Theme.h"
+
+#include <QBitmap>
+#include <QCursor>
+#include <QFontMetrics>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QScreen>
+
+#include <algorithm>
+
+namespace lumnara {
+namespace {
+
+constexpr int mostTextWidth = 520;
+constexpr int sidePadding = 22;
+constexpr int heightPadding = 14;
+constexpr double cornerRadius = 14;
+constexpr double textSize = 15;
+/// How far the notice stands from the bottom, as a part of the screen's height.
+constexpr double bottomPart = 0.09;
+constexpr int textFlags = Qt::AlignCenter | Qt::TextWordWrap;
+
+QFont noticeFont() { return interfaceFont(textSize, QFont::Medium); }
+
+} // namespace
+
+NoticeWindow::NoticeWindow(async::Loop& loop)
+    : QWidget(nullptr, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                           Qt::BypassWindowManagerHint | Qt::WindowTransparentForInput |
+                           Qt::WindowDoesNotAcceptFocus),
+      loop_(loop) {
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_TranslucentBackground);
+    setWindowTitle(QStringLiteral("Lumnara notice"));
+}
+
+void NoticeWindow::showNotice(const Notice& notice) {
+    text_ = QString::fromStdString(notice.text);
+    place();
+    show();
+    raise();
+    update();
+    end_ = std::make_unique<async::Delayed>(loop_, notice.seconds, [this] { hide(); });
+}
+
+void NoticeWindow::place() {
+    const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
+    if (!screen) screen = QGuiApplication::primaryScreen();
+    const QRect area = screen->geometry();
+    const int textWidth = std::min(mostTextWidth, area.width() - 2 * sidePadding - 32);
+    const QSize text =
+        QFontMetrics(noticeFont()).boundingRect(QRect(0, 0, textWidth, 10'000), textFlags, text_).size();
+    const QSize size = text + QSize(2 * sidePadding, 2 * heightPadding);
+    setGeometry(QRect({area.center().x() - size.width() / 2,
+                       area.bottom() - static_cast<int>(area.height() * bottomPart) - size.height()},
+                      size));
+    // Without a compositor the corners would be black.
+    QBitmap shape(size);
+    shape.clear();
+    QPainter painter(&shape);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::color1);
+    painter.drawRoundedRect(QRect({}, size), cornerRadius, cornerRadius);
+    painter.end();
+    setMask(shape);
+}
+
+void NoticeWindow::paintEvent(QPaintEvent*) {
+    const Theme& theme = Theme::of(sessionAppearance());
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(theme.noticeBorder, 1));
+    painter.setBrush(theme.notice);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+    painter.setPen(theme.text);
+    painter.setFont(noticeFont());
+    painter.drawText(rect().adjusted(sidePadding, 0, -sidePadding, 0), textFlags, text_);
+}
+
+} // namespace lumnara

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "app/AppState.h"
+#include "app/board/QuickSwitcherController.h"
+#include "app/qt/BoardWindows.h"
+#include "app/qt/NoticeWindow.h"
+#include "app/qt/TrayIcon.h"
+
+#include <functional>
+
+namespace lumnara {
+
+/// All that the user sees: the Board, the tray icon, the notices. Built after AppState and taken down before
+/// it, while the application object lives.
+class Surfaces {
+public:
+    /// `isComposited` tells whether a compositor blends windows now; none means that nothing is known of one.
+    explicit Surfaces(AppState& state, BoardSettings settings = {}, std::function<bool()> isComposited = {});
+
+    QuickSwitcherController& board() { return board_; }
+
+    /// The Board, opened anew, has handed its first picture to the window system; once for each screen.
+    async::Signal<>& boardPainted() { return windows_.painted; }
+
+    /// The user asked to quit.
+    std::function<void()> onQuit;
+
+private:
+    void show(const Notice& notice);
+
+    BoardWindows windows_;
+    QuickSwitcherController board_;
+    TrayIcon tray_;
+    NoticeWindow notice_;
+    async::Subscription notices_;
+};
+
+} // namespace lumnara

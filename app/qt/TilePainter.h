@@ -1,0 +1,58 @@
+#pragma once
+
+#include "app/qt/BoardContent.h"
+#include "app/qt/Theme.h"
+
+#include <QCache>
+#include <QPixmap>
+#include <QRectF>
+
+class QPainter;
+
+namespace lumnara {
+
+/// How a tile stands out from the others.
+enum class TileStance { resting, selected, lifted };
+
+/// Draws tiles, each only once for as long as it looks the same: the pictures are kept and drawn again.
+class TilePainter {
+public:
+    TilePainter();
+
+    /// The pictures are made for this theme, size of name and resolution; others are forgotten.
+    void setLook(const Theme& theme, double nameSize, double devicePixelRatio);
+
+    void paint(QPainter& painter, const QRectF& place, const TileContent& tile, TileStance stance);
+    /// The tile whose name is being edited.
+    void paintRenaming(QPainter& painter, const QRectF& place, const TileContent& tile, const QString& text);
+    /// The tile over everything, full size.
+    void paintExpanded(QPainter& painter, const QRectF& place, const TileContent& tile);
+
+private:
+    struct Key {
+        TileContent tile;
+        TileStance stance;
+        QSizeF size;
+        bool operator==(const Key&) const = default;
+        friend std::size_t qHash(const Key& key, std::size_t seed) {
+            return qHashMulti(seed, QString::fromStdString(key.tile.key), key.tile.name,
+                              key.stance == TileStance::resting);
+        }
+    };
+
+    void draw(QPainter& painter, const QRectF& place, const TileContent& tile, TileStance stance) const;
+    void drawGround(QPainter& painter, const QRectF& place, TileStance stance) const;
+    void drawChip(QPainter& painter, const QRectF& place, const TileContent& tile) const;
+    void drawCorner(QPainter& painter, const QRectF& place, const TileContent& tile) const;
+    QColor colorOf(const TileContent& tile) const;
+
+    const Theme* theme_ = &Theme::of(Appearance::dark);
+    double nameSize_ = 0;
+    double devicePixelRatio_ = 0;
+    QCache<Key, QPixmap> pictures_; ///< cost in kilobytes
+};
+
+/// The outline of a key with its label in the middle.
+void drawKeycap(QPainter& painter, const Theme& theme, const QRectF& place, const QString& label);
+
+} // namespace lumnara
