@@ -1,0 +1,77 @@
+#include "core/base/Files.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <system_error>
+
+namespace lumnara {
+namespace {
+
+namespace fs = std::filesystem;
+
+mode_t modeOf(const fs::path& path) {
+    struct stat status{};
+    EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
+    return status.st_mode & 07777;
+}
+
+std::size_t filesIn(const fs::path& folder) {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+}
+
+TEST(Files, ReplacesWholeFilesAndLeavesNothingBeside) {
+    testing::TemporaryFolder folder;
+    const std::string large(100'000, 'x');
+    replaceFile(folder / "a", large);
+    EXPECT_EQ(readFile(folder / "a"), large);
+    replaceFile(folder / "a", std::string("b\0c", 3));
+    EXPECT_EQ(readFile(folder / "a"), std::string("b\0c", 3));
+    EXPECT_EQ(filesIn(folder.path()), 1u);
+}
+
+TEST(Files, KeepsNewFilesAndFoldersPrivateAndTheModeOfOldFiles) {
+    testing::TemporaryFolder folder;
+    const fs::path file = folder.path() / "new" / "deep" / "names.json";
+    replaceFile(file, "1");
+    EXPECT_EQ(modeOf(file), 0600u);
+    EXPECT_EQ(modeOf(file.parent_path()), 0700u);
+    EXPECT_EQ(modeOf(file.parent_path().parent_path()), 0700u);
+
+    fs::permissions(file, fs::perms(0640));
+    replaceFile(file, "2");
+    EXPECT_EQ(modeOf(file), 0640u);
+}
+
+TEST(Files, WritesThroughSymbolicLinks) {
+    testing::TemporaryFolder folder;
+    fs::create_directory(folder / "real");
+    fs::create_symlink("real/file", folder / "middle");
+    fs::create_symlink(folder / "middle", folder / "link");
+    replaceFile(folder / "link", "through a link that dangles");
+    EXPECT_TRUE(fs::is_symlink(folder / "link"));
+    EXPECT_TRUE(fs::is_symlink(folder / "middle"));
+    EXPECT_EQ(readFile(folder.path() / "real" / "file"), "through a link that dangles");
+
+    fs::create_symlink("circle", folder / "circle");
+    EXPECT_THROW(replaceFile(folder / "circle", "x"), std::system_error);
+}
+
+TEST(Files, AFailedReplacementLeavesTheOldStateAndNoTemporaryFile) {
+    testing::TemporaryFolder folder;
+    fs::create_directory(folder / "taken");
+    replaceFile(folder.path() / "taken" / "inside", "kept");
+    EXPECT_THROW(replaceFile(folder / "taken", "x"), std::system_error); // a folder stands in its place
+    EXPECT_EQ(readFile(folder.path() / "taken" / "inside"), "kept");
+    EXPECT_EQ(filesIn(folder.path()), 1u);
+
+    try {
+        readFile(folder / "missing");
+        FAIL() << "a missing file was read";
+    } catch (const std::system_error& error) {
+        EXPECT_EQ(error.code(), std::errc::no_such_file_or_directory);
+    }
+}
+
+} // namespace
+} // namespace lumnara
