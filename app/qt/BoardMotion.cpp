@@ -42,10 +42,8 @@ void BoardMotion::step(double seconds) {
     const double left = std::exp(-seconds / glideSeconds);
     const double distance = (pose_.scroll - targetScroll_) * left;
     pose_.scroll = std::abs(distance) < arrived ? targetScroll_ : targetScroll_ + distance;
-    std::erase_if(pose_.offsets, [left](auto& entry) {
-        entry.second *= left;
-        return entry.second.manhattanLength() < arrived;
-    });
+    for (auto& [key, offset] : pose_.offsets) offset *= left;
+    std::erase_if(pose_.offsets, [](const auto& entry) { return entry.second.manhattanLength() < arrived; });
 }
 
 } // namespace lumnara
