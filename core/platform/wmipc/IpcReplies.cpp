@@ -1,0 +1,156 @@
+#include "core/platform/wmipc/IpcReplies.h"
+
+#include "core/platform/wmipc/IpcFrames.h"
+#include "core/text/Utf8.h"
+
+#include <nlohmann/json.hpp>
+
+namespace lumnara {
+
+namespace {
+
+using nlohmann::json;
+
+/// No layout nests deeper than this; a text that does would fill the memory.
+constexpr int deepestNesting = 1000;
+
+json parseBounded(std::string_view text, const json::parser_callback_t& keep) {
+    try {
+        // Window managers hand on whatever bytes a workspace was named with.
+        if (text::isValidUtf8(text)) return json::parse(text, keep);
+        return json::parse(text::sanitizedUtf8(text), keep);
+    } catch (const json::exception& error) {
+        throw IpcProtocolError(error.what());
+    }
+}
+
+void checkNesting(int depth) {
+    if (depth > deepestNesting) throw IpcProtocolError("a message that nests too deep");
+}
+
+json parseReply(std::string_view text) {
+    return parseBounded(text, [](int depth, json::parse_event_t, json&) -> bool {
+        checkNesting(depth);
+        return true;
+    });
+}
+
+/// Events carry the whole tree of their workspace; only the first two levels are kept.
+json parseEvent(std::string_view text) {
+    return parseBounded(text, [](int depth, json::parse_event_t event, json&) -> bool {
+        checkNesting(depth);
+        return depth <= 2 || event == json::parse_event_t::object_end ||
+               event == json::parse_event_t::array_end;
+    });
+}
+
+const json& field(const json& object, const char* name) {
+    if (!object.is_object()) throw IpcProtocolError("something else than an object");
+    const auto found = object.find(name);
+    if (found == object.end()) throw IpcProtocolError(std::string("a reply without ") + name);
+    return *found;
+}
+
+const std::string& textIn(const json& object, const char* name) {
+    const json& value = field(object, name);
+    if (!value.is_string()) throw IpcProtocolError(std::string("no text in ") + name);
+    return value.get_ref<const std::string&>();
+}
+
+bool flag(const json& object, const char* name) {
+    const json& value = field(object, name);
+    if (!value.is_boolean()) throw IpcProtocolError(std::string("no truth value in ") + name);
+    return value.get<bool>();
+}
+
+double number(const json& object, const char* name) {
+    const json& value = field(object, name);
+    if (!value.is_number()) throw IpcProtocolError(std::string("no number in ") + name);
+    return value.get<double>();
+}
+
+std::int64_t integer(const json& object, const char* name) {
+    const json& value = field(object, name);
+    if (!value.is_number_integer()) throw IpcProtocolError(std::string("no integer in ") + name);
+    return value.get<std::int64_t>();
+}
+
+std::string textOrNone(const json& object, const char* name) {
+    return object.contains(name) && object.at(name).is_string() ? object.at(name).get<std::string>() : "";
+}
+
+const json& array(const json& value) {
+    if (!value.is_array()) throw IpcProtocolError("something else than an array");
+    return value;
+}
+
+IpcOutcome outcome(const json& reply) {
+    return {.success = flag(reply, "success"), .error = textOrNone(reply, "error")};
+}
+
+} // namespace
+
+std::vector<IpcWorkspaceReply> parseWorkspaces(std::string_view text) {
+    const json reply = parseReply(text);
+    std::vector<IpcWorkspaceReply> workspaces;
+    for (const json& workspace : array(reply)) {
+        workspaces.push_back({.id = integer(workspace, "id"),
+                              .name = textIn(workspace, "name"),
+                              .output = textIn(workspace, "output"),
+                              .visible = flag(workspace, "visible"),
+                              .focused = flag(workspace, "focused")});
+    }
+    return workspaces;
+}
+
+std::vector<IpcOutputReply> parseOutputs(std::string_view text) {
+    const json reply = parseReply(text);
+    std::vector<IpcOutputReply> outputs;
+    for (const json& output : array(reply)) {
+        if (!flag(output, "active")) continue;
+        const json& rect = field(output, "rect");
+        outputs.push_back({.name = textIn(output, "name"),
+                           .rect = {.x = number(rect, "x"),
+                                    .y = number(rect, "y"),
+                                    .width = number(rect, "width"),
+                                    .height = number(rect, "height")},
+                           .make = textOrNone(output, "make"),
+                           .model = textOrNone(output, "model"),
+                           .serial = textOrNone(output, "serial"),
+                           .scale = output.contains("scale") ? number(output, "scale") : 1,
+                           .focused = output.contains("focused") && flag(output, "focused")});
+    }
+    return outputs;
+}
+
+std::vector<IpcOutcome> parseOutcomes(std::string_view text) {
+    const json reply = parseReply(text);
+    std::vector<IpcOutcome> outcomes;
+    for (const json& each : array(reply)) outcomes.push_back(outcome(each));
+    return outcomes;
+}
+
+IpcOutcome parseOutcome(std::string_view text) { return outcome(parseReply(text)); }
+
+IpcWorkspaceEvent parseWorkspaceEvent(std::string_view text) {
+    const json event = parseEvent(text);
+    IpcWorkspaceEvent parsed;
+    parsed.change = textIn(event, "change");
+    const auto current = event.find("current");
+    if (current == event.end() || current->is_null()) return parsed;
+    parsed.id = integer(*current, "id");
+    parsed.name = textIn(*current, "name");
+    return parsed;
+}
+
+std::string parseBindingEvent(std::string_view text) {
+    const json event = parseEvent(text);
+    return textIn(field(event, "binding"), "command");
+}
+
+std::string parseConfig(std::string_view text) {
+    const json reply = parseReply(text);
+    return textIn(reply, "config");
+}
+
+} // namespace lumnara
