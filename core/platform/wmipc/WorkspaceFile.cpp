@@ -1,0 +1,88 @@
+#include "core/platform/wmipc/WorkspaceFile.h"
+
+#include "core/base/Files.h"
+#include "core/base/Log.h"
+#include "core/platform/wmipc/WorkspaceNames.h"
+
+#include <nlohmann/json.hpp>
+#include <set>
+#include <stdexcept>
+#include <system_error>
+
+namespace lumnara {
+
+namespace {
+
+using nlohmann::json;
+
+constexpr int workspaceSchema = 1;
+
+std::string textOf(const json& desktop, const char* name) {
+    const json& value = desktop.at(name);
+    if (!value.is_string()) throw std::runtime_error(std::string(name) + " is no text");
+    return value.get<std::string>();
+}
+
+RegisteredDesktop decodeDesktop(const json& desktop) {
+    if (!desktop.at("kept").is_boolean()) throw std::runtime_error("kept is no truth value");
+    if (!desktop.at("lastSeen").is_number_unsigned()) throw std::runtime_error("lastSeen is no count");
+    return {.uuid = textOf(desktop, "uuid"),
+            .id = {},
+            .display = textOf(desktop, "display"),
+            .workspace = textOf(desktop, "workspace"),
+            .ownName = textOf(desktop, "ownName"),
+            .title = textOf(desktop, "title"),
+            .kept = desktop.at("kept").get<bool>(),
+            .lastSeen = desktop.at("lastSeen").get<std::uint64_t>()};
+}
+
+std::vector<RegisteredDesktop> decode(const std::string& contents) {
+    const json root = json::parse(contents);
+    if (root.at("schemaVersion") != json(workspaceSchema)) throw std::runtime_error("another schema");
+    std::vector<RegisteredDesktop> desktops;
+    std::set<std::string> seen;
+    for (const json& each : root.at("desktops")) {
+        RegisteredDesktop desktop = decodeDesktop(each);
+        const bool first = seen.insert("uuid " + desktop.uuid).second;
+        if (desktop.uuid.empty() || desktop.workspace.empty() || !first)
+            throw std::runtime_error("no identity");
+        // Two can't have one name; the one that is found second gets another when it is needed.
+        desktop.nameOwed = !seen.insert("name " + workspaceKey(desktop.workspace)).second;
+        desktops.push_back(std::move(desktop));
+    }
+    return desktops;
+}
+
+} // namespace
+
+std::vector<RegisteredDesktop> readWorkspaceFile(const std::filesystem::path& file, Date now) {
+    std::error_code error;
+    if (!std::filesystem::exists(file, error)) return {};
+    try {
+        return decode(readFile(file));
+    } catch (const std::exception& damage) {
+        try {
+            log("Lumnara workspaces: moved aside to " + moveAside(file, now).string() + ": " + damage.what());
+        } catch (const std::system_error& failure) {
+            log("Lumnara workspaces: " + file.string() + " can't be used nor moved aside: " + failure.what());
+        }
+        return {};
+    }
+}
+
+std::string encodeWorkspaceFile(const std::vector<RegisteredDesktop>& desktops) {
+    json list = json::array();
+    for (const RegisteredDesktop& desktop : desktops) {
+        list.push_back({{"uuid", desktop.uuid},
+                        {"display", desktop.display},
+                        {"workspace", desktop.workspace},
+                        {"ownName", desktop.ownName},
+                        {"title", desktop.title},
+                        {"kept", desktop.kept},
+                        {"lastSeen", desktop.lastSeen}});
+    }
+    const json root = {{"schemaVersion", workspaceSchema}, {"desktops", std::move(list)}};
+    return root.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
+}
+
+} // namespace lumnara

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "core/base/Date.h"
+#include "core/platform/wmipc/RegisteredDesktop.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace lumnara {
+
+// The registry's file, "workspaces.json": {"schemaVersion": 1, "desktops": [...]}, the desktops display by
+// display in the order of their places.
+
+/// The desktops of a file, without ids; none when there is no file. A damaged one is moved aside, and there
+/// are none.
+std::vector<RegisteredDesktop> readWorkspaceFile(const std::filesystem::path& file, Date now);
+
+std::string encodeWorkspaceFile(const std::vector<RegisteredDesktop>& desktops);
+
+} // namespace lumnara

@@ -1,0 +1,318 @@
+#include "core/platform/wmipc/WorkspaceRegistry.h"
+
+#include "core/base/Files.h"
+#include "core/base/Log.h"
+#include "core/base/Uuid.h"
+#include "core/platform/wmipc/WorkspaceFile.h"
+#include "core/platform/wmipc/WorkspaceNames.h"
+
+#include <algorithm>
+#include <charconv>
+#include <map>
+#include <system_error>
+#include <utility>
+
+namespace lumnara {
+
+namespace {
+
+constexpr double saveDelay = 1.0;
+
+/// FNV-1a, 64 bits (Fowler, Noll, Vo).
+std::uint64_t hashOf(const std::string& text) {
+    std::uint64_t hash = 14695981039346656037U;
+    for (const unsigned char c : text) hash = (hash ^ c) * 1099511628211U;
+    return hash;
+}
+
+/// The number by which the window manager sorts a workspace; those without one come after.
+std::uint64_t sortNumber(const std::string& name) {
+    constexpr std::uint64_t none = ~std::uint64_t{0};
+    const std::string_view digits = leadingDigits(name);
+    std::uint64_t number = none;
+    std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return number;
+}
+
+/// Puts an absent desktop among those that are there: by its number, and one without behind the unnumbered
+/// one that it followed in `remembered`.
+void insertAbsent(std::vector<const RegisteredDesktop*>& placed, const RegisteredDesktop& absent,
+                  const std::vector<const RegisteredDesktop*>& remembered) {
+    const std::uint64_t number = sortNumber(absent.workspace);
+    auto position = std::ranges::find_if(
+        placed, [&](const auto* other) { return sortNumber(other->workspace) > number; });
+    if (sortNumber("") == number) {
+        position = std::ranges::find_if(
+            placed, [&](const auto* other) { return sortNumber(other->workspace) == number; });
+        for (auto before = std::ranges::find(remembered, &absent); before != remembered.begin();) {
+            const auto found = std::ranges::find(placed, *--before);
+            if (found == placed.end() || sortNumber((*found)->workspace) != number) continue;
+            position = found + 1;
+            break;
+        }
+    }
+    placed.insert(position, &absent);
+}
+
+} // namespace
+
+WorkspaceRegistry::WorkspaceRegistry(async::Loop& loop, std::filesystem::path file)
+    : loop_(loop),
+      file_(std::move(file)),
+      desktops_(readWorkspaceFile(file_, loop.date())) {
+    for (RegisteredDesktop& desktop : desktops_) {
+        desktop.id = mintID(desktop.uuid);
+        reading_ = std::max(reading_, desktop.lastSeen);
+    }
+}
+
+WorkspaceRegistry::~WorkspaceRegistry() {
+    if (saving_ && saving_->pending()) save();
+}
+
+void WorkspaceRegistry::beginRun() {
+    displays_.clear();
+    for (RegisteredDesktop& desktop : desktops_) {
+        desktop.handle.reset();
+        if (!std::exchange(desktop.asked, {}).empty()) desktop.nameOwed = true;
+    }
+}
+
+void WorkspaceRegistry::renamed(std::int64_t handle, const std::string& name) {
+    RegisteredDesktop* desktop = at(handle);
+    if (!desktop) return;
+    const std::string key = workspaceKey(name);
+    const auto asked = std::ranges::find(desktop->asked, name);
+    if (asked == desktop->asked.end())
+        desktop->ownName = name;
+    else
+        desktop->asked.erase(desktop->asked.begin(), asked + 1);
+    desktop->workspace = name;
+    // One that is gone can't come back under a name that is taken now.
+    for (RegisteredDesktop& other : desktops_)
+        if (&other != desktop && workspaceKey(other.workspace) == key) other.nameOwed = true;
+    changed();
+}
+
+void WorkspaceRegistry::released(std::int64_t handle) {
+    if (RegisteredDesktop* desktop = at(handle)) desktop->handle.reset();
+}
+
+void WorkspaceRegistry::reconcile(const std::vector<LiveDisplay>& displays) {
+    ++reading_;
+    displays_.clear();
+    std::vector<const LiveWorkspace*> live;
+    std::vector<const std::string*> displayOf;
+    for (const LiveDisplay& display : displays) {
+        displays_.insert(display.uuid);
+        for (const LiveWorkspace& workspace : display.workspaces) {
+            live.push_back(&workspace);
+            displayOf.push_back(&display.uuid);
+        }
+    }
+
+    const std::vector<std::size_t> matched = match(live);
+    for (RegisteredDesktop& desktop : desktops_) desktop.handle.reset();
+    for (std::size_t i = 0; i < live.size(); ++i) {
+        RegisteredDesktop& desktop = desktops_[matched[i]];
+        desktop.handle = live[i]->handle;
+        desktop.lastSeen = reading_;
+        if (desktop.display != *displayOf[i]) {
+            desktop.display = *displayOf[i];
+            changed();
+        }
+    }
+    place(displays, matched);
+    forgetOldest();
+}
+
+/// The index of the desktop that each workspace is.
+std::vector<std::size_t> WorkspaceRegistry::match(const std::vector<const LiveWorkspace*>& workspaces) {
+    std::map<std::string, std::size_t> byName;
+    for (std::size_t i = 0; i < desktops_.size(); ++i) {
+        const auto [entry, added] = byName.emplace(workspaceKey(desktops_[i].workspace), i);
+        if (!added && desktops_[i].handle) entry->second = i;
+    }
+    std::set<std::size_t> taken;
+    std::vector<std::optional<std::size_t>> matched(workspaces.size());
+    for (std::size_t i = 0; i < workspaces.size(); ++i) {
+        const auto found = byName.find(workspaceKey(workspaces[i]->name));
+        if (found != byName.end() && taken.insert(found->second).second) matched[i] = found->second;
+    }
+
+    // The window manager has forgotten these titles, but the numbers and names below them go on.
+    std::map<std::string, std::size_t> byOwnName;
+    for (std::size_t i = 0; i < desktops_.size(); ++i) {
+        if (desktops_[i].title.empty() || taken.contains(i)) continue;
+        byOwnName.emplace(workspaceKey(desktops_[i].ownName), i);
+        byOwnName.emplace(leadingDigits(desktops_[i].ownName), i);
+    }
+    for (std::size_t i = 0; i < workspaces.size(); ++i) {
+        if (matched[i]) continue;
+        const std::string& name = workspaces[i]->name;
+        const auto found = byOwnName.find(workspaceKey(name));
+        if (found != byOwnName.end() && taken.insert(found->second).second) {
+            matched[i] = found->second;
+            RegisteredDesktop& desktop = desktops_[found->second];
+            desktop.workspace = name;
+            desktop.nameOwed = true;
+        } else {
+            matched[i] = add(name);
+        }
+        changed();
+    }
+
+    std::vector<std::size_t> indexes;
+    for (const auto& index : matched) indexes.push_back(*index);
+    return indexes;
+}
+
+std::size_t WorkspaceRegistry::add(const std::string& workspace) {
+    const std::string uuid = newUuid();
+    desktops_.push_back({.uuid = uuid,
+                         .id = mintID(uuid),
+                         .display = {},
+                         .workspace = workspace,
+                         .ownName = workspace,
+                         .title = {}});
+    return desktops_.size() - 1;
+}
+
+SpaceID WorkspaceRegistry::mintID(const std::string& uuid) const {
+    SpaceID id{hashOf(uuid)};
+    while (id.raw == 0 || find(id)) ++id.raw;
+    return id;
+}
+
+/// Orders the desktops of the displays of a reading: the window manager's order, the absent ones in between.
+void WorkspaceRegistry::place(const std::vector<LiveDisplay>& displays,
+                              const std::vector<std::size_t>& matched) {
+    std::vector<const RegisteredDesktop*> order;
+    auto next = matched.begin();
+    for (const LiveDisplay& display : displays) {
+        std::vector<const RegisteredDesktop*> placed;
+        for (std::size_t i = 0; i < display.workspaces.size(); ++i) placed.push_back(&desktops_[*next++]);
+        std::vector<const RegisteredDesktop*> remembered;
+        for (const RegisteredDesktop& desktop : desktops_)
+            if (desktop.display == display.uuid) remembered.push_back(&desktop);
+        for (const RegisteredDesktop* desktop : remembered)
+            if (!desktop->handle) insertAbsent(placed, *desktop, remembered);
+        order.insert(order.end(), placed.begin(), placed.end());
+    }
+    for (const RegisteredDesktop& desktop : desktops_)
+        if (!displays_.contains(desktop.display)) order.push_back(&desktop);
+
+    bool moved = false;
+    for (std::size_t i = 0; i < order.size(); ++i) moved = moved || order[i] != &desktops_[i];
+    if (!moved) return;
+    std::vector<RegisteredDesktop> ordered;
+    for (const RegisteredDesktop* desktop : order) ordered.push_back(*desktop);
+    desktops_ = std::move(ordered);
+    changed();
+}
+
+void WorkspaceRegistry::forgetOldest() {
+    const auto forgotten = static_cast<std::size_t>(
+        std::ranges::count_if(desktops_, [](const auto& desktop) { return !desktop.isSpace(); }));
+    for (std::size_t excess = forgotten; excess > mostForgotten; --excess) {
+        const auto age = [](const RegisteredDesktop& desktop) {
+            return std::pair(desktop.isSpace(), desktop.lastSeen);
+        };
+        desktops_.erase(std::ranges::min_element(desktops_, {}, age));
+        changed();
+    }
+}
+
+bool WorkspaceRegistry::setPublished(const std::vector<PublishedDesktop>& published) {
+    std::map<std::string_view, const PublishedDesktop*> byKey;
+    for (const PublishedDesktop& each : published) byKey.emplace(each.spaceKey, &each);
+    bool ceased = false;
+    for (RegisteredDesktop& desktop : desktops_) {
+        const auto found = byKey.find(desktop.uuid);
+        const bool listed = found != byKey.end();
+        const bool wasTold = desktop.isSpace() && displays_.contains(desktop.display);
+        if (!listed && !wasTold) continue;
+        setTitle(desktop, listed ? found->second->name : "");
+        if (desktop.kept == listed) continue;
+        desktop.kept = listed;
+        ceased = ceased || !desktop.isSpace();
+        changed();
+    }
+    return ceased;
+}
+
+void WorkspaceRegistry::setTitle(RegisteredDesktop& desktop, const std::string& title) {
+    if (desktop.title == title) return;
+    desktop.title = title;
+    desktop.nameOwed = true;
+    changed();
+}
+
+std::vector<WorkspaceRegistry::Rename> WorkspaceRegistry::settleNames(const NameMaker& makeName) {
+    std::set<std::string> taken;
+    for (const RegisteredDesktop& desktop : desktops_) {
+        if (desktop.handle || !desktop.nameOwed) taken.insert(workspaceKey(desktop.nextName()));
+    }
+    std::vector<Rename> renames;
+    for (RegisteredDesktop& desktop : desktops_) {
+        if (!std::exchange(desktop.nameOwed, false)) continue;
+        if (desktop.handle) taken.erase(workspaceKey(desktop.nextName()));
+        const std::string name = makeName(desktop.ownName, desktop.title, taken);
+        taken.insert(workspaceKey(name));
+        // A title that was on the workspace before we knew it: below it is the bare number.
+        const std::string_view number = leadingDigits(desktop.ownName);
+        if (!desktop.title.empty() && name == desktop.ownName && !number.empty())
+            desktop.ownName = std::string(number);
+        changed();
+        if (!desktop.handle) {
+            desktop.workspace = name;
+        } else if (desktop.nextName() != name) {
+            renames.push_back({.uuid = desktop.uuid, .from = desktop.nextName(), .to = name});
+            desktop.asked.push_back(name);
+        }
+    }
+    return renames;
+}
+
+void WorkspaceRegistry::renameRefused(const Rename& rename) {
+    const auto found = std::ranges::find(desktops_, rename.uuid, &RegisteredDesktop::uuid);
+    if (found != desktops_.end()) std::erase(found->asked, rename.to);
+}
+
+std::vector<const RegisteredDesktop*> WorkspaceRegistry::spaces(const std::string& display) const {
+    std::vector<const RegisteredDesktop*> found;
+    for (const RegisteredDesktop& desktop : desktops_)
+        if (desktop.display == display && desktop.isSpace()) found.push_back(&desktop);
+    return found;
+}
+
+const RegisteredDesktop* WorkspaceRegistry::find(SpaceID id) const {
+    const auto found = std::ranges::find(desktops_, id, &RegisteredDesktop::id);
+    return found == desktops_.end() ? nullptr : &*found;
+}
+
+const RegisteredDesktop* WorkspaceRegistry::find(std::int64_t handle) const {
+    const auto found = std::ranges::find(desktops_, handle, &RegisteredDesktop::handle);
+    return found == desktops_.end() ? nullptr : &*found;
+}
+
+RegisteredDesktop* WorkspaceRegistry::at(std::int64_t handle) {
+    return const_cast<RegisteredDesktop*>(std::as_const(*this).find(handle));
+}
+
+void WorkspaceRegistry::changed() {
+    if (saving_ && saving_->pending()) return;
+    saving_ = std::make_unique<async::Delayed>(loop_, saveDelay, [this] { save(); });
+}
+
+void WorkspaceRegistry::save() {
+    queue_.post([file = file_, contents = encodeWorkspaceFile(desktops_)] {
+        try {
+            replaceFile(file, contents);
+        } catch (const std::system_error& error) {
+            log(std::string("Lumnara workspaces: not saved: ") + error.what());
+        }
+    });
+}
+
+} // namespace lumnara

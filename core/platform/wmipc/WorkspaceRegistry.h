@@ -1,0 +1,107 @@
+#pragma once
+
+#include "core/async/Queue.h"
+#include "core/async/Timer.h"
+#include "core/platform/DesktopNamePublisher.h"
+#include "core/platform/wmipc/RegisteredDesktop.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace lumnara {
+
+/// Which workspace is which desktop, across readings, restarts of the window manager and unplugged monitors.
+///
+/// i3 and sway forget an empty workspace when it is left, and know one by its name alone, which is unique
+/// over all outputs. So a workspace is the desktop that bears its name; failing that, the one whose own name
+/// or number it bears and whose title the window manager has forgotten. Announced renames are followed
+/// within a run. Desktops with a record stay when their workspace goes; the others only keep their uuid for
+/// the case that the name comes back, the newest of them.
+///
+/// References into the registry hold until its next change. Main thread.
+class WorkspaceRegistry {
+public:
+    struct LiveWorkspace {
+        std::int64_t handle = 0;
+        std::string name;
+    };
+    struct LiveDisplay {
+        std::string uuid;
+        /// In the window manager's order.
+        std::vector<LiveWorkspace> workspaces;
+    };
+
+    /// A workspace to rename.
+    struct Rename {
+        std::string uuid;
+        std::string from;
+        std::string to;
+        bool operator==(const Rename&) const = default;
+    };
+    /// Makes the workspace name for an own name and a title, none of `taken` (by workspaceKey).
+    using NameMaker = std::function<std::string(const std::string& ownName, const std::string& title,
+                                                const std::set<std::string>& taken)>;
+
+    /// How many desktops without a record and without a workspace are remembered.
+    static constexpr std::size_t mostForgotten = 200;
+
+    /// Reads the file. A damaged one is moved aside and the registry starts empty.
+    WorkspaceRegistry(async::Loop& loop, std::filesystem::path file);
+    /// Writes what has not been written.
+    ~WorkspaceRegistry();
+
+    /// The window manager may be another one: its containers mean nothing any more.
+    void beginRun();
+    /// The workspace of that container has a new name.
+    void renamed(std::int64_t handle, const std::string& name);
+    /// The container is another workspace now, or none.
+    void released(std::int64_t handle);
+    /// Takes in a whole reading.
+    void reconcile(const std::vector<LiveDisplay>& displays);
+    /// Whether there has been a reading in this run.
+    bool hasReading() const { return !displays_.empty(); }
+
+    /// Takes in the desktops that have records. Those of displays that are unplugged are never told and stay
+    /// as they are. Returns whether a Space ceased to be one.
+    bool setPublished(const std::vector<PublishedDesktop>& desktops);
+    /// The workspaces to rename so that they show their titles. A desktop without a workspace is given its
+    /// name here.
+    std::vector<Rename> settleNames(const NameMaker& makeName);
+    /// The window manager did not do a rename of settleNames.
+    void renameRefused(const Rename& rename);
+
+    /// The desktops of a display, in their places.
+    std::vector<const RegisteredDesktop*> spaces(const std::string& display) const;
+    const RegisteredDesktop* find(SpaceID id) const;
+    const RegisteredDesktop* find(std::int64_t handle) const;
+
+private:
+    RegisteredDesktop* at(std::int64_t handle);
+    std::size_t add(const std::string& workspace);
+    SpaceID mintID(const std::string& uuid) const;
+    std::vector<std::size_t> match(const std::vector<const LiveWorkspace*>& workspaces);
+    void place(const std::vector<LiveDisplay>& displays, const std::vector<std::size_t>& matched);
+    void forgetOldest();
+    void setTitle(RegisteredDesktop& desktop, const std::string& title);
+
+    void changed();
+    void save();
+
+    async::Loop& loop_;
+    std::filesystem::path file_;
+    /// Display by display in the order of their places.
+    std::vector<RegisteredDesktop> desktops_;
+    /// The displays of the last reading.
+    std::set<std::string> displays_;
+    std::uint64_t reading_ = 0;
+    async::SerialQueue queue_{"com.lumnara.workspaces"};
+    std::unique_ptr<async::Delayed> saving_;
+};
+
+} // namespace lumnara
