@@ -1,0 +1,152 @@
+#include "core/platform/wmipc/IpcSession.h"
+
+#include "core/base/Log.h"
+#include "core/text/Text.h"
+
+#include <algorithm>
+#include <set>
+#include <tuple>
+#include <utility>
+
+namespace lumnara {
+
+IpcSession::IpcSession(async::Loop& loop, Setup setup)
+    : loop_(loop),
+      dialect_(setup.dialect),
+      identify_(std::move(setup.identify)),
+      registry_(loop, std::move(setup.registryFile)),
+      ipc_(loop, std::move(setup.ipc), *this) {}
+
+std::vector<IpcSession::Display> IpcSession::read() {
+    std::vector<Display> displays = identified(ipc_.ask(IpcType::outputs, {}, parseOutputs));
+    const std::vector<IpcWorkspaceReply> workspaces = ipc_.ask(IpcType::workspaces, {}, parseWorkspaces);
+
+    std::vector<WorkspaceRegistry::LiveDisplay> live;
+    for (const Display& display : displays) {
+        auto& entry =
+            live.emplace_back(WorkspaceRegistry::LiveDisplay{.uuid = display.uuid, .workspaces = {}});
+        for (const IpcWorkspaceReply& workspace : workspaces)
+            if (workspace.output == display.output.name)
+                entry.workspaces.push_back({.handle = workspace.id, .name = workspace.name});
+    }
+    registry_.reconcile(live);
+
+    connectors_.clear();
+    for (Display& display : displays) {
+        connectors_.emplace(display.uuid, display.output.name);
+        for (const IpcWorkspaceReply& workspace : workspaces) {
+            if (workspace.output != display.output.name || !workspace.visible) continue;
+            if (const RegisteredDesktop* desktop = registry_.find(workspace.id))
+                display.current = desktop->id;
+            display.focused = workspace.focused;
+        }
+    }
+    settleNames();
+    return displays;
+}
+
+std::vector<IpcSession::Display> IpcSession::identified(std::vector<IpcOutputReply> outputs) const {
+    std::ranges::sort(outputs, {}, [](const IpcOutputReply& output) {
+        return std::tuple(output.rect.x, output.rect.y, output.name);
+    });
+    std::vector<Display> displays;
+    std::set<std::string> taken;
+    for (IpcOutputReply& output : outputs) {
+        std::string uuid = identify_(output);
+        if (!taken.insert(uuid).second) uuid += " " + output.name;
+        displays.push_back({.uuid = std::move(uuid), .output = std::move(output), .current = {}});
+    }
+    return displays;
+}
+
+std::string IpcSession::activation(SpaceID space, const DisplayID& display) const {
+    const RegisteredDesktop* desktop = registry_.find(space);
+    const auto connector = std::ranges::find_if(
+        connectors_, [&](const auto& entry) { return text::equalsIgnoringCase(entry.first, display.uuid); });
+    if (!desktop || connector == connectors_.end()) {
+        throw WindowManagerError(WindowManagerError::Case::refused, ipc_.windowManager(),
+                                 desktop ? "it has no such output" : "it has no such workspace");
+    }
+    // Without the output in front, a workspace that is gone would be made on the focused one.
+    return "focus output " + quoted(dialect_, connector->second) + "; workspace --no-auto-back-and-forth " +
+           quoted(dialect_, desktop->nextName());
+}
+
+void IpcSession::publish(const std::vector<PublishedDesktop>& desktops) {
+    if (registry_.setPublished(desktops)) {
+        news_.space = true;
+        tellLater();
+    }
+    settleNames();
+}
+
+/// Before the first reading of a run nobody knows which workspaces there are.
+void IpcSession::settleNames() {
+    if (!registry_.hasReading() || !ipc_.connected()) return;
+    const auto makeName = [this](const std::string& ownName, const std::string& title,
+                                 const std::set<std::string>& taken) {
+        return titledWorkspace(dialect_, ownName, title, taken);
+    };
+    for (const WorkspaceRegistry::Rename& rename : registry_.settleNames(makeName)) {
+        const std::string command =
+            "rename workspace " + quoted(dialect_, rename.from) + " to " + quoted(dialect_, rename.to);
+        try {
+            ipc_.run(command, [this, rename](const std::vector<IpcOutcome>* outcomes) {
+                if (!outcomes || (!outcomes->empty() && outcomes->front().success)) return;
+                registry_.renameRefused(rename);
+                log("Lumnara " + ipc_.windowManager() + ": \"" + rename.from + "\" was not renamed to \"" +
+                    rename.to + "\": " + (outcomes->empty() ? "no answer" : outcomes->front().error));
+            });
+        } catch (const WindowManagerError&) {
+            // Lost meanwhile; what was asked is owed again when a window manager is there.
+        }
+    }
+}
+
+void IpcSession::onConnected() {
+    registry_.beginRun();
+    news_.space = news_.screens = news_.bindingsLost = true;
+    tellLater();
+}
+
+void IpcSession::onLost() {
+    news_.space = true;
+    tellLater();
+}
+
+void IpcSession::onEvent(const IpcFrame& event) {
+    switch (static_cast<IpcEvent>(event.type)) {
+    case IpcEvent::workspace: onWorkspaceEvent(parseWorkspaceEvent(event.payload)); break;
+    case IpcEvent::output: news_.screens = true; break;
+    case IpcEvent::binding: news_.bindingsRun.push_back(parseBindingEvent(event.payload)); break;
+    case IpcEvent::shutdown:
+        // The end of the connection follows.
+        return;
+    }
+    tellLater();
+}
+
+void IpcSession::onWorkspaceEvent(const IpcWorkspaceEvent& event) {
+    if (event.change == "rename")
+        registry_.renamed(event.id, event.name);
+    else if (event.change == "init" || event.change == "empty")
+        registry_.released(event.id);
+    else if (event.change == "reload")
+        news_.bindingsLost = true;
+    news_.space = true;
+}
+
+void IpcSession::tellLater() {
+    if (!telling_ || !telling_->pending())
+        telling_ = std::make_unique<async::Delayed>(loop_, 0, [this] { tell(); });
+}
+
+void IpcSession::tell() {
+    const News news = std::exchange(news_, {});
+    if (news.bindingsLost) bindingsLost_.emit();
+    for (const std::string& command : news.bindingsRun) bindingRan_.emit(command);
+    if (news.screens) changed_.emit(WorkspaceEvent::screenParametersDidChange);
+    if (news.space) changed_.emit(WorkspaceEvent::activeSpaceDidChange);
+}
+
+} // namespace lumnara

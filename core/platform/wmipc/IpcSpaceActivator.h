@@ -1,0 +1,19 @@
+#pragma once
+
+#include "core/platform/wmipc/IpcSession.h"
+#include "core/switching/SpaceActivator.h"
+
+namespace lumnara {
+
+/// Shows a desktop by one command to i3 or sway, which answers when it has drawn the change.
+class IpcSpaceActivator : public SpaceActivator {
+public:
+    explicit IpcSpaceActivator(IpcSession& session) : session_(session) {}
+
+    async::Task<> activate(const Space& target, const DisplayID& display) override;
+
+private:
+    IpcSession& session_;
+};
+
+} // namespace lumnara
