@@ -193,8 +193,7 @@ void Session::fail(const std::string& what, const std::string& program) const {
     throw std::runtime_error(what + "\n" + contents(logFile(program)));
 }
 
-std::unique_ptr<Child> Session::start(std::vector<std::string> arguments,
-                                      const Variables& additions) const {
+std::unique_ptr<Child> Session::start(std::vector<std::string> arguments, const Variables& additions) const {
     Child::Options options{.environment = additions, .logFile = logFile(programOf(arguments))};
     options.environment.insert(environment_.begin(), environment_.end());
     return std::make_unique<Child>(std::move(arguments), options);

@@ -76,13 +76,15 @@ TEST_F(NamesToShowTest, ReplacesTheWantedNamesOnly) {
     EXPECT_EQ(show({"1"}, 3, {{"B", "mail"}}), (Texts{"1", "mail"}));
     EXPECT_EQ(show({"1"}, 3, {{"C", "mail"}}), (Texts{"1", "", "mail"}));
     EXPECT_EQ(show({"1", "", ""}, 3, {}), (Texts{"1", "", ""}));
+    EXPECT_EQ(show({"1", "", ""}, 3, {{"A", "mail"}}), (Texts{"mail"}));
+    EXPECT_EQ(show({}, 3, {}), Texts{});
     EXPECT_EQ(show({"1"}, 1, {{"B", "mail"}}), Texts{"1"});
 }
 
 TEST_F(NamesToShowTest, GivesTheWindowManagersNamesBack) {
     EXPECT_EQ(show({"1", "2"}, 3, {{"A", "mail"}, {"C", "code"}}), (Texts{"mail", "2", "code"}));
     EXPECT_EQ(show({"mail", "2", "code"}, 3, {{"A", "post"}, {"C", "code"}}), (Texts{"post", "2", "code"}));
-    EXPECT_EQ(show({"post", "2", "code"}, 3, {}), (Texts{"1", "2", ""}));
+    EXPECT_EQ(show({"post", "2", "code"}, 3, {}), (Texts{"1", "2"}));
     EXPECT_EQ(desktops[0].renamed, std::nullopt);
 }
 

@@ -87,7 +87,12 @@ void EwmhRoot::requestDesktop(std::size_t index) const {
 }
 
 void EwmhRoot::setNames(const std::vector<std::string>& names) const {
-    connection_->setText(connection_->root(), connection_->atoms().netDesktopNames, joinNulList(names));
+    const auto& x = *connection_;
+    if (names.empty())
+        xcb_delete_property(x.xcb(), x.root(), x.atoms().netDesktopNames);
+    else
+        x.setText(x.root(), x.atoms().netDesktopNames, joinNulList(names));
+    xcb_flush(x.xcb());
 }
 
 void EwmhRoot::setUuids(const std::vector<std::string>& uuids) const {

@@ -35,6 +35,7 @@ public:
 
     /// Asks the window manager to show a desktop; it answers by changing _NET_CURRENT_DESKTOP.
     void requestDesktop(std::size_t index) const;
+    /// An empty list leaves every desktop without a name.
     void setNames(const std::vector<std::string>& names) const;
     void setUuids(const std::vector<std::string>& uuids) const;
 

@@ -117,6 +117,7 @@ std::vector<std::string> namesToShow(const std::vector<std::string>& shown, std:
                                      std::vector<RememberedDesktop>& desktops) {
     std::vector<std::string> names = shown;
     names.resize(std::max(names.size(), count));
+    bool changed = false;
     for (std::size_t i = 0; i < std::min(count, desktops.size()); ++i) {
         const std::string now = names[i];
         auto& renamed = desktops[i].renamed;
@@ -129,9 +130,11 @@ std::vector<std::string> namesToShow(const std::vector<std::string>& shown, std:
             if (now == renamed->ours) names[i] = renamed->own;
             renamed.reset();
         }
+        changed |= names[i] != now;
     }
-    // An empty name at the end is no name: it is left out unless the window manager has put it there.
-    while (names.size() > shown.size() && names.back().empty()) names.pop_back();
+    // A list that needs no change is left to whoever wrote it; in ours, empty names at the end are none.
+    if (!changed) return shown;
+    while (!names.empty() && names.back().empty()) names.pop_back();
     return names;
 }
 

@@ -1,0 +1,149 @@
+#include "tests/session/EwmhFixture.h"
+
+#include <algorithm>
+
+namespace lumnara::testing {
+namespace {
+
+using Case = WindowManagerError::Case;
+
+class DesktopsTest : public ::testing::TestWithParam<WindowManager> {
+protected:
+    EwmhFixture at{GetParam()};
+};
+
+INSTANTIATE_TEST_SUITE_P(Ewmh, DesktopsTest, ::testing::Values(WindowManager::openbox, WindowManager::xfwm4),
+                         [](const auto& info) {
+                             return std::string(info.param == WindowManager::openbox ? "openbox" : "xfwm4");
+                         });
+
+TEST_P(DesktopsTest, AreReadAndSwitched) {
+    const auto before = at.desktops();
+    EXPECT_EQ(before.display.uuid, "Main");
+    EXPECT_EQ(before.spaces.size(), 4U);
+    EXPECT_EQ(at.uuids(), at.uuids());
+    for (const std::size_t target : {2U, 0U, 3U}) {
+        EXPECT_EQ(at.activate(target), std::nullopt);
+        EXPECT_EQ(at.current(), target);
+        EXPECT_EQ(at.session.rootProperty("_NET_CURRENT_DESKTOP"), std::to_string(target));
+        EXPECT_EQ(at.platform.windowServer->currentSpace({"Main"}), at.desktops().spaces[target].id);
+    }
+    EXPECT_EQ(at.platform.windowServer->currentSpace({"L"}), std::nullopt);
+}
+
+TEST_P(DesktopsTest, ASwitchThatChangesNothingOrHasNoTargetDoesNotWait) {
+    const auto start = at.loop.now();
+    EXPECT_EQ(at.activate(at.current()), std::nullopt);
+    const auto gone = at.desktops().spaces[3];
+    at.runTool({"wmctrl", "-n", "3"});
+    ASSERT_TRUE(at.runUntil([&] { return at.uuids().size() == 3; }));
+    auto activation = [](SpaceActivator& activator, const Space& target, bool& failed) -> async::Task<> {
+        const DisplayID main{"Main"};
+        try {
+            co_await activator.activate(target, main);
+        } catch (const WindowManagerError& error) {
+            failed = error.which() == Case::refused;
+        }
+    };
+    bool failed = false;
+    const auto handle = async::spawn(at.loop, activation(*at.platform.spaceActivator, gone, failed));
+    EXPECT_TRUE(at.runUntil([&] { return failed; }));
+    EXPECT_LT(at.loop.now() - start, std::chrono::milliseconds(250));
+}
+
+TEST_P(DesktopsTest, TellWhenAnotherProgramChangesThem) {
+    at.runUntil([] { return false; }, 0.05); // what the start has left over
+    at.events.clear();
+    at.runTool({"wmctrl", "-s", "1"});
+    EXPECT_TRUE(at.runUntil([&] { return !at.events.empty(); }));
+    EXPECT_EQ(at.events, std::vector{WorkspaceEvent::activeSpaceDidChange});
+    EXPECT_EQ(at.current(), 1U);
+}
+
+TEST_P(DesktopsTest, KeepTheirIdentityWhenTheCountChanges) {
+    const auto four = at.uuids();
+    at.activate(3);
+    at.runTool({"wmctrl", "-n", "2"});
+    // Between the two announcements the current desktop lies beyond the last one.
+    ASSERT_TRUE(at.runUntil([&] { return at.uuids().size() == 2; }));
+    EXPECT_TRUE(std::equal(four.begin(), four.begin() + 2, at.uuids().begin()));
+    EXPECT_LT(at.current(), 2U);
+    at.runTool({"wmctrl", "-n", "5"});
+    ASSERT_TRUE(at.runUntil([&] { return at.uuids().size() == 5; }));
+    const auto five = at.uuids();
+    EXPECT_TRUE(std::equal(four.begin(), four.end(), five.begin()));
+    EXPECT_EQ(std::count(four.begin(), four.end(), five[4]), 0);
+}
+
+TEST_P(DesktopsTest, ShowTheUsersNamesAndThenTheirOwn) {
+    const auto before = at.shownNames();
+    at.publish({"Mail", "", "Büro"});
+    EXPECT_TRUE(at.runUntil([&] { return at.shownNames().find("Büro") != std::string::npos; }));
+    EXPECT_NE(at.session.run({"wmctrl", "-d"}).text.find("Mail"), std::string::npos);
+    at.publish({"Post", "", ""});
+    EXPECT_TRUE(at.runUntil([&] { return at.shownNames().starts_with("Post,"); })) << at.shownNames();
+    EXPECT_EQ(at.shownNames().find("Büro"), std::string::npos);
+    at.publish({});
+    EXPECT_TRUE(at.runUntil([&] { return at.shownNames() == before; })) << at.shownNames();
+}
+
+TEST_P(DesktopsTest, OutliveTheirWindowManager) {
+    const auto four = at.uuids();
+    at.publish({"Mail"});
+    for (const int signal : {SIGTERM, SIGKILL}) {
+        at.events.clear();
+        at.session.killWindowManager(signal);
+        EXPECT_TRUE(at.runUntil([&] { return !at.events.empty() && !at.answers(); }));
+        EXPECT_EQ(at.failure()->which(), Case::connectionLost);
+        EXPECT_EQ(at.platform.windowServer->currentSpace({"Main"}), std::nullopt);
+        at.events.clear();
+        at.session.startWindowManager();
+        EXPECT_TRUE(at.runUntil([&] { return !at.events.empty() && at.answers(); }));
+        EXPECT_EQ(at.uuids(), four);
+        EXPECT_EQ(at.activate(1), std::nullopt);
+        EXPECT_EQ(at.current(), 1U);
+        EXPECT_TRUE(at.runUntil([&] { return at.shownNames().starts_with("Mail"); })) << at.shownNames();
+    }
+}
+
+TEST_P(DesktopsTest, OutliveAReplacementByAnotherWindowManager) {
+    const auto four = at.uuids();
+    at.publish({"Mail"});
+    const auto other = GetParam() == WindowManager::openbox ? WindowManager::xfwm4 : WindowManager::openbox;
+    at.session.startWindowManager(other);
+    EXPECT_TRUE(at.runUntil([&] { return at.answers() && at.uuids() == four; }));
+    EXPECT_TRUE(at.runUntil([&] { return at.shownNames().starts_with("Mail"); })) << at.shownNames();
+    EXPECT_EQ(at.activate(2), std::nullopt);
+    EXPECT_EQ(at.current(), 2U);
+}
+
+TEST_P(DesktopsTest, AHangingWindowManagerCostsOnePatience) {
+    at.session.stopWindowManager();
+    const auto start = at.loop.now();
+    EXPECT_EQ(at.activate(2), std::nullopt);
+    const auto waited = async::secondsOf(at.loop.now() - start);
+    EXPECT_GE(waited, 0.25);
+    EXPECT_LT(waited, 1.0);
+    EXPECT_EQ(at.current(), 0U);
+    at.session.continueWindowManager();
+    EXPECT_TRUE(at.runUntil([&] { return at.current() == 2; }));
+}
+
+TEST_P(DesktopsTest, AreKnownAgainOnANewServer) {
+    at.publish({"Mail", "Web"});
+    at.runUntil([] { return false; }, 0.05);
+    const auto uuids = at.uuids();
+
+    EwmhFixture next{GetParam()};
+    const auto own = next.shownNames();
+    std::filesystem::copy_file(at.folder / "ewmh-desktops.json", next.folder / "ewmh-desktops.json");
+    next.platform = next.x11->ewmhPlatform(next.folder.path());
+    EXPECT_EQ(next.uuids(), uuids);
+    next.publish({"Mail", "Web"});
+    EXPECT_TRUE(next.runUntil([&] { return next.shownNames().starts_with("Mail,Web"); }));
+    next.publish({});
+    EXPECT_TRUE(next.runUntil([&] { return next.shownNames() == own; })) << next.shownNames();
+}
+
+} // namespace
+} // namespace lumnara::testing
