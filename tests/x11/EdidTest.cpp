@@ -1,28 +1,16 @@
 #include "core/platform/x11/Edid.h"
 
+#include "tests/support/EdidBlock.h"
+
 #include <gtest/gtest.h>
 
 namespace lumnara {
 namespace {
 
-/// A base block of "DEL" with product code 0xA0B1 and the numeric serial number 305419896.
-std::string block() {
-    std::string bytes(128, '\0');
-    bytes.replace(0, 8, std::string("\x00\xFF\xFF\xFF\xFF\xFF\xFF\x00", 8));
-    const int packed = ('D' - '@') << 10 | ('E' - '@') << 5 | ('L' - '@');
-    bytes[8] = static_cast<char>(packed >> 8);
-    bytes[9] = static_cast<char>(packed & 0xFF);
-    bytes.replace(10, 6, "\xB1\xA0\x78\x56\x34\x12", 6);
-    return bytes;
-}
+using testing::edidBlock;
+using testing::withDescriptor;
 
-std::string withDescriptor(std::string bytes, std::size_t at, char tag, std::string text) {
-    text.resize(13, ' ');
-    bytes.replace(at, 5, std::string{0, 0, 0, tag, 0});
-    return bytes.replace(at + 5, 13, text);
-}
-
-const std::string named = withDescriptor(block(), 72, '\xFC', "DELL U2720Q\n");
+const std::string named = withDescriptor(edidBlock(), 72, '\xFC', "DELL U2720Q\n");
 
 TEST(EdidTest, ReadsMakerModelAndSerialNumber) {
     EXPECT_EQ(parseEdid(named), (Edid{"DEL", 0xA0B1, "DELL U2720Q", "305419896"}));
@@ -35,14 +23,14 @@ TEST(EdidTest, ReadsMakerModelAndSerialNumber) {
 }
 
 TEST(EdidTest, DoesWithoutWhatIsLeftOut) {
-    EXPECT_EQ(parseEdid(block())->model(), "0xA0B1");
+    EXPECT_EQ(parseEdid(edidBlock())->model(), "0xA0B1");
     auto anonymous = named;
     anonymous.replace(12, 4, std::string(4, '\0'));
     EXPECT_EQ(parseEdid(anonymous)->serial, std::nullopt);
     anonymous.replace(12, 4, "\x01\x01\x01\x01");
     EXPECT_EQ(parseEdid(anonymous)->serial, std::nullopt);
     EXPECT_EQ(parseEdid(withDescriptor(anonymous, 90, '\xFF', " \n"))->serial, std::nullopt);
-    EXPECT_EQ(parseEdid(withDescriptor(block(), 72, '\xFC', "\x01Pa\xFFnel\n"))->name, "Panel");
+    EXPECT_EQ(parseEdid(withDescriptor(edidBlock(), 72, '\xFC', "\x01Pa\xFFnel\n"))->name, "Panel");
 }
 
 TEST(EdidTest, RefusesWhatIsNoBlock) {

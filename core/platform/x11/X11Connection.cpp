@@ -73,7 +73,8 @@ void X11Connection::internAtoms() {
 }
 
 void X11Connection::selectEvents() {
-    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    // RandR has no event for a monitor that was only redefined; the root's configuration tells of that.
+    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(xcb(), root_, XCB_CW_EVENT_MASK, &mask);
     const auto* randr = xcb_get_extension_data(xcb(), &xcb_randr_id);
     if (randr != nullptr && randr->present) {
@@ -167,6 +168,10 @@ void X11Connection::deliver(const xcb_generic_event_t& event) {
     switch (type) {
     case XCB_PROPERTY_NOTIFY:
         propertyChanged.emit(reinterpret_cast<const xcb_property_notify_event_t&>(event));
+        return;
+    case XCB_CONFIGURE_NOTIFY:
+        if (reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == root_)
+            monitorsChanged.emit();
         return;
     case XCB_DESTROY_NOTIFY:
         windowDestroyed.emit(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
