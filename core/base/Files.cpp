@@ -1,5 +1,6 @@
 #include "core/base/Files.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
@@ -119,6 +120,18 @@ void replaceFile(const fs::path& path, std::string_view contents) {
     // back.
     const FileDescriptor folder(::open(target.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.valid()) ::fsync(folder.get());
+}
+
+fs::path moveAside(const fs::path& path, Date now) {
+    std::string stamp = now.iso8601();
+    std::replace(stamp.begin(), stamp.end(), ':', '-');
+    const std::string base = path.string() + ".corrupt-" + stamp;
+    fs::path aside = base;
+    std::error_code ignored;
+    for (int n = 2; fs::exists(fs::symlink_status(aside, ignored)); ++n)
+        aside = base + "-" + std::to_string(n);
+    if (::rename(path.c_str(), aside.c_str()) != 0) failFile("move aside", path);
+    return aside;
 }
 
 } // namespace lumnara

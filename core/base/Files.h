@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/base/Date.h"
+
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -13,5 +15,10 @@ std::string readFile(const std::filesystem::path& path);
 /// Writes through a symbolic link, creates missing folders with mode 0700, keeps the mode of the old file
 /// and gives a new one 0600. Throws std::system_error; the old file then stands unchanged.
 void replaceFile(const std::filesystem::path& path, std::string_view contents);
+
+/// Keeps a damaged file out of the way under a free name beside it, "<name>.corrupt-2026-01-05T09-00-00Z",
+/// with "-2" and so on behind it when that is taken. Returns the new path. Throws std::system_error; the
+/// file then stands where it was.
+std::filesystem::path moveAside(const std::filesystem::path& path, Date now);
 
 } // namespace lumnara
