@@ -193,14 +193,10 @@ void NameStore::saveNow() {
 void NameStore::flush() { queue_.drain(); }
 
 void NameStore::write(Date now) {
-    std::shared_ptr<const NameStoreFile> contents;
-    {
-        std::lock_guard guard(lock_);
-        auto stamped = std::make_shared<NameStoreFile>(*file_);
-        stamped->updatedAt = now;
-        file_ = contents = std::move(stamped);
-    }
-    replaceFile(url_, NameStoreCodec::encode(*contents));
+    // Not set in memory, where it would look like a change to everyone who compares contents.
+    NameStoreFile contents = *file();
+    contents.updatedAt = now;
+    replaceFile(url_, NameStoreCodec::encode(contents));
     if (onSaved) onSaved();
 }
 

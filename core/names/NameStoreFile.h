@@ -17,7 +17,7 @@ struct NameStoreFile {
     template <class Value> using Map = std::map<std::string, Value, std::less<>>;
 
     int schemaVersion = currentSchema;
-    /// The moment of the last save.
+    /// The moment of the save that wrote the file; a store sets it on the way to disk.
     Date updatedAt;
     /// By desktop key: a Space's stable key or "link:<id>".
     Map<DesktopRecord> desktops;

@@ -40,7 +40,7 @@ protected:
     void start() {
         catalog.reset();
         store.reset();
-        store = std::make_unique<NameStore>(loop, url);
+        store = std::make_unique<NameStore>(loop, url, debounce);
         catalog = std::make_unique<DesktopCatalog>(loop, provider, *store);
     }
     /// Replaces the layout and reads it.
@@ -70,6 +70,7 @@ protected:
 
     TemporaryFolder folder;
     const std::filesystem::path url = folder.path() / "Lumnara" / "desktops.json";
+    double debounce = 0.25;
     std::vector<std::string> lines;
     async::TestLoop loop;
     ScriptedProvider provider{SpaceSnapshot{}};
