@@ -8,7 +8,9 @@
 #include "core/names/NameStore.h"
 #include "core/platform/Platform.h"
 #include "core/switching/SpaceSwitcher.h"
+#include "core/switching/WindowManagerEngine.h"
 
+#include <exception>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -22,7 +24,7 @@ namespace lumnara {
 class AppState {
 public:
     /// `dataFolder` holds desktops.json and is created at the first save. The loop and the platform outlive
-    /// this object; `provider` reads the same session as the platform.
+    /// this object, and the loop turns no more once it is gone. `provider` reads the platform's session.
     AppState(async::Loop& loop, Platform& platform, std::unique_ptr<SpaceProvider> provider,
              const std::filesystem::path& dataFolder);
     ~AppState();
@@ -56,7 +58,9 @@ private:
     void handleRefresh(const SpaceSnapshot& snapshot);
     void announceChanges();
     void publishNames();
-    async::Task<> runSwitch(std::optional<std::string> key);
+    /// To the desktop of that Space key, or back without one.
+    async::Task<> runSwitch(std::optional<std::string> spaceKey);
+    void reportSwitch(std::exception_ptr failure);
 
     async::Loop& loop_;
     Platform& platform_;
@@ -64,6 +68,7 @@ private:
     NameStore store_;
     std::unique_ptr<SpaceProvider> provider_;
     DesktopCatalog catalog_;
+    std::unique_ptr<WindowManagerEngine> engine_;
     SpaceSwitcher switcher_;
     std::map<std::string, std::string> lastCurrentKeys_;
     std::optional<std::string> lastAnnouncedKey_;

@@ -106,7 +106,11 @@ void QuickSwitcherModel::collectTiles() {
         if (scope_ && !text::equalsIgnoringCase(*scope_, shown.display.uuid)) continue;
         tiles_.insert(tiles_.end(), shown.desktops.begin(), shown.desktops.end());
     }
-    index_ = MatchIndex(candidates(tiles_));
+    // A change of desktop leaves the names alone, and making the index is the dear part.
+    if (auto now = candidates(tiles_); now != candidates_) {
+        candidates_ = std::move(now);
+        index_ = MatchIndex(candidates_);
+    }
     context_ = {catalog_.provider().cursorDisplay(), catalog_.provider().menuBarDisplay(), false,
                 MatchContext::Mode::filter};
 }
@@ -193,6 +197,8 @@ void QuickSwitcherModel::movePage(int direction) {
     const int row = std::clamp(from / gridColumns_ + direction * visibleRows_, 0, last / gridColumns_);
     moveSelectionTo(std::min(row * gridColumns_ + from % gridColumns_, last));
 }
+
+void QuickSwitcherModel::setVisibleRows(int rows) { visibleRows_ = std::max(rows, 1); }
 
 int QuickSwitcherModel::selectedPosition() const {
     const auto at = selectedKey_ ? position(*selectedKey_) : std::nullopt;

@@ -119,6 +119,7 @@ private:
     BoardSettings settings_;
     /// What a query chooses from, in catalog order; results_ points into it.
     std::vector<Desktop> tiles_;
+    std::vector<Candidate> candidates_;
     MatchIndex index_;
     MatchContext context_;
     std::vector<const Desktop*> results_;

@@ -1,0 +1,286 @@
+#include "app/board/QuickSwitcherController.h"
+
+#include "tests/app/ScriptedSession.h"
+
+#include <gtest/gtest.h>
+
+namespace lumnara::testing {
+namespace {
+
+/// Writes down what it is told, as "A show", for all surfaces in one list.
+class RecordingSurface : public BoardSurface {
+public:
+    RecordingSurface(QuickSwitcherModel& shown, std::vector<std::string>& events)
+        : model(shown),
+          events_(events) {}
+
+    void show(const ScreenInfo& screen) override {
+        name_ = screen.uuid;
+        note("show");
+    }
+    void hide() override { note("hide"); }
+    void redraw() override { ++redraws; }
+    void takeKeyboard() override { note("keyboard"); }
+
+    const std::string& name() const { return name_; }
+    bool press(KeyCode code, std::string text = {}, ModifierFlags modifiers = {}, bool repeats = false) {
+        return onKey({code, modifiers, std::move(text), repeats});
+    }
+    bool type(const std::string& text) { return onKey({std::nullopt, {}, text, false}); }
+
+    QuickSwitcherModel& model;
+    int redraws = 0;
+
+private:
+    void note(const char* what) { events_.push_back(name_ + " " + what); }
+
+    std::string name_;
+    std::vector<std::string>& events_;
+};
+
+class RecordingFactory : public BoardSurfaceFactory {
+public:
+    std::unique_ptr<BoardSurface> makeSurface(QuickSwitcherModel& model) override {
+        auto surface = std::make_unique<RecordingSurface>(model, events);
+        made.push_back(surface.get());
+        return surface;
+    }
+    RecordingSurface& on(const std::string& screen) {
+        for (RecordingSurface* surface : made)
+            if (surface->name() == screen) return *surface;
+        throw std::logic_error("no surface on " + screen);
+    }
+
+    std::vector<RecordingSurface*> made;
+    std::vector<std::string> events;
+};
+
+using Texts = std::vector<std::string>;
+
+struct Board {
+    explicit Board(std::vector<DisplaySpaces> displays, BoardSettings settings = {})
+        : session(std::move(displays)),
+          controller(session.start(), factory, settings) {}
+
+    Texts events() { return std::exchange(factory.events, {}); }
+    RecordingSurface& on(const std::string& screen) { return factory.on(screen); }
+
+    ScriptedSession session;
+    RecordingFactory factory;
+    QuickSwitcherController controller;
+};
+
+std::vector<DisplaySpaces> twoDisplays() { return {displayOf("A", 3, 1), displayOf("B", 2, 11)}; }
+
+TEST(QuickSwitcherController, putsUpASurfacePerDisplay) {
+    Board board(twoDisplays());
+    board.session.screens->under = "B";
+    board.session.logged.clear();
+    board.controller.toggle();
+    EXPECT_EQ(board.events(), (Texts{"A show", "B show", "B keyboard"}));
+    EXPECT_EQ(board.session.logged,
+              (Texts{"Lumnara Board: surface Monitor A frame 0,0 1280x800 key 0",
+                     "Lumnara Board: surface Monitor B frame 1280,0 1280x800 key 1",
+                     "Lumnara Board: open on 2 of 2 screens (every display: 1), key on Monitor B"}));
+    EXPECT_EQ(board.on("A").model.scope(), "A");
+    EXPECT_EQ(board.on("B").model.results().size(), 2u);
+    EXPECT_TRUE(board.on("B").model.scopeFixed());
+
+    board.controller.toggle();
+    EXPECT_EQ(board.events(), (Texts{"A hide", "B hide"}));
+    EXPECT_FALSE(board.controller.isOpen());
+
+    board.controller.open();
+    board.controller.open();
+    EXPECT_EQ(board.factory.made.size(), 2u) << "surfaces are used again";
+}
+
+TEST(QuickSwitcherController, putsUpOneSurfaceWhereThatIsEnough) {
+    BoardSettings one;
+    one.boardOnEveryDisplay = false;
+    Board chosen(twoDisplays(), one);
+    chosen.session.screens->under = "B";
+    chosen.controller.open();
+    EXPECT_EQ(chosen.events(), (Texts{"B show", "B keyboard"}));
+    EXPECT_EQ(chosen.on("B").model.results().size(), 5u);
+    EXPECT_TRUE(chosen.on("B").model.canCycleScope());
+
+    Board single({displayOf("A", 3, 1)});
+    single.controller.open();
+    EXPECT_EQ(single.events(), (Texts{"A show", "A keyboard"}));
+    EXPECT_FALSE(single.on("A").model.canCycleScope());
+
+    Board shared({displayOf("Main", 3, 1)});
+    shared.session.screens->list = {{"L", "L", "Left", Rect{0, 0, 1280, 800}, 1},
+                                    {"R", "R", "Right", Rect{1280, 0, 1280, 800}, 1}};
+    shared.session.screens->under = "r";
+    shared.controller.open();
+    EXPECT_EQ(shared.events(), (Texts{"R show", "R keyboard"})) << "one arrangement over two screens";
+    EXPECT_EQ(shared.on("R").model.boardDisplay(), DisplayID{"Main"});
+
+    Board blind(twoDisplays());
+    blind.session.screens->list.clear();
+    blind.controller.open();
+    EXPECT_FALSE(blind.controller.isOpen());
+}
+
+TEST(QuickSwitcherController, readsAStaleLayoutAgainAndStaysFresh) {
+    Board board(twoDisplays());
+    const int atStart = board.session.provider->readings;
+    board.controller.open();
+    EXPECT_EQ(board.session.provider->readings, atStart);
+    board.session.loop.advance(2.0);
+    EXPECT_EQ(board.session.provider->readings, atStart + 1) << "every 2 seconds while open";
+    board.controller.close();
+    board.session.loop.advance(10);
+    EXPECT_EQ(board.session.provider->readings, atStart + 1);
+    board.session.provider->current.displays[0].spaces.pop_back();
+    board.controller.open();
+    EXPECT_EQ(board.on("A").model.results().size(), 2u);
+}
+
+TEST(QuickSwitcherController, showsTheErrorAndTheOldTiles) {
+    Board board(twoDisplays());
+    board.session.provider->failure =
+        std::make_exception_ptr(WindowManagerError(WindowManagerError::Case::notAnswering, "i3"));
+    board.session.loop.advance(3);
+    board.controller.open();
+    EXPECT_EQ(board.on("A").model.errorText(), "i3 is not answering. Lumnara keeps asking.");
+    EXPECT_EQ(board.on("A").model.results().size(), 3u);
+    const int redraws = board.on("A").redraws;
+    board.session.provider->failure = nullptr;
+    board.session.loop.advance(2);
+    EXPECT_FALSE(board.on("A").model.errorText());
+    EXPECT_GT(board.on("A").redraws, redraws);
+}
+
+TEST(QuickSwitcherController, closesBeforeItSwitches) {
+    Board board(twoDisplays());
+    std::vector<std::string> order;
+    board.controller.onClosed = [&] { order.push_back("closed"); };
+    board.controller.onSwitchedFromBoard = [&](const Desktop& desktop) { order.push_back(desktop.spaceKey); };
+    board.controller.open();
+    EXPECT_TRUE(board.on("A").type("3"));
+    EXPECT_FALSE(board.controller.isOpen());
+    EXPECT_TRUE(board.session.activator->asked.empty()) << "not inside the key press";
+    board.session.loop.advance(1);
+    EXPECT_EQ(board.session.activator->asked, (std::vector{SpaceID{3}}));
+    EXPECT_EQ(order, (Texts{"closed", "A-3"}));
+
+    board.controller.open();
+    board.on("B").onSwitch("no such tile");
+    EXPECT_TRUE(board.controller.isOpen());
+    board.on("B").onSwitch("B-2");
+    board.session.loop.advance(1);
+    EXPECT_EQ(board.session.activator->asked.back(), SpaceID{12});
+}
+
+TEST(QuickSwitcherController, keysGoToTheSurfaceUnderThePointer) {
+    Board board(twoDisplays());
+    board.controller.open();
+    board.events();
+    board.on("A").type("m");
+    board.on("B").onPointerEntered();
+    board.on("B").onPointerEntered();
+    EXPECT_EQ(board.events(), (Texts{"B keyboard"}));
+    board.on("A").type("x"); // the toolkit may be late to notice
+    EXPECT_EQ(board.on("A").model.query(), "m");
+    EXPECT_EQ(board.on("B").model.query(), "x");
+    board.on("A").onPointerEntered();
+    EXPECT_EQ(board.on("A").model.query(), "m") << "each keeps its own";
+
+    board.controller.close();
+    board.events();
+    board.on("B").onPointerEntered();
+    EXPECT_TRUE(board.events().empty()) << "no panel is up";
+    EXPECT_FALSE(board.on("B").type("x"));
+}
+
+TEST(QuickSwitcherController, onlyAPointerThatMovesSelects) {
+    Board board(twoDisplays());
+    board.session.screens->at = Point{100, 100};
+    board.controller.open();
+    RecordingSurface& a = board.on("A");
+    a.onHoverTile("A-2", {100, 100});
+    EXPECT_EQ(a.model.selectedKey(), "A-1") << "the Board opened under a pointer that stands still";
+    a.onHoverTile("A-2", {101, 100});
+    EXPECT_EQ(a.model.selectedKey(), "A-2");
+    a.onHoverTile(std::nullopt, {90, 100});
+    EXPECT_EQ(a.model.selectedKey(), "A-2");
+    a.onHoverTile("A-3", {90, 100});
+    EXPECT_EQ(a.model.selectedKey(), "A-2") << "the tile came to the pointer";
+
+    board.controller.close();
+    board.session.screens->at = std::nullopt;
+    board.controller.open();
+    a.onHoverTile("A-3", {90, 100});
+    EXPECT_EQ(a.model.selectedKey(), "A-1") << "where the pointer was is not known";
+    a.onHoverTile("A-3", {91, 100});
+    EXPECT_EQ(a.model.selectedKey(), "A-3");
+}
+
+TEST(QuickSwitcherController, itsOwnShortcutClosesItOncePressedAgain) {
+    Board board(twoDisplays());
+    board.controller.toggleShortcut = Shortcut{KeyCode::space, {.option = true}};
+    board.controller.open();
+    EXPECT_TRUE(board.on("A").press(KeyCode::space, " ", {.option = true}, true));
+    EXPECT_TRUE(board.controller.isOpen()) << "still held from the opening";
+    EXPECT_FALSE(board.on("A").model.expandedKey());
+    EXPECT_TRUE(board.on("A").press(KeyCode::space, " "));
+    EXPECT_TRUE(board.controller.isOpen());
+    EXPECT_TRUE(board.on("A").press(KeyCode::space, " ", {.option = true}));
+    EXPECT_FALSE(board.controller.isOpen());
+}
+
+TEST(QuickSwitcherController, aClickBesideTheNameEndsTheEdit) {
+    Board board(twoDisplays());
+    board.controller.open();
+    RecordingSurface& a = board.on("A");
+    a.model.beginRename("A-1");
+    a.type("Post");
+    a.onSwitch("A-1");
+    EXPECT_EQ(a.model.renamingKey(), "A-1");
+    a.onSwitch("A-2");
+    EXPECT_TRUE(board.controller.isOpen());
+    EXPECT_EQ(a.model.results().front()->displayName(), "Post");
+
+    a.model.beginRename("A-1");
+    a.type("2");
+    a.onClose();
+    EXPECT_TRUE(board.controller.isOpen());
+    EXPECT_EQ(a.model.results().front()->displayName(), "Post2");
+    a.onClose();
+    EXPECT_FALSE(board.controller.isOpen());
+}
+
+TEST(QuickSwitcherController, closesWhenTheScreensChange) {
+    Board board(twoDisplays());
+    board.controller.open();
+    board.session.tell(WorkspaceEvent::screenParametersDidChange);
+    EXPECT_TRUE(board.controller.isOpen()) << "nothing moved";
+    board.session.screens->list.pop_back();
+    board.session.provider->current.displays.pop_back();
+    board.session.tell(WorkspaceEvent::screenParametersDidChange);
+    EXPECT_FALSE(board.controller.isOpen());
+    board.events();
+    board.factory.made.clear();
+    board.controller.open();
+    EXPECT_EQ(board.events(), (Texts{"A show", "A keyboard"}));
+}
+
+TEST(QuickSwitcherController, holdsTheListsStillUnderAMenu) {
+    Board board(twoDisplays());
+    board.controller.open();
+    board.session.logged.clear();
+    board.on("A").onMenuTracking(true);
+    board.session.provider->current.displays[1].spaces.pop_back();
+    board.session.tell();
+    EXPECT_EQ(board.on("B").model.results().size(), 2u);
+    board.on("A").onMenuTracking(false);
+    EXPECT_EQ(board.on("B").model.results().size(), 1u);
+    EXPECT_EQ(board.session.logged, (Texts{"Lumnara menu tracking began (board visible: 1)",
+                                           "Lumnara menu tracking ended (board visible: 1)"}));
+}
+
+} // namespace
+} // namespace lumnara::testing

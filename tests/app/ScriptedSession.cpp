@@ -1,0 +1,99 @@
+#include "tests/app/ScriptedSession.h"
+
+#include <gtest/gtest.h>
+
+namespace lumnara::testing {
+
+void ScriptedProvider::show(SpaceID space) {
+    for (DisplaySpaces& display : current.displays)
+        for (const Space& candidate : display.spaces)
+            if (candidate.id == space) display.currentID = space;
+}
+
+async::Task<> ScriptedActivator::activate(const Space& target, const DisplayID&) {
+    asked.push_back(target.id);
+    co_await async::sleepFor(0.001);
+    if (failure) std::rethrow_exception(failure);
+    if (obeys) provider_.show(target.id);
+}
+
+std::vector<std::string> RecordingPublisher::lastNames() const {
+    std::vector<std::string> names;
+    if (!published.empty())
+        for (const PublishedDesktop& desktop : published.back()) names.push_back(desktop.name);
+    return names;
+}
+
+DisplaySpaces displayOf(const std::string& uuid, int count, std::uint64_t firstId) {
+    DisplaySpaces display{DisplayID{uuid}, {}, SpaceID{firstId}};
+    for (int i = 0; i < count; ++i) {
+        Space space;
+        space.id = SpaceID{firstId + static_cast<std::uint64_t>(i)};
+        space.uuid = uuid + "-" + std::to_string(i + 1);
+        space.kind = SpaceKind::user;
+        space.indexOnDisplay = i;
+        display.spaces.push_back(space);
+    }
+    return display;
+}
+
+ScriptedSession::ScriptedSession(std::vector<DisplaySpaces> displays) {
+    previousSink_ = setLogSink([this](std::string_view line) { logged.emplace_back(line); });
+    std::map<std::string, std::string> names;
+    auto ownScreens = std::make_unique<ScriptedScreens>();
+    double left = 0;
+    for (const DisplaySpaces& display : displays) {
+        const std::string& uuid = display.display.uuid;
+        names[uuid] = "Monitor " + uuid;
+        ownScreens->list.push_back({uuid, "DP-" + uuid, "Monitor " + uuid, Rect{left, 0, 1280, 800}, 1});
+        left += 1280;
+    }
+    if (!displays.empty()) ownScreens->under = displays.front().display.uuid;
+
+    SpaceSnapshot snapshot{std::move(displays), loop.date()};
+    ownProvider_ = std::make_unique<ScriptedProvider>(std::move(snapshot), std::nullopt, std::nullopt, names);
+    provider = ownProvider_.get();
+    provider->loop = &loop;
+    auto ownWorkspace = std::make_unique<ScriptedWorkspace>();
+    auto ownActivator = std::make_unique<ScriptedActivator>(*provider);
+    auto ownPublisher = std::make_unique<RecordingPublisher>();
+    screens = ownScreens.get();
+    workspace = ownWorkspace.get();
+    activator = ownActivator.get();
+    publisher = ownPublisher.get();
+    platform.name = "scripted";
+    platform.screens = std::move(ownScreens);
+    platform.workspace = std::move(ownWorkspace);
+    platform.spaceActivator = std::move(ownActivator);
+    platform.namePublisher = std::move(ownPublisher);
+}
+
+ScriptedSession::~ScriptedSession() {
+    state_.reset();
+    setLogSink(previousSink_);
+}
+
+AppState& ScriptedSession::start() {
+    state_ = std::make_unique<AppState>(loop, platform, std::move(ownProvider_), folder.path());
+    listening_ = state_->notices().subscribe([this](const Notice& notice) { notices.push_back(notice); });
+    return *state_;
+}
+
+Desktop ScriptedSession::desktop(const std::string& spaceKey) {
+    for (const Desktop& desktop : catalog().desktops())
+        if (desktop.spaceKey == spaceKey) return desktop;
+    ADD_FAILURE() << "no desktop " << spaceKey;
+    return {};
+}
+
+void ScriptedSession::userShows(std::uint64_t space) {
+    provider->show(SpaceID{space});
+    tell();
+}
+
+void ScriptedSession::tell(WorkspaceEvent event) {
+    workspace->events.emit(event);
+    loop.runUntilIdle();
+}
+
+} // namespace lumnara::testing

@@ -1,0 +1,118 @@
+#pragma once
+
+#include "app/AppState.h"
+#include "core/async/TestLoop.h"
+#include "core/base/Log.h"
+#include "core/model/SnapshotSpaceProvider.h"
+#include "core/model/SpaceKitError.h"
+#include "core/platform/Platform.h"
+#include "core/platform/WindowManagerError.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <exception>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace lumnara::testing {
+
+/// A window manager in memory: what it shows is `current`, what it can't do is thrown.
+class ScriptedProvider : public SnapshotSpaceProvider {
+public:
+    using SnapshotSpaceProvider::SnapshotSpaceProvider;
+    SpaceSnapshot snapshot() override {
+        ++readings;
+        if (failure) std::rethrow_exception(failure);
+        current.takenAt = loop ? loop->date() : current.takenAt;
+        return current;
+    }
+    /// Makes a Space the current one of its display.
+    void show(SpaceID space);
+
+    std::exception_ptr failure;
+    async::Loop* loop = nullptr;
+    int readings = 0;
+};
+
+class ScriptedWorkspace : public Workspace {
+public:
+    async::Subscription observe(std::function<void(WorkspaceEvent)> onEvent) override {
+        return events.subscribe(std::move(onEvent));
+    }
+    async::Signal<WorkspaceEvent> events;
+};
+
+class ScriptedScreens : public Screens {
+public:
+    std::vector<ScreenInfo> screens() override { return list; }
+    std::optional<Point> pointer() override { return at; }
+    std::optional<std::string> displayUnderPointer() override { return under; }
+
+    std::vector<ScreenInfo> list;
+    std::optional<Point> at = Point{10, 10};
+    std::optional<std::string> under;
+};
+
+/// Shows the Space in the provider, unless it is told to fail or to do nothing.
+class ScriptedActivator : public SpaceActivator {
+public:
+    explicit ScriptedActivator(ScriptedProvider& provider) : provider_(provider) {}
+    async::Task<> activate(const Space& target, const DisplayID& display) override;
+
+    std::vector<SpaceID> asked;
+    std::exception_ptr failure;
+    bool obeys = true;
+
+private:
+    ScriptedProvider& provider_;
+};
+
+class RecordingPublisher : public DesktopNamePublisher {
+public:
+    void publish(const std::vector<PublishedDesktop>& desktops) override { published.push_back(desktops); }
+    /// The names of the last publication, in its order.
+    std::vector<std::string> lastNames() const;
+
+    std::vector<std::vector<PublishedDesktop>> published;
+};
+
+/// `count` ordinary Spaces on a display, "<uuid>-1" and so on, with ids from `firstId`; it shows the first.
+DisplaySpaces displayOf(const std::string& uuid, int count, std::uint64_t firstId);
+
+/// The whole shell over a window manager in memory, in virtual time.
+class ScriptedSession {
+public:
+    explicit ScriptedSession(std::vector<DisplaySpaces> displays);
+    ~ScriptedSession();
+
+    /// Builds the state; the folder and the window manager may be prepared before.
+    AppState& start();
+    AppState& state() { return *state_; }
+    DesktopCatalog& catalog() { return state_->catalog(); }
+    /// The live desktop of that Space key; fails the test when there is none.
+    Desktop desktop(const std::string& spaceKey);
+    /// The window manager shows the Space and says so.
+    void userShows(std::uint64_t space);
+    /// Something changed in the window manager.
+    void tell(WorkspaceEvent event = WorkspaceEvent::activeSpaceDidChange);
+
+    TemporaryFolder folder;
+    async::TestLoop loop;
+    Platform platform;
+    ScriptedProvider* provider = nullptr;
+    ScriptedWorkspace* workspace = nullptr;
+    ScriptedScreens* screens = nullptr;
+    ScriptedActivator* activator = nullptr;
+    RecordingPublisher* publisher = nullptr;
+    std::vector<std::string> logged;
+    std::vector<Notice> notices;
+
+private:
+    LogSink previousSink_;
+    std::unique_ptr<ScriptedProvider> ownProvider_;
+    std::unique_ptr<AppState> state_;
+    async::Subscription listening_;
+};
+
+} // namespace lumnara::testing
