@@ -100,10 +100,12 @@ NameStoreFile::Map<LastSeen> places(const Reading& reading, const NameStoreFile&
         const DisplaySpaces& display = reading.snapshot.displays[i];
         for (std::size_t place = 0; place < display.spaces.size(); ++place) {
             std::string key = reading.spaceKey(i, place);
-            if (!file.record(key)) continue;
-            found.insert_or_assign(std::move(key), LastSeen{display.display.uuid, reading.displayNames[i],
-                                                            display.spaces[place].indexOnDisplay, now,
-                                                            static_cast<int>(display.spaces.size())});
+            const DesktopRecord* record = file.record(key);
+            if (!record) continue;
+            LastSeen seen{display.display.uuid, reading.displayNames[i], display.spaces[place].indexOnDisplay,
+                          now, static_cast<int>(display.spaces.size())};
+            if (!record->lastSeen || !record->lastSeen->samePlace(seen))
+                found.insert_or_assign(std::move(key), std::move(seen));
         }
     }
     return found;

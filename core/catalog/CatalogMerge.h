@@ -41,7 +41,7 @@ struct Reattachment {
 /// last seen has as many Spaces as then, so that the one at their place must be theirs.
 std::vector<Reattachment> reattachments(const Reading& reading, const NameStoreFile& file);
 
-/// Where each desktop with a record of its own stands now.
+/// Where the desktops stand that have a record of their own and were last seen elsewhere.
 NameStoreFile::Map<LastSeen> places(const Reading& reading, const NameStoreFile& file, Date now);
 
 /// The desktops of each display in the user's order, numbered.
