@@ -1,0 +1,39 @@
+#include "core/switching/SwitchVerifier.h"
+
+#include <exception>
+#include <stdexcept>
+
+namespace lumnara {
+
+std::function<std::optional<SpaceID>(const DisplayID&)> SwitchVerifier::currentSpaceReader;
+std::function<std::optional<bool>(const DisplayID&)> SwitchVerifier::animationReader;
+
+std::optional<SpaceID> SwitchVerifier::currentSpace(const DisplayID& display, SpaceProvider& provider) {
+    if (currentSpaceReader)
+        if (const auto shown = currentSpaceReader(display)) return shown;
+    try {
+        const SpaceSnapshot snapshot = provider.snapshot();
+        if (const DisplaySpaces* spaces = snapshot.spacesOnDisplay(display.uuid)) return spaces->currentID;
+    } catch (const std::exception&) {
+        // A reading that fails tells nothing; the next one may.
+    }
+    return std::nullopt;
+}
+
+bool SwitchVerifier::isAnimating(const DisplayID& display) {
+    return !display.isMain() && animationReader && animationReader(display).value_or(false);
+}
+
+async::Task<bool> SwitchVerifier::awaitLanding(SpaceID target, DisplayID display, SpaceProvider& provider,
+                                               Config config) {
+    if (config.maxPolls < 0) throw std::logic_error("SwitchVerifier: maxPolls is negative");
+    // Without a wait the first read happens within the caller's turn.
+    if (config.initialWait > 0) co_await async::sleepUnlessCancelled(config.initialWait);
+    for (int poll = 0; poll < config.maxPolls; ++poll) {
+        if (!isAnimating(display) && currentSpace(display, provider) == target) co_return true;
+        co_await async::sleepUnlessCancelled(config.pollInterval);
+    }
+    co_return false;
+}
+
+} // namespace lumnara

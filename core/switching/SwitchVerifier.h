@@ -1,0 +1,48 @@
+#pragma once
+
+#include "core/async/Task.h"
+#include "core/model/SpaceProvider.h"
+
+#include <functional>
+#include <optional>
+
+namespace lumnara {
+
+/// Turns a request to switch into the knowledge that a display really shows the target, by reading. Landed
+/// means only that: neither focus nor windows are looked at. Main thread.
+class SwitchVerifier {
+public:
+    struct Config {
+        /// Seconds before the first read.
+        double initialWait = 0.12;
+        /// Seconds after each read that didn't find the target.
+        double pollInterval = 0.06;
+        /// At least 0.
+        int maxPolls = 10;
+
+        bool operator==(const Config&) const = default;
+    };
+
+    SwitchVerifier() = delete;
+
+    /// The quick probe: the Space that a display shows now, or nothing when it can't be told. Set at
+    /// start-up from the window server; while it is empty, the provider is read instead.
+    static std::function<std::optional<SpaceID>(const DisplayID&)> currentSpaceReader;
+    /// Whether a display's Space animation runs. Set at start-up; empty where there is no such call.
+    static std::function<std::optional<bool>(const DisplayID&)> animationReader;
+
+    /// The Space that the display shows now, by the quick probe and, when it has no value, by the provider;
+    /// nothing when that fails too.
+    static std::optional<SpaceID> currentSpace(const DisplayID& display, SpaceProvider& provider);
+
+    /// Whether the display shows the target within the polls. A poll that finds the display animating is
+    /// spent without a read. A cancelled sleep is passed over, and the polling goes on at once. The provider
+    /// must live until the task ends.
+    static async::Task<bool> awaitLanding(SpaceID target, DisplayID display, SpaceProvider& provider,
+                                          Config config);
+
+private:
+    static bool isAnimating(const DisplayID& display);
+};
+
+} // namespace lumnara
