@@ -17,7 +17,8 @@ std::string_view droppingFirst(std::string_view text, std::size_t count) {
 
 } // namespace
 
-bool ClusterBoundary::joins(Break next) const {
+bool ClusterBoundary::joins(const CodePointInfo& info) const {
+    const Break next = info.graphemeBreak;
     if (last_ == Break::cr && next == Break::lf) return true;
     if (isControl(last_) || isControl(next)) return false;
     const bool toVowel = next == Break::v || next == Break::lv || next == Break::lvt;
@@ -26,15 +27,26 @@ bool ClusterBoundary::joins(Break next) const {
     if ((last_ == Break::lvt || last_ == Break::t) && next == Break::t) return true;
     if (next == Break::extend || next == Break::zwj || next == Break::spacingMark) return true;
     if (last_ == Break::prepend) return true;
+    if (linked_ && info.indicConjunct == IndicConjunct::consonant) return true;
     if (joinedPictograph_ && next == Break::pictographic) return true;
     return oddIndicators_ && next == Break::regionalIndicator;
 }
 
-bool ClusterBoundary::startsBefore(Break next) {
-    const bool starts = !started_ || !joins(next);
+bool ClusterBoundary::startsBefore(const CodePointInfo& info) {
+    const Break next = info.graphemeBreak;
+    const bool starts = !started_ || !joins(info);
     joinedPictograph_ = pictograph_ && next == Break::zwj;
     pictograph_ = next == Break::pictographic || (pictograph_ && next == Break::extend);
     oddIndicators_ = next == Break::regionalIndicator && !oddIndicators_;
+    switch (info.indicConjunct) {
+    case IndicConjunct::none: consonant_ = linked_ = false; break;
+    case IndicConjunct::consonant:
+        consonant_ = true;
+        linked_ = false;
+        break;
+    case IndicConjunct::linker: linked_ = consonant_; break;
+    case IndicConjunct::extend: break;
+    }
     last_ = next;
     started_ = true;
     return starts;
@@ -51,7 +63,7 @@ void Clusters::Iterator::advance() {
     const CodePoints& points = CodePoints::shared();
     ClusterBoundary boundary;
     for (std::size_t at = end_; at < text_.size(); end_ = at) {
-        if (boundary.startsBefore(points.graphemeBreak(decodeNext(text_, at))) && end_ != begin_) return;
+        if (boundary.startsBefore(points.info(decodeNext(text_, at))) && end_ != begin_) return;
     }
 }
 

@@ -9,20 +9,22 @@
 namespace lumnara::text {
 
 /// Decides, code point by code point, where a user-perceived character begins (extended grapheme clusters,
-/// UAX #29 as of Unicode 15.0, GB3 to GB13).
+/// UAX #29, GB3 to GB13 with GB9c).
 class ClusterBoundary {
 public:
     /// Whether a cluster begins before the next code point of the text.
-    bool startsBefore(GraphemeBreak next);
+    bool startsBefore(const CodePointInfo& next);
 
 private:
-    bool joins(GraphemeBreak next) const;
+    bool joins(const CodePointInfo& info) const;
 
     bool started_ = false;
     GraphemeBreak last_ = GraphemeBreak::other;
     bool pictograph_ = false;       ///< the text so far ends in a pictograph and its extenders
     bool joinedPictograph_ = false; ///< the same with a ZWJ behind it
     bool oddIndicators_ = false;    ///< the text so far ends in an odd number of regional indicators
+    bool consonant_ = false;        ///< the text so far ends in an Indic consonant and its extenders
+    bool linked_ = false;           ///< the same with a linker among them
 };
 
 /// The user-perceived characters of a text, as views into it.

@@ -5,6 +5,7 @@
 
 #include <unicode/uchar.h>
 #include <unicode/unorm2.h>
+#include <unicode/uscript.h>
 
 namespace lumnara::text {
 namespace {
@@ -29,6 +30,27 @@ GraphemeBreak graphemeBreakOf(UChar32 c) {
     }
 }
 
+/// The derivation of Indic_Conjunct_Break in Unicode 15.1, of which older ICUs have only the ingredients.
+IndicConjunct indicConjunctOf(UChar32 c, GraphemeBreak graphemeBreak) {
+    UErrorCode error = U_ZERO_ERROR;
+    switch (uscript_getScript(c, &error)) {
+    case USCRIPT_BENGALI:
+    case USCRIPT_DEVANAGARI:
+    case USCRIPT_GUJARATI:
+    case USCRIPT_MALAYALAM:
+    case USCRIPT_ORIYA:
+    case USCRIPT_TELUGU: {
+        const int category = u_getIntPropertyValue(c, UCHAR_INDIC_SYLLABIC_CATEGORY);
+        if (category == U_INSC_CONSONANT) return IndicConjunct::consonant;
+        if (category == U_INSC_VIRAMA) return IndicConjunct::linker;
+        break;
+    }
+    default: break;
+    }
+    const bool extends = graphemeBreak == GraphemeBreak::extend && u_getCombiningClass(c) != 0;
+    return extends || graphemeBreak == GraphemeBreak::zwj ? IndicConjunct::extend : IndicConjunct::none;
+}
+
 bool isLone(GraphemeBreak value) {
     switch (value) {
     case GraphemeBreak::other:
@@ -49,6 +71,7 @@ CodePointInfo describe(char32_t c, std::string& texts) {
     CodePointInfo info;
     const auto point = static_cast<UChar32>(c);
     info.graphemeBreak = graphemeBreakOf(point);
+    info.indicConjunct = indicConjunctOf(point, info.graphemeBreak);
     if (isLetterPoint(point)) info.flags |= CodePointInfo::letter;
     if (isNumberPoint(point)) info.flags |= CodePointInfo::number;
     if (u_isUWhiteSpace(point)) info.flags |= CodePointInfo::whitespace;

@@ -30,6 +30,9 @@ enum class GraphemeBreak : std::uint8_t {
     pictographic,
 };
 
+/// The part of a code point in a conjunct of the Indic scripts that stack their consonants.
+enum class IndicConjunct : std::uint8_t { none, consonant, linker, extend };
+
 /// What a code point becomes when case, diacritics and width are folded away.
 enum class Folding : std::uint8_t {
     dropped,
@@ -53,6 +56,7 @@ struct CodePointInfo {
     std::uint32_t folded = 0; ///< Folding::one: the code point; several: where its text lies in the page
     Folding folding = Folding::dropped;
     GraphemeBreak graphemeBreak = GraphemeBreak::other;
+    IndicConjunct indicConjunct = IndicConjunct::none;
     std::uint8_t flags = 0;
 
     bool has(Flag flag) const { return (flags & flag) != 0; }
@@ -78,7 +82,6 @@ public:
         return page ? *page : fill(c >> 8);
     }
     const CodePointInfo& info(char32_t c) const { return page(c).infos[c & 0xFF]; }
-    GraphemeBreak graphemeBreak(char32_t c) const { return info(c).graphemeBreak; }
 
 private:
     CodePoints() = default;

@@ -52,4 +52,7 @@ struct LaneQuery {
 /// The scores are those of `phraseScore`, to the last bit.
 void scoreLanes(std::span<const LaneBlock> blocks, const LaneQuery& query, std::span<double> scores);
 
+/// The same on vectors that every machine has.
+void scoreLanesNarrow(std::span<const LaneBlock> blocks, const LaneQuery& query, std::span<double> scores);
+
 } // namespace lumnara

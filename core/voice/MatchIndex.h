@@ -11,7 +11,7 @@
 namespace lumnara {
 
 /// What the matcher needs of a list of candidates, made ready once for the many queries that the list meets:
-/// building it costs some twenty times what a query costs. Queries leave it as it is; any thread.
+/// building it costs some fifty times what a query costs. Queries leave it as it is; any thread.
 class MatchIndex {
 public:
     /// A candidate, by its position in the list.
