@@ -45,6 +45,8 @@ struct BoardContent {
     /// Which displays are listed; empty where there is only one.
     QString scope;
     bool canCycleScope = false;
+    /// The keys come to this surface.
+    bool hasKeyboard = true;
 
     bool operator==(const BoardContent&) const = default;
 };

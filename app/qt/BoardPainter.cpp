@@ -98,7 +98,7 @@ void BoardPainter::paint(QPainter& painter, const QRectF& surface, const BoardCo
         painter.fillRect(surface, scrim);
         tiles_.paintExpanded(painter, layout.expanded(), content.tiles[*content.expanded]);
     }
-    drawHints(painter, content, layout);
+    if (content.hasKeyboard) drawHints(painter, content, layout);
 }
 
 QColor BoardPainter::backdropAt(double part) const {
@@ -154,10 +154,10 @@ void BoardPainter::drawQuery(QPainter& painter, const BoardContent& content, con
                              .elidedText(QStringLiteral("Type a name"), Qt::ElideRight, box.width()));
     }
     painter.setPen(theme_->text);
-    if (!content.renaming) {
-        const TypedText typed(content.query, font, box.width(), 1);
-        typed.draw(painter, {box.left(), box.center().y() - typed.height() / 2}, theme_->text);
-    }
+    const bool typing = content.hasKeyboard && !content.renaming;
+    const TypedText typed(content.query, font, box.width(), 1);
+    typed.draw(painter, {box.left(), box.center().y() - typed.height() / 2},
+               typing ? theme_->text : QColor(Qt::transparent));
     painter.fillRect(QRectF(line.left(), line.bottom(), line.width(), 1), theme_->hairline);
 }
 
@@ -193,7 +193,8 @@ void BoardPainter::drawTiles(QPainter& painter, const BoardContent& content, con
         if (content.renaming) {
             tiles_.paintRenaming(painter, place(front), content.tiles[front], content.renameText);
         } else {
-            tiles_.paint(painter, place(front), content.tiles[front], TileStance::selected);
+            tiles_.paint(painter, place(front), content.tiles[front],
+                         content.hasKeyboard ? TileStance::selected : TileStance::marked);
         }
     }
     drawEdges(painter, layout, pose.scroll);
@@ -275,6 +276,29 @@ void BoardPainter::drawHints(QPainter& painter, const BoardContent& content, con
                          Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, hint.label);
         x += 4 + labelWidth + 24;
     }
+}
+
+void warmUpDrawing() {
+    constexpr QSize size(800, 600);
+    BoardContent sample;
+    for (const bool named : {true, false}) {
+        TileContent tile;
+        tile.name = QStringLiteral("AaBbCcDdEeFfGgHhIiJjKkLlMmNnOoPpQqRrSsTtUuVvWwXxYyZz 0123456789");
+        tile.detail = tile.name;
+        tile.symbol = QStringLiteral("square.dashed");
+        tile.digit = 1;
+        tile.isNamed = tile.isCurrent = named;
+        sample.tiles.push_back(std::move(tile));
+    }
+    sample.query = QStringLiteral("Aa");
+    sample.error = sample.scope = QStringLiteral("Aa");
+    const int tiles = static_cast<int>(sample.tiles.size());
+    QPixmap nowhere(size);
+    QPainter painter(&nowhere);
+    BoardPainter board;
+    board.setLook(Theme::of(sessionAppearance()), false, 1);
+    board.paint(painter, QRectF(QPointF(), size), sample,
+                BoardLayout({.surface = size, .tiles = tiles, .restingTiles = tiles}), {});
 }
 
 } // namespace lumnara

@@ -48,4 +48,7 @@ private:
     TilePainter tiles_;
 };
 
+/// Draws a Board for nobody, so that fonts and symbols are loaded before the first one is opened.
+void warmUpDrawing();
+
 } // namespace lumnara

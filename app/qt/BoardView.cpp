@@ -63,8 +63,8 @@ void BoardView::open(QSize size, bool translucent) {
     restingTiles_ = 0;
     restingColumns_ = 1;
     preedit_.clear();
-    closed();
-    content_ = contentOf(model_);
+    letGo();
+    content_ = readModel();
     resize(size);
     layOut();
     motion_.jumpTo(content_.selected ? layout_.scrollShowing(static_cast<int>(*content_.selected), 0) : 0);
@@ -72,16 +72,28 @@ void BoardView::open(QSize size, bool translucent) {
 }
 
 void BoardView::closed() {
+    hasKeyboard_ = false;
+    letGo();
+}
+
+void BoardView::letGo() {
     press_.reset();
     hovered_.reset();
     frames_.reset();
     motion_.settle();
 }
 
-void BoardView::refresh() {
-    BoardContent fresh = contentOf(model_);
-    (fresh.renaming ? fresh.renameText : fresh.query) += preedit_;
-    applyContent(std::move(fresh));
+void BoardView::setKeyboard(bool here) {
+    if (std::exchange(hasKeyboard_, here) != here) refresh();
+}
+
+void BoardView::refresh() { applyContent(readModel()); }
+
+BoardContent BoardView::readModel() const {
+    BoardContent content = contentOf(model_);
+    (content.renaming ? content.renameText : content.query) += preedit_;
+    content.hasKeyboard = hasKeyboard_;
+    return content;
 }
 
 void BoardView::applyContent(BoardContent fresh) {

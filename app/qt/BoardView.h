@@ -24,8 +24,10 @@ public:
 
     /// Takes a fresh start over `size`, before it is shown.
     void open(QSize size, bool translucent);
-    /// Ends whatever the pointer was doing.
+    /// It is shown no longer.
     void closed();
+    /// Whether the keys come here; it shows.
+    void setKeyboard(bool here);
     /// Reads the model and has what differs drawn.
     void refresh();
 
@@ -55,7 +57,9 @@ private:
         QPointF grip; ///< from the tile's top left corner
     };
 
+    BoardContent readModel() const;
     void applyContent(BoardContent fresh);
+    void letGo();
     void layOut();
     void follow(const BoardContent& before);
     void updateChanged(const BoardContent& before);
@@ -84,6 +88,7 @@ private:
     /// The tile that the pointer selected; it is in view and doesn't scroll.
     std::optional<std::string> hovered_;
     bool translucent_ = false;
+    bool hasKeyboard_ = false;
     bool awaitingPaint_ = false;
     std::unique_ptr<async::Repeating> frames_;
     async::Nanos lastFrame_{};

@@ -47,6 +47,9 @@ void BoardWindow::hide() {
     view_.hide();
 }
 
-void BoardWindow::takeKeyboard() { windows_.keyboard_.take(view_); }
+void BoardWindow::takeKeyboard() {
+    for (BoardWindow* window : windows_.shown_) window->view_.setKeyboard(window == this);
+    windows_.keyboard_.take(view_);
+}
 
 } // namespace lumnara

@@ -1,5 +1,6 @@
 #include "app/qt/BoardWindows.h"
 
+#include "app/qt/BoardPainter.h"
 #include "app/qt/BoardWindow.h"
 
 namespace lumnara {

@@ -13,6 +13,7 @@ namespace lumnara {
 namespace {
 
 constexpr int mostPictureKilobytes = 48 * 1024;
+constexpr std::size_t mostGrounds = 8;
 constexpr double detailSize = 13;
 constexpr double detailHeight = 18;
 constexpr double dimmedOpacity = 0.5;
@@ -63,27 +64,46 @@ void TilePainter::setLook(const Theme& theme, double nameSize, double devicePixe
     nameSize_ = nameSize;
     devicePixelRatio_ = devicePixelRatio;
     pictures_.clear();
+    grounds_.clear();
 }
 
 void TilePainter::paint(QPainter& painter, const QRectF& place, const TileContent& tile, TileStance stance) {
+    const QPointF topLeft = place.topLeft() - QPointF(metrics::tileBleed, metrics::tileBleed);
     const Key key{tile, stance, place.size()};
-    const QRectF reach =
-        place.adjusted(-metrics::tileBleed, -metrics::tileBleed, metrics::tileBleed, metrics::tileBleed);
-    const QPixmap* picture = pictures_.object(key);
-    if (!picture) {
-        QPixmap fresh((reach.size() * devicePixelRatio_).toSize());
-        fresh.setDevicePixelRatio(devicePixelRatio_);
-        fresh.fill(Qt::transparent);
-        QPainter onto(&fresh);
-        onto.setRenderHint(QPainter::Antialiasing);
-        draw(onto, place.translated(-reach.topLeft()), tile, stance);
-        onto.end();
-        const int kilobytes = 1 + fresh.width() * fresh.height() * 4 / 1024;
-        painter.drawPixmap(reach.topLeft(), fresh);
-        pictures_.insert(key, new QPixmap(std::move(fresh)), kilobytes);
+    if (const QPixmap* known = pictures_.object(key)) {
+        painter.drawPixmap(topLeft, *known);
         return;
     }
-    painter.drawPixmap(reach.topLeft(), *picture);
+    QPixmap picture = ground(stance, place.size());
+    QPainter onto(&picture);
+    onto.setRenderHint(QPainter::Antialiasing);
+    drawFace(onto, place.translated(-topLeft), tile);
+    onto.end();
+    painter.drawPixmap(topLeft, picture);
+    const int kilobytes = 1 + picture.width() * picture.height() * 4 / 1024;
+    pictures_.insert(key, new QPixmap(std::move(picture)), kilobytes);
+}
+
+const QPixmap& TilePainter::ground(TileStance stance, QSizeF size) {
+    for (const Ground& known : grounds_) {
+        if (known.stance == stance && known.size == size) return known.picture;
+    }
+    QPixmap picture = blank(size);
+    QPainter onto(&picture);
+    onto.setRenderHint(QPainter::Antialiasing);
+    drawGround(onto, {QPointF(metrics::tileBleed, metrics::tileBleed), size}, stance);
+    onto.end();
+    // A surface knows few sizes; with more, the oldest goes.
+    if (grounds_.size() == mostGrounds) grounds_.erase(grounds_.begin());
+    return grounds_.emplace_back(Ground{stance, size, std::move(picture)}).picture;
+}
+
+QPixmap TilePainter::blank(QSizeF tileSize) const {
+    const QSizeF size = tileSize + 2 * QSizeF(metrics::tileBleed, metrics::tileBleed);
+    QPixmap picture((size * devicePixelRatio_).toSize());
+    picture.setDevicePixelRatio(devicePixelRatio_);
+    picture.fill(Qt::transparent);
+    return picture;
 }
 
 QColor TilePainter::colorOf(const TileContent& tile) const {
@@ -92,16 +112,18 @@ QColor TilePainter::colorOf(const TileContent& tile) const {
 
 void TilePainter::drawGround(QPainter& painter, const QRectF& place, TileStance stance) const {
     const bool dark = theme_->appearance == Appearance::dark;
-    if (stance != TileStance::resting) {
+    if (stance == TileStance::selected || stance == TileStance::lifted) {
         drawShadow(painter, *theme_, place, metrics::tileRadius, 8, stance == TileStance::lifted ? 2 : 0, 1);
     } else if (!dark) {
-        drawShadow(painter, *theme_, place, metrics::tileRadius, 6, 2, 0.5);
+        drawShadow(painter, *theme_, place, metrics::tileRadius, 6, 2, 0.3);
     }
     painter.setPen(QPen(theme_->tileBorder, 1));
     painter.setBrush(stance == TileStance::resting ? theme_->tile : theme_->selectedTile);
     painter.drawRoundedRect(place.adjusted(0.5, 0.5, -0.5, -0.5), metrics::tileRadius, metrics::tileRadius);
     if (stance == TileStance::resting) return;
-    painter.setPen(QPen(theme_->selectionRing, ringWidth));
+    QColor ringColor = theme_->selectionRing;
+    if (stance == TileStance::marked) ringColor.setAlphaF(0.3f);
+    painter.setPen(QPen(ringColor, ringWidth));
     painter.setBrush(Qt::NoBrush);
     const QRectF ring = place.adjusted(-ringDistance, -ringDistance, ringDistance, ringDistance);
     painter.drawRoundedRect(ring, metrics::tileRadius + ringDistance, metrics::tileRadius + ringDistance);
@@ -129,9 +151,7 @@ void TilePainter::drawCorner(QPainter& painter, const QRectF& place, const TileC
     if (tile.isLinked) drawSymbol(painter, "link", corner.adjusted(2, 2, -2, -2), theme_->faintText);
 }
 
-void TilePainter::draw(QPainter& painter, const QRectF& place, const TileContent& tile,
-                       TileStance stance) const {
-    drawGround(painter, place, stance);
+void TilePainter::drawFace(QPainter& painter, const QRectF& place, const TileContent& tile) const {
     if (tile.isDimmed) painter.setOpacity(dimmedOpacity);
     const QRectF box = textBox(place);
     drawChip(painter, {box.topLeft(), QSizeF(metrics::chip, metrics::chip)}, tile);
@@ -146,7 +166,8 @@ void TilePainter::draw(QPainter& painter, const QRectF& place, const TileContent
 
 void TilePainter::paintRenaming(QPainter& painter, const QRectF& place, const TileContent& tile,
                                 const QString& text) {
-    drawGround(painter, place, TileStance::selected);
+    painter.drawPixmap(place.topLeft() - QPointF(metrics::tileBleed, metrics::tileBleed),
+                       ground(TileStance::selected, place.size()));
     const QRectF box = textBox(place);
     drawChip(painter, {box.topLeft(), QSizeF(metrics::chip, metrics::chip)}, tile);
     const QFont font = interfaceFont(nameSize_, QFont::DemiBold);

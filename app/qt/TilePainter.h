@@ -7,12 +7,14 @@
 #include <QPixmap>
 #include <QRectF>
 
+#include <vector>
+
 class QPainter;
 
 namespace lumnara {
 
-/// How a tile stands out from the others.
-enum class TileStance { resting, selected, lifted };
+/// How a tile stands out from the others. On a surface without the keyboard the selected one is only marked.
+enum class TileStance { resting, marked, selected, lifted };
 
 /// Draws tiles, each only once for as long as it looks the same: the pictures are kept and drawn again.
 class TilePainter {
@@ -35,12 +37,18 @@ private:
         QSizeF size;
         bool operator==(const Key&) const = default;
         friend std::size_t qHash(const Key& key, std::size_t seed) {
-            return qHashMulti(seed, QString::fromStdString(key.tile.key), key.tile.name,
-                              key.stance == TileStance::resting);
+            return qHashMulti(seed, key.tile.name, key.tile.detail, static_cast<int>(key.stance));
         }
     };
+    struct Ground {
+        TileStance stance;
+        QSizeF size;
+        QPixmap picture;
+    };
 
-    void draw(QPainter& painter, const QRectF& place, const TileContent& tile, TileStance stance) const;
+    const QPixmap& ground(TileStance stance, QSizeF size);
+    QPixmap blank(QSizeF tileSize) const;
+    void drawFace(QPainter& painter, const QRectF& place, const TileContent& tile) const;
     void drawGround(QPainter& painter, const QRectF& place, TileStance stance) const;
     void drawChip(QPainter& painter, const QRectF& place, const TileContent& tile) const;
     void drawCorner(QPainter& painter, const QRectF& place, const TileContent& tile) const;
@@ -50,6 +58,8 @@ private:
     double nameSize_ = 0;
     double devicePixelRatio_ = 0;
     QCache<Key, QPixmap> pictures_; ///< cost in kilobytes
+    /// What all tiles of a stance and size have in common, and what takes the longest to draw.
+    std::vector<Ground> grounds_;
 };
 
 /// The outline of a key with its label in the middle.

@@ -43,22 +43,33 @@ QIcon iconFor(const QColor& color) {
     return icon;
 }
 
-QIcon dotFor(const QColor& color, bool dimmed) {
+/// A dot in the desktop's colour, a ring for a desktop without one; the current desktop's is checked.
+QIcon dotFor(const DesktopMenuItem& item) {
     constexpr int side = 32;
+    const QColor own = item.color ? colorNamed(*item.color) : QColor();
     QPixmap picture(side, side);
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (color.isValid()) {
+    painter.setOpacity(item.isDimmed ? 0.45 : 1);
+    if (item.isCurrent) {
         painter.setPen(Qt::NoPen);
-        painter.setBrush(color);
+        painter.setBrush(own.isValid() ? own : quietSquare);
+        painter.drawEllipse(QRectF(2, 2, side - 4, side - 4));
+        painter.setPen(QPen(Qt::white, 3.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.drawPolyline(QPolygonF({{9.5, 16.5}, {14, 21}, {22.5, 11.5}}));
     } else {
-        painter.setPen(QPen(quietSquare, 2.5));
+        painter.setPen(own.isValid() ? QPen(Qt::NoPen) : QPen(quietSquare, 2.5));
+        painter.setBrush(own.isValid() ? QBrush(own) : QBrush(Qt::NoBrush));
+        painter.drawEllipse(QRectF(7, 7, side - 14, side - 14));
     }
-    painter.setOpacity(dimmed ? 0.45 : 1);
-    painter.drawEllipse(QRectF(6, 6, side - 12, side - 12));
     painter.end();
     return QIcon(picture);
+}
+
+QFont boldened(QFont font) {
+    font.setBold(true);
+    return font;
 }
 
 } // namespace
@@ -131,11 +142,14 @@ void TrayIcon::addItem(const DesktopMenuItem& item) {
     QAction* action = menu_.addAction(QString::fromStdString(item.title).replace("&", "&&"));
     switch (item.kind) {
     case Kind::header:
+        action->setFont(boldened(menu_.font()));
+        action->setEnabled(false);
+        break;
     case Kind::message: action->setEnabled(false); break;
     case Kind::desktop:
-        action->setIcon(dotFor(item.color ? colorNamed(*item.color) : QColor(), item.isDimmed));
-        action->setCheckable(true);
-        action->setChecked(item.isCurrent);
+        action->setIcon(dotFor(item));
+        action->setIconVisibleInMenu(true);
+        if (item.isCurrent) action->setFont(boldened(menu_.font()));
         QObject::connect(action, &QAction::triggered, &menu_, [this, desktop = *item.desktop] {
             if (onSwitch) onSwitch(desktop);
         });
