@@ -56,6 +56,10 @@ struct EwmhFixture {
             published.push_back({now.spaces.at(i).uuid, now.spaces[i].id, now.display, names[i]});
         platform.namePublisher->publish(published);
     }
+    /// Lets what the window manager has still to say arrive, for a test that expects nothing to come.
+    void settle() {
+        runUntil([] { return false; }, 0.1);
+    }
     /// What reading the desktops fails with.
     std::optional<WindowManagerError> failure() {
         try {

@@ -14,10 +14,10 @@ protected:
         return keys().bind(name, shortcut, [this, name] { pressed.push_back(name); });
     }
     GlobalShortcuts& keys() { return *at.platform.globalShortcuts; }
-    /// The names of the shortcuts pressed since the last call, once there are so many or none come.
+    /// The names of the shortcuts pressed since the last call, once there are so many and no more come.
     std::vector<std::string> take(std::size_t count) {
-        at.runUntil([&] { return pressed.size() > count; }, count == 0 ? 0.1 : 0.05);
         at.runUntil([&] { return pressed.size() >= count; });
+        at.settle();
         return std::exchange(pressed, {});
     }
     void press(std::uint32_t keysym, const std::vector<std::uint32_t>& modifiers = {XK_Control_L}) {
@@ -54,7 +54,7 @@ TEST_F(ShortcutsTest, ArriveOnceForAPressHoweverLong) {
     EXPECT_TRUE(at.runUntil([&] { return presses > 5; })) << "the server doesn't repeat the key";
     EXPECT_EQ(take(1), Names{"board"});
     at.session.holdKey(XK_1, false);
-    at.runUntil([] { return false; }, 0.05);
+    at.settle();
     at.session.holdKey(XK_1, true);
     EXPECT_EQ(take(1), Names{"board"});
     at.session.holdKey(XK_1, false);
@@ -119,7 +119,7 @@ TEST_F(ShortcutsTest, FollowTheKeyboardLayout) {
     bind("board", board);
     bind("letter", {KeyCode::a, {.control = true}});
     at.runTool({"setxkbmap", "fr"});
-    at.runUntil([] { return false; }, 0.1);
+    at.settle();
     press(XK_ampersand); // the key of the 1 without shift
     EXPECT_EQ(take(1), Names{"board"});
     press(XK_a);
@@ -127,7 +127,7 @@ TEST_F(ShortcutsTest, FollowTheKeyboardLayout) {
     press(XK_q); // where the a was
     EXPECT_EQ(take(0), Names{});
     at.runTool({"setxkbmap", "ru"});
-    at.runUntil([] { return false; }, 0.1);
+    at.settle();
     press(XK_Cyrillic_ef);
     EXPECT_EQ(take(1), Names{"letter"});
 }

@@ -52,7 +52,7 @@ TEST_P(DesktopsTest, ASwitchThatChangesNothingOrHasNoTargetDoesNotWait) {
 }
 
 TEST_P(DesktopsTest, TellWhenAnotherProgramChangesThem) {
-    at.runUntil([] { return false; }, 0.05); // what the start has left over
+    at.settle();
     at.events.clear();
     at.runTool({"wmctrl", "-s", "1"});
     EXPECT_TRUE(at.runUntil([&] { return !at.events.empty(); }));
@@ -91,9 +91,11 @@ TEST_P(DesktopsTest, OutliveTheirWindowManager) {
     const auto four = at.uuids();
     at.publish({"Mail"});
     for (const int signal : {SIGTERM, SIGKILL}) {
+        at.settle();
         at.events.clear();
         at.session.killWindowManager(signal);
-        EXPECT_TRUE(at.runUntil([&] { return !at.events.empty() && !at.answers(); }));
+        EXPECT_TRUE(at.runUntil([&] { return !at.events.empty(); }));
+        EXPECT_FALSE(at.answers());
         EXPECT_EQ(at.failure()->which(), Case::connectionLost);
         EXPECT_EQ(at.platform.windowServer->currentSpace({"Main"}), std::nullopt);
         at.events.clear();
@@ -104,6 +106,18 @@ TEST_P(DesktopsTest, OutliveTheirWindowManager) {
         EXPECT_EQ(at.current(), 1U);
         EXPECT_TRUE(at.runUntil([&] { return at.shownNames().starts_with("Mail"); })) << at.shownNames();
     }
+}
+
+TEST_P(DesktopsTest, OutliveAWindowManagerThatNobodyMissed) {
+    const auto four = at.uuids();
+    at.session.killWindowManager();
+    at.session.startWindowManager();
+    at.settle();
+    EXPECT_EQ(at.uuids(), four);
+    at.events.clear();
+    at.session.killWindowManager();
+    EXPECT_TRUE(at.runUntil([&] { return !at.events.empty(); }));
+    EXPECT_FALSE(at.answers());
 }
 
 TEST_P(DesktopsTest, OutliveAReplacementByAnotherWindowManager) {
@@ -129,9 +143,44 @@ TEST_P(DesktopsTest, AHangingWindowManagerCostsOnePatience) {
     EXPECT_TRUE(at.runUntil([&] { return at.current() == 2; }));
 }
 
+TEST_P(DesktopsTest, StandPropertiesThatAnotherProgramSpoilt) {
+    const auto four = at.uuids();
+    const auto set = [&](const char* property, const char* format, const char* value) {
+        at.runTool({"xprop", "-root", "-f", property, format, "-set", property, value});
+    };
+    set("_NET_CURRENT_DESKTOP", "32c", "99");
+    EXPECT_EQ(at.current(), 3U);
+    at.runTool({"xprop", "-root", "-remove", "_NET_CURRENT_DESKTOP"});
+    EXPECT_EQ(at.current(), 0U);
+    at.runTool({"xprop", "-root", "-remove", "_LUMNARA_DESKTOP_UUIDS"});
+    EXPECT_EQ(at.uuids(), four);
+    set("_LUMNARA_DESKTOP_UUIDS", "32c", "7");
+    EXPECT_EQ(at.uuids(), four);
+    set("_LUMNARA_DESKTOP_UUIDS", "8u", "one");
+    EXPECT_EQ(at.uuids().at(0), "one");
+    EXPECT_EQ(at.uuids(), at.uuids());
+    set("_NET_NUMBER_OF_DESKTOPS", "32c", "4000000000");
+    EXPECT_EQ(at.uuids().size(), 1000U);
+    set("_NET_NUMBER_OF_DESKTOPS", "32c", "0");
+    EXPECT_EQ(at.failure()->which(), Case::connectionLost);
+}
+
+TEST_P(DesktopsTest, GiveWayToAProgramThatInsistsOnItsNames) {
+    at.publish({"Mail"});
+    for (int i = 0; i < 8; ++i) {
+        at.runTool(
+            {"xprop", "-root", "-f", "_NET_DESKTOP_NAMES", "8u", "-set", "_NET_DESKTOP_NAMES", "theirs"});
+        at.settle();
+        if (i == 0) EXPECT_TRUE(at.shownNames().starts_with("Mail")) << at.shownNames();
+    }
+    EXPECT_TRUE(at.shownNames().starts_with("theirs")) << at.shownNames();
+    at.publish({"Post"});
+    EXPECT_TRUE(at.runUntil([&] { return at.shownNames().starts_with("Post"); }));
+}
+
 TEST_P(DesktopsTest, AreKnownAgainOnANewServer) {
     at.publish({"Mail", "Web"});
-    at.runUntil([] { return false; }, 0.05);
+    at.settle();
     const auto uuids = at.uuids();
 
     EwmhFixture next{GetParam()};

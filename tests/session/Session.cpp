@@ -301,7 +301,7 @@ void XSession::killServer() {
 std::uint32_t XSession::atom(const std::string& name) const {
     const auto cookie = xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
     const auto reply = owned(xcb_intern_atom_reply(connection_, cookie, nullptr));
-    return reply ? reply->atom : XCB_ATOM_NONE;
+    return reply ? reply->atom : std::uint32_t{XCB_ATOM_NONE};
 }
 
 std::optional<std::string> XSession::rootProperty(const std::string& name) const {

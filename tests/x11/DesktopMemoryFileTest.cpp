@@ -17,6 +17,7 @@ protected:
 
     testing::TemporaryFolder folder;
     std::filesystem::path path = folder / "ewmh-desktops.json";
+    Date now = *Date::fromISO8601("2026-01-05T09:00:00Z");
     std::vector<std::string> lines;
 
 private:
@@ -26,24 +27,25 @@ private:
 TEST_F(DesktopMemoryFileTest, RemembersAllAndSaysNothing) {
     const std::vector<RememberedDesktop> desktops{{"A", "mail", RememberedDesktop::Renamed{"mail", "one"}},
                                                   {"B", "Büro"}};
-    EXPECT_EQ(DesktopMemoryFile(path).load(), std::vector<RememberedDesktop>{});
+    EXPECT_EQ(DesktopMemoryFile(path).load(now), std::vector<RememberedDesktop>{});
     DesktopMemoryFile(path).save(desktops);
-    EXPECT_EQ(DesktopMemoryFile(path).load(), desktops);
+    EXPECT_EQ(DesktopMemoryFile(path).load(now), desktops);
     EXPECT_TRUE(lines.empty());
 }
 
 TEST_F(DesktopMemoryFileTest, SavesANameThatIsNoUtf8) {
     DesktopMemoryFile(path).save({{"A", "mail", RememberedDesktop::Renamed{"mail", "\xFF"}}});
-    EXPECT_EQ(DesktopMemoryFile(path).load()[0].renamed->own, "\xEF\xBF\xBD");
+    EXPECT_EQ(DesktopMemoryFile(path).load(now)[0].renamed->own, "\xEF\xBF\xBD");
 }
 
 TEST_F(DesktopMemoryFileTest, MovesADamagedFileAside) {
     for (const char* damaged : {"", "{", "[]", R"({"desktops": [{"uuid": 1}]})", R"({"desktops": [7]})"}) {
         lines.clear();
         replaceFile(path, damaged);
-        EXPECT_EQ(DesktopMemoryFile(path).load(), std::vector<RememberedDesktop>{}) << damaged;
+        EXPECT_EQ(DesktopMemoryFile(path).load(now), std::vector<RememberedDesktop>{}) << damaged;
         EXPECT_FALSE(std::filesystem::exists(path)) << damaged;
-        EXPECT_EQ(readFile(path.string() + ".corrupt"), damaged);
+        EXPECT_EQ(readFile(path.string() + ".corrupt-2026-01-05T09-00-00Z"), damaged);
+        std::filesystem::remove(path.string() + ".corrupt-2026-01-05T09-00-00Z");
         EXPECT_EQ(lines.size(), 1U) << damaged;
     }
 }

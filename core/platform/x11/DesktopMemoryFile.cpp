@@ -24,23 +24,37 @@ RememberedDesktop decoded(const nlohmann::json& entry) {
     return desktop;
 }
 
-} // namespace
-
-std::vector<RememberedDesktop> DesktopMemoryFile::load() const {
-    std::error_code ignored;
-    if (!std::filesystem::exists(path_, ignored)) return {};
+/// Throws nlohmann::json::exception for text of another form.
+std::vector<RememberedDesktop> decodedList(const std::string& text) {
     std::vector<RememberedDesktop> desktops;
+    const auto file = nlohmann::json::parse(text);
+    for (const auto& entry : file.at("desktops")) desktops.push_back(decoded(entry));
+    return desktops;
+}
+
+void moveDamagedAside(const std::filesystem::path& path, Date now) {
     try {
-        const auto file = nlohmann::json::parse(readFile(path_));
-        for (const auto& entry : file.at("desktops")) desktops.push_back(decoded(entry));
-    } catch (const nlohmann::json::exception&) {
-        log(fmt::format("Lumnara desktops: {} can't be decoded and is moved aside", path_.string()));
-        std::filesystem::rename(path_, path_.string() + ".corrupt", ignored);
-        return {};
+        const auto kept = moveAside(path, now);
+        log(fmt::format("Lumnara desktops: {} can't be decoded and was moved to {}", path.string(),
+                        kept.string()));
     } catch (const std::system_error& error) {
         log(fmt::format("Lumnara desktops: {}", error.what()));
     }
-    return desktops;
+}
+
+} // namespace
+
+std::vector<RememberedDesktop> DesktopMemoryFile::load(Date now) const {
+    std::error_code ignored;
+    if (!std::filesystem::exists(path_, ignored)) return {};
+    try {
+        return decodedList(readFile(path_));
+    } catch (const nlohmann::json::exception&) {
+        moveDamagedAside(path_, now);
+    } catch (const std::system_error& error) {
+        log(fmt::format("Lumnara desktops: {}", error.what()));
+    }
+    return {};
 }
 
 void DesktopMemoryFile::save(const std::vector<RememberedDesktop>& desktops) const {

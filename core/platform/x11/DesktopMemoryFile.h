@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/base/Date.h"
 #include "core/platform/x11/RememberedDesktop.h"
 
 #include <filesystem>
@@ -14,8 +15,8 @@ public:
     explicit DesktopMemoryFile(std::filesystem::path path) : path_(std::move(path)) {}
 
     /// Nothing remembered when there is no file or it can't be read. One that can't be decoded is moved
-    /// aside under the name with ".corrupt" behind it.
-    std::vector<RememberedDesktop> load() const;
+    /// aside.
+    std::vector<RememberedDesktop> load(Date now) const;
     void save(const std::vector<RememberedDesktop>& desktops) const;
 
 private:

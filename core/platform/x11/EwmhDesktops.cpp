@@ -26,10 +26,10 @@ std::optional<std::size_t> EwmhReading::indexOf(SpaceID id) const {
     return static_cast<std::size_t>(found - desktops.begin());
 }
 
-EwmhDesktops::EwmhDesktops(std::shared_ptr<X11Connection> connection, std::filesystem::path memoryFile)
-    : root_(std::move(connection)),
+EwmhDesktops::EwmhDesktops(const std::shared_ptr<X11Connection>& connection, std::filesystem::path memoryFile)
+    : root_(connection),
       file_(std::move(memoryFile)),
-      remembered_(file_.load()),
+      remembered_(file_.load(connection->loop().date())),
       saved_(remembered_) {}
 
 EwmhReading EwmhDesktops::read() {

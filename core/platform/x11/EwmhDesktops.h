@@ -29,7 +29,7 @@ struct EwmhReading {
 /// the X server was new, the file tells which desktop is which. Main thread.
 class EwmhDesktops {
 public:
-    EwmhDesktops(std::shared_ptr<X11Connection> connection, std::filesystem::path memoryFile);
+    EwmhDesktops(const std::shared_ptr<X11Connection>& connection, std::filesystem::path memoryFile);
 
     /// Reads afresh. Throws WindowManagerError.
     EwmhReading read();

@@ -15,7 +15,12 @@ constexpr std::size_t mostDesktops = 1000;
 
 } // namespace
 
-EwmhRoot::EwmhRoot(std::shared_ptr<X11Connection> connection) : connection_(std::move(connection)) {}
+EwmhRoot::EwmhRoot(std::shared_ptr<X11Connection> connection)
+    : connection_(std::move(connection)),
+      windowDestroyed_(connection_->windowDestroyed.subscribe([this](xcb_window_t window) {
+          // The next window manager's may have the same id and is another window all the same.
+          if (window == checkWindow_) checkWindow_ = XCB_WINDOW_NONE;
+      })) {}
 
 EwmhState EwmhRoot::read() {
     auto& x = *connection_;

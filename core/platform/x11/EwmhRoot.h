@@ -49,8 +49,10 @@ private:
     [[noreturn]] void reportAway();
 
     std::shared_ptr<X11Connection> connection_;
+    /// The window whose end is the end of the window manager; none before the first reading and after it.
     xcb_window_t checkWindow_ = XCB_WINDOW_NONE;
     std::string windowManager_;
+    async::Subscription windowDestroyed_;
 };
 
 } // namespace lumnara
