@@ -24,7 +24,9 @@ std::string textOf(const json& desktop, const char* name) {
 }
 
 RegisteredDesktop decodeDesktop(const json& desktop) {
-    if (!desktop.at("kept").is_boolean()) throw std::runtime_error("kept is no truth value");
+    for (const char* flag : {"kept", "nameOwed"})
+        if (!desktop.at(flag).is_boolean())
+            throw std::runtime_error(std::string(flag) + " is no truth value");
     if (!desktop.at("lastSeen").is_number_unsigned()) throw std::runtime_error("lastSeen is no count");
     return {.uuid = textOf(desktop, "uuid"),
             .id = {},
@@ -33,7 +35,8 @@ RegisteredDesktop decodeDesktop(const json& desktop) {
             .ownName = textOf(desktop, "ownName"),
             .title = textOf(desktop, "title"),
             .kept = desktop.at("kept").get<bool>(),
-            .lastSeen = desktop.at("lastSeen").get<std::uint64_t>()};
+            .lastSeen = desktop.at("lastSeen").get<std::uint64_t>(),
+            .nameOwed = desktop.at("nameOwed").get<bool>()};
 }
 
 std::vector<RegisteredDesktop> decode(const std::string& contents) {
@@ -47,7 +50,7 @@ std::vector<RegisteredDesktop> decode(const std::string& contents) {
         if (desktop.uuid.empty() || desktop.workspace.empty() || !first)
             throw std::runtime_error("no identity");
         // Two can't have one name; the one that is found second gets another when it is needed.
-        desktop.nameOwed = !seen.insert("name " + workspaceKey(desktop.workspace)).second;
+        if (!seen.insert("name " + workspaceKey(desktop.workspace)).second) desktop.nameOwed = true;
         desktops.push_back(std::move(desktop));
     }
     return desktops;
@@ -79,7 +82,8 @@ std::string encodeWorkspaceFile(const std::vector<RegisteredDesktop>& desktops) 
                         {"ownName", desktop.ownName},
                         {"title", desktop.title},
                         {"kept", desktop.kept},
-                        {"lastSeen", desktop.lastSeen}});
+                        {"lastSeen", desktop.lastSeen},
+                        {"nameOwed", desktop.nameOwed || !desktop.asked.empty()}});
     }
     const json root = {{"schemaVersion", workspaceSchema}, {"desktops", std::move(list)}};
     return root.dump(2, ' ', false, json::error_handler_t::replace) + "\n";

@@ -81,17 +81,21 @@ void WorkspaceRegistry::beginRun() {
 void WorkspaceRegistry::renamed(std::int64_t handle, const std::string& name) {
     RegisteredDesktop* desktop = at(handle);
     if (!desktop) return;
-    const std::string key = workspaceKey(name);
     const auto asked = std::ranges::find(desktop->asked, name);
     if (asked == desktop->asked.end())
         desktop->ownName = name;
     else
         desktop->asked.erase(desktop->asked.begin(), asked + 1);
     desktop->workspace = name;
-    // One that is gone can't come back under a name that is taken now.
-    for (RegisteredDesktop& other : desktops_)
-        if (&other != desktop && workspaceKey(other.workspace) == key) other.nameOwed = true;
+    claimName(*desktop);
     changed();
+}
+
+/// A desktop that is gone can't come back under the name of one that is there.
+void WorkspaceRegistry::claimName(const RegisteredDesktop& desktop) {
+    const std::string key = workspaceKey(desktop.workspace);
+    for (RegisteredDesktop& other : desktops_)
+        if (!other.handle && workspaceKey(other.workspace) == key) other.nameOwed = true;
 }
 
 void WorkspaceRegistry::released(std::int64_t handle) {
@@ -137,7 +141,9 @@ std::vector<std::size_t> WorkspaceRegistry::match(const std::vector<const LiveWo
     std::vector<std::optional<std::size_t>> matched(workspaces.size());
     for (std::size_t i = 0; i < workspaces.size(); ++i) {
         const auto found = byName.find(workspaceKey(workspaces[i]->name));
-        if (found != byName.end() && taken.insert(found->second).second) matched[i] = found->second;
+        if (found == byName.end() || !taken.insert(found->second).second) continue;
+        matched[i] = found->second;
+        respell(desktops_[found->second], workspaces[i]->name);
     }
 
     // The window manager has forgotten these titles, but the numbers and names below them go on.
@@ -165,6 +171,14 @@ std::vector<std::size_t> WorkspaceRegistry::match(const std::vector<const LiveWo
     std::vector<std::size_t> indexes;
     for (const auto& index : matched) indexes.push_back(*index);
     return indexes;
+}
+
+/// The same name, in other letters perhaps.
+void WorkspaceRegistry::respell(RegisteredDesktop& desktop, const std::string& name) {
+    if (desktop.workspace == name) return;
+    if (desktop.ownName == desktop.workspace) desktop.ownName = name;
+    desktop.workspace = name;
+    changed();
 }
 
 std::size_t WorkspaceRegistry::add(const std::string& workspace) {
@@ -276,7 +290,10 @@ std::vector<WorkspaceRegistry::Rename> WorkspaceRegistry::settleNames(const Name
 
 void WorkspaceRegistry::renameRefused(const Rename& rename) {
     const auto found = std::ranges::find(desktops_, rename.uuid, &RegisteredDesktop::uuid);
-    if (found != desktops_.end()) std::erase(found->asked, rename.to);
+    if (found == desktops_.end()) return;
+    std::erase(found->asked, rename.to);
+    claimName(*found);
+    changed();
 }
 
 std::vector<const RegisteredDesktop*> WorkspaceRegistry::spaces(const std::string& display) const {

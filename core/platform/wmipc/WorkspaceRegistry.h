@@ -86,8 +86,10 @@ private:
     std::size_t add(const std::string& workspace);
     SpaceID mintID(const std::string& uuid) const;
     std::vector<std::size_t> match(const std::vector<const LiveWorkspace*>& workspaces);
+    void respell(RegisteredDesktop& desktop, const std::string& name);
     void place(const std::vector<LiveDisplay>& displays, const std::vector<std::size_t>& matched);
     void forgetOldest();
+    void claimName(const RegisteredDesktop& desktop);
     void setTitle(RegisteredDesktop& desktop, const std::string& title);
 
     void changed();

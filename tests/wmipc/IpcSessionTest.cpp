@@ -1,0 +1,252 @@
+#include "core/async/PollLoop.h"
+#include "core/async/Task.h"
+#include "core/base/Log.h"
+#include "core/model/SnapshotParser.h"
+#include "core/model/SpaceKitError.h"
+#include "core/platform/wmipc/IpcSpaceActivator.h"
+#include "core/platform/wmipc/IpcWindowServer.h"
+#include "core/platform/wmipc/SwayScreens.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/wmipc/ScriptedServer.h"
+
+#include <gtest/gtest.h>
+
+namespace lumnara::testing {
+namespace {
+
+constexpr std::uint32_t workspaceEvent = 0x80000000;
+constexpr std::uint32_t outputEvent = 0x80000001;
+
+std::string output(const std::string& name, int x, const std::string& more = {}) {
+    return R"({"active":true,"name":")" + name + R"(","rect":{"x":)" + std::to_string(x) +
+           R"(,"y":0,"width":1280,"height":800})" + more + "}";
+}
+std::string workspace(int id, const std::string& name, const std::string& output, bool visible,
+                      bool focused = false) {
+    const auto truth = [](bool value) { return value ? std::string("true") : "false"; };
+    return R"({"id":)" + std::to_string(id) + R"(,"name":")" + name + R"(","output":")" + output +
+           R"(","visible":)" + truth(visible) + R"(,"focused":)" + truth(focused) + "}";
+}
+
+class IpcSessionTest : public ::testing::Test {
+protected:
+    IpcSessionTest() {
+        oldSink = setLogSink([this](std::string_view line) { logged += std::string(line) + "\n"; });
+        IpcSession::Setup setup;
+        setup.ipc.windowManager = "i3";
+        setup.ipc.findSocket = [this] { return (folder / "ipc.sock").string(); };
+        setup.ipc.events = {"workspace"};
+        setup.ipc.patience = 0.2;
+        setup.registryFile = folder / "workspaces.json";
+        setup.identify = SwayScreens::identity;
+        session = std::make_unique<IpcSession>(loop, std::move(setup));
+    }
+    ~IpcSessionTest() override {
+        session.reset();
+        setLogSink(oldSink);
+    }
+
+    ScriptedServer::Answer answer(std::uint32_t type, const std::string& payload) {
+        const std::lock_guard lock(mutex);
+        if (hanging) return {};
+        if (type == 2) return {frame(type, R"({"success":true})")};
+        if (type == 0) commands.push_back(payload);
+        if (type == 0) return {frame(type, outcome)};
+        return {frame(type, type == 1 ? workspaces : outputs)};
+    }
+    void show(const std::string& theOutputs, const std::string& theWorkspaces) {
+        const std::lock_guard lock(mutex);
+        outputs = "[" + theOutputs + "]";
+        workspaces = "[" + theWorkspaces + "]";
+    }
+    void showTwo() {
+        show(output("R", 1280) + "," + output("L", 0), workspace(1, "1", "L", true) + "," +
+                                                           workspace(2, "2", "R", false) + "," +
+                                                           workspace(3, "3", "R", true, true));
+    }
+    bool sawCommands(std::size_t count) {
+        return loop.runUntil(
+            [&] {
+                const std::lock_guard lock(mutex);
+                return commands.size() >= count;
+            },
+            5);
+    }
+    SpaceSnapshot snapshot() { return SnapshotParser::parse(windowServer().managedDisplaySpaces(), {}); }
+    IpcWindowServer& windowServer() {
+        if (!server_) server_ = std::make_unique<IpcWindowServer>(*session);
+        return *server_;
+    }
+
+    TemporaryFolder folder;
+    async::PollLoop loop;
+    async::Repeating pulse{loop, 0.002, [] {}};
+    std::mutex mutex;
+    std::string outputs = "[]";
+    std::string workspaces = "[]";
+    std::string outcome = R"([{"success":true}])";
+    std::vector<std::string> commands;
+    bool hanging = false;
+    std::string logged;
+    LogSink oldSink;
+    ScriptedServer server{folder / "ipc.sock",
+                          [this](auto type, auto& payload) { return answer(type, payload); }};
+    std::unique_ptr<IpcSession> session;
+
+private:
+    std::unique_ptr<IpcWindowServer> server_;
+};
+
+TEST_F(IpcSessionTest, ReadsTheFormThatTheParserReads) {
+    showTwo();
+    const SpaceSnapshot read = snapshot();
+    ASSERT_EQ(read.displays.size(), 2U);
+    EXPECT_EQ(read.displays[0].display.uuid, "L");
+    ASSERT_EQ(read.displays[1].spaces.size(), 2U);
+    EXPECT_EQ(read.displays[1].currentID, read.displays[1].spaces[1].id);
+    EXPECT_EQ(read.displays[1].spaces[1].kind, SpaceKind::user);
+    EXPECT_EQ(windowServer().activeMenuBarDisplay(), "R");
+    EXPECT_EQ(windowServer().currentSpace({"r"}), read.displays[1].currentID);
+    EXPECT_EQ(windowServer().currentSpace({"X"}), std::nullopt);
+    EXPECT_EQ(snapshot(), read) << "nothing changes by reading";
+}
+
+TEST_F(IpcSessionTest, SurvivesAMonitorInTheMidstOfPlugging) {
+    // An output without a workspace, one whose workspace shows nowhere, and a workspace on no output.
+    show(output("L", 0) + "," + output("R", 1280) + "," + output("S", 2560),
+         workspace(1, "1", "L", true, true) + "," + workspace(2, "2", "R", false) + "," +
+             workspace(3, "3", "gone", true));
+    const SpaceSnapshot read = snapshot();
+    ASSERT_EQ(read.displays.size(), 1U);
+    EXPECT_EQ(read.displays[0].spaces.size(), 1U);
+
+    show("", workspace(1, "1", "L", true, true));
+    EXPECT_THROW(snapshot(), SpaceKitError);
+    EXPECT_EQ(windowServer().currentSpace({"L"}), std::nullopt);
+}
+
+TEST_F(IpcSessionTest, KnowsMonitorsByWhatTheyAre) {
+    const std::string dell = R"(,"make":"Dell Inc.","model":"U2720Q","serial":"8F3K2","scale":1.5)";
+    const std::string unknown = R"(,"make":"Unknown","model":"Unknown","serial":"Unknown")";
+    show(output("DP-1", 0, dell) + "," + output("DP-2", 1280, dell) + "," + output("DP-3", 2560, unknown),
+         workspace(1, "1", "DP-1", true) + "," + workspace(2, "2", "DP-2", true) + "," +
+             workspace(3, "3", "DP-3", true, true));
+    SwayScreens screens(*session);
+    const auto read = screens.screens();
+    ASSERT_EQ(read.size(), 3U);
+    EXPECT_EQ(read[0], (ScreenInfo{.uuid = "Dell Inc. U2720Q 8F3K2",
+                                   .connector = "DP-1",
+                                   .name = "Dell Inc. U2720Q",
+                                   .frame = {0, 0, 1280, 800},
+                                   .scale = 1.5}));
+    EXPECT_EQ(read[1].uuid, "Dell Inc. U2720Q 8F3K2 DP-2") << "two of a kind";
+    EXPECT_EQ(read[2].uuid, "DP-3");
+    EXPECT_EQ(read[2].name, "DP-3");
+    EXPECT_EQ(snapshot().displays[1].display.uuid, read[1].uuid);
+}
+
+TEST_F(IpcSessionTest, RenamesOnceAndSaysWhatWasRefused) {
+    showTwo();
+    const Space one = snapshot().displays[0].spaces[0];
+    outcome = R"([{"success":false,"error":"No."}])";
+    const std::vector<PublishedDesktop> named{{one.uuid, one.id, {"L"}, "Mail \"in\""}};
+    session->publish(named);
+    ASSERT_TRUE(loop.runUntil([&] { return !logged.empty(); }, 5));
+    EXPECT_EQ(commands, std::vector<std::string>{R"(rename workspace "1" to "1: Mail \"in\"")"});
+    EXPECT_EQ(logged, "Lumnara i3: \"1\" was not renamed to \"1: Mail \"in\"\": No.\n");
+    snapshot();
+    session->publish(named);
+    snapshot();
+    EXPECT_EQ(commands.size(), 1U);
+}
+
+TEST_F(IpcSessionTest, PublishesWithoutWaitingAndTellsTheNextWindowManager) {
+    showTwo();
+    const Space one = snapshot().displays[0].spaces[0];
+    {
+        const std::lock_guard lock(mutex);
+        hanging = true;
+    }
+    const auto start = loop.now();
+    session->publish({{one.uuid, one.id, {"L"}, "Mail"}});
+    EXPECT_LT(loop.now() - start, std::chrono::milliseconds(100));
+    EXPECT_THROW(snapshot(), WindowManagerError);
+    session->publish({{one.uuid, one.id, {"L"}, "Post"}});
+    EXPECT_THROW(snapshot(), WindowManagerError);
+    {
+        const std::lock_guard lock(mutex);
+        hanging = false;
+        commands.clear();
+    }
+    server.closeConnections();
+    ASSERT_TRUE(loop.runUntil([&] { return session->ipc().connected(); }, 5));
+    snapshot();
+    ASSERT_TRUE(sawCommands(1));
+    EXPECT_EQ(commands, std::vector<std::string>{R"(rename workspace "1" to "1: Post")"});
+}
+
+TEST_F(IpcSessionTest, ActivatesOnTheRightOutput) {
+    showTwo();
+    const DisplaySpaces right = snapshot().displays[1];
+    IpcSpaceActivator activator(*session);
+    const auto activate = [&](const Space& target, const DisplayID& display) {
+        std::string ended;
+        const auto run = [](SpaceActivator& activator, const Space& target, const DisplayID& display,
+                            std::string& ended) -> async::Task<> {
+            try {
+                co_await activator.activate(target, display);
+                ended = "done";
+            } catch (const WindowManagerError& error) {
+                ended = error.sentence();
+            }
+        };
+        const auto handle = async::spawn(loop, run(activator, target, display, ended));
+        EXPECT_TRUE(loop.runUntil([&] { return !ended.empty(); }, 5));
+        return ended;
+    };
+    EXPECT_EQ(activate(right.spaces[0], {"r"}), "done");
+    EXPECT_EQ(commands,
+              std::vector<std::string>{R"(focus output "R"; workspace --no-auto-back-and-forth "2")"});
+    EXPECT_EQ(activate(right.spaces[0], {"X"}), "i3 refused a command: it has no such output.");
+    EXPECT_EQ(activate(Space{}, {"R"}), "i3 refused a command: it has no such workspace.");
+    outcome = R"([{"success":true},{"success":false,"error":"not now"}])";
+    EXPECT_EQ(activate(right.spaces[0], {"R"}), "i3 refused a command: not now.");
+    {
+        const std::lock_guard lock(mutex);
+        hanging = true;
+    }
+    const auto start = loop.now();
+    EXPECT_EQ(activate(right.spaces[0], {"R"}), "done") << "its patience is over";
+    EXPECT_GE(loop.now() - start, std::chrono::milliseconds(300));
+    server.closeConnections();
+    EXPECT_EQ(activate(right.spaces[0], {"R"}),
+              "The connection to i3 was lost. Lumnara keeps trying to reach it.");
+}
+
+TEST_F(IpcSessionTest, TellsOnceOfWhatComesTogether) {
+    showTwo();
+    std::vector<WorkspaceEvent> events;
+    const auto subscription =
+        session->changed().subscribe([&](WorkspaceEvent event) { events.push_back(event); });
+    using enum WorkspaceEvent;
+    ASSERT_TRUE(loop.runUntil([&] { return session->ipc().connected() && events.size() == 2; }, 5));
+    EXPECT_EQ(events, (std::vector{screenParametersDidChange, activeSpaceDidChange})) << "a new connection";
+    events.clear();
+    const std::string focus = frame(workspaceEvent, R"({"change":"focus","current":{"id":1,"name":"1"}})");
+    server.send(focus + focus + focus);
+    snapshot(); // reads them on the way, and tells of them later
+    EXPECT_TRUE(events.empty());
+    ASSERT_TRUE(loop.runUntil([&] { return !events.empty(); }, 5));
+    EXPECT_EQ(events, std::vector{activeSpaceDidChange});
+    events.clear();
+    server.send(frame(outputEvent, R"({"change":"unspecified"})") + focus);
+    ASSERT_TRUE(loop.runUntil([&] { return !events.empty(); }, 5));
+    EXPECT_EQ(events, (std::vector{screenParametersDidChange, activeSpaceDidChange}));
+    events.clear();
+    server.closeConnections();
+    ASSERT_TRUE(loop.runUntil([&] { return !events.empty(); }, 5));
+    EXPECT_EQ(events[0], activeSpaceDidChange) << "so that the failure shows";
+}
+
+} // namespace
+} // namespace lumnara::testing
