@@ -2,7 +2,7 @@
 
 #include "core/base/Failure.h"
 #include "core/switching/SwitchError.h"
-#include "core/switching/WindowManagerEngine.h"
+#include "core/switching/SwitchVerifier.h"
 
 #include <fmt/format.h>
 #include <utility>
@@ -17,13 +17,8 @@ AppState::AppState(async::Loop& loop, Platform& platform, std::unique_ptr<SpaceP
       store_(loop, dataFolder / "desktops.json"),
       provider_(std::move(provider)),
       catalog_(loop, *provider_, store_),
-      switcher_(loop, *provider_) {
-    std::vector<SpaceSwitching*> engines;
-    if (platform_.spaceActivator) {
-        engine_ = std::make_unique<WindowManagerEngine>(*platform_.spaceActivator, *provider_);
-        engines.push_back(engine_.get());
-    }
-    switcher_.engineOverride = engines;
+      switcher_(*provider_) {
+    connectSwitcher();
     reportStart();
     displaysChanged_ = catalog_.displays.subscribe([this](const auto&) { publishNames(); });
     catalog_.onRefresh = [this](const SpaceSnapshot& snapshot) { handleRefresh(snapshot); };
@@ -32,7 +27,27 @@ AppState::AppState(async::Loop& loop, Platform& platform, std::unique_ptr<SpaceP
         catalog_.startObserving([workspace](auto onEvent) { return workspace->observe(std::move(onEvent)); });
 }
 
-AppState::~AppState() = default;
+AppState::~AppState() {
+    SwitchVerifier::currentSpaceReader = {};
+    SwitchVerifier::animationReader = {};
+}
+
+void AppState::connectSwitcher() {
+    std::vector<SpaceSwitching*> engines;
+    if (platform_.spaceActivator) {
+        engine_ = std::make_unique<WindowManagerEngine>(*platform_.spaceActivator, *provider_);
+        engines.push_back(engine_.get());
+    }
+    switcher_.engineOverride = std::move(engines);
+    WindowServer* server = platform_.windowServer.get();
+    if (!server) return;
+    SwitchVerifier::currentSpaceReader = [server](const DisplayID& display) {
+        return server->currentSpace(display);
+    };
+    SwitchVerifier::animationReader = [server](const DisplayID& display) {
+        return server->isAnimating(display);
+    };
+}
 
 void AppState::stop() {
     try {

@@ -54,6 +54,7 @@ public:
     void stop();
 
 private:
+    void connectSwitcher();
     void reportStart();
     void handleRefresh(const SpaceSnapshot& snapshot);
     void announceChanges();

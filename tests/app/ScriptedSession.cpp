@@ -10,6 +10,12 @@ void ScriptedProvider::show(SpaceID space) {
             if (candidate.id == space) display.currentID = space;
 }
 
+std::optional<SpaceID> ScriptedWindowServer::currentSpace(const DisplayID& display) {
+    ++probes;
+    const DisplaySpaces* shown = provider_.current.spacesOnDisplay(display.uuid);
+    return shown ? std::optional(shown->currentID) : std::nullopt;
+}
+
 async::Task<> ScriptedActivator::activate(const Space& target, const DisplayID&) {
     asked.push_back(target.id);
     co_await async::sleepFor(0.001);
@@ -54,15 +60,18 @@ ScriptedSession::ScriptedSession(std::vector<DisplaySpaces> displays) {
     ownProvider_ = std::make_unique<ScriptedProvider>(std::move(snapshot), std::nullopt, std::nullopt, names);
     provider = ownProvider_.get();
     provider->loop = &loop;
+    auto ownWindowServer = std::make_unique<ScriptedWindowServer>(*provider);
     auto ownWorkspace = std::make_unique<ScriptedWorkspace>();
     auto ownActivator = std::make_unique<ScriptedActivator>(*provider);
     auto ownPublisher = std::make_unique<RecordingPublisher>();
     screens = ownScreens.get();
+    windowServer = ownWindowServer.get();
     workspace = ownWorkspace.get();
     activator = ownActivator.get();
     publisher = ownPublisher.get();
     platform.name = "scripted";
     platform.screens = std::move(ownScreens);
+    platform.windowServer = std::move(ownWindowServer);
     platform.workspace = std::move(ownWorkspace);
     platform.spaceActivator = std::move(ownActivator);
     platform.namePublisher = std::move(ownPublisher);

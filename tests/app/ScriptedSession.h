@@ -35,6 +35,21 @@ public:
     int readings = 0;
 };
 
+/// Answers the quick probes from the provider, and counts them.
+class ScriptedWindowServer : public WindowServer {
+public:
+    explicit ScriptedWindowServer(ScriptedProvider& provider) : provider_(provider) {}
+    PropertyList managedDisplaySpaces() override { throw SpaceKitError::enumerationFailed(); }
+    std::optional<SpaceID> currentSpace(const DisplayID& display) override;
+    std::optional<bool> isAnimating(const DisplayID&) override { return std::nullopt; }
+    std::optional<std::string> activeMenuBarDisplay() override { return std::nullopt; }
+
+    int probes = 0;
+
+private:
+    ScriptedProvider& provider_;
+};
+
 class ScriptedWorkspace : public Workspace {
 public:
     async::Subscription observe(std::function<void(WorkspaceEvent)> onEvent) override {
@@ -101,6 +116,7 @@ public:
     async::TestLoop loop;
     Platform platform;
     ScriptedProvider* provider = nullptr;
+    ScriptedWindowServer* windowServer = nullptr;
     ScriptedWorkspace* workspace = nullptr;
     ScriptedScreens* screens = nullptr;
     ScriptedActivator* activator = nullptr;
