@@ -1,0 +1,111 @@
+#pragma once
+
+#include "core/async/TestLoop.h"
+#include "core/model/SnapshotSpaceProvider.h"
+#include "core/switching/SpaceSwitching.h"
+#include "core/switching/SwitchError.h"
+#include "core/switching/SwitchVerifier.h"
+#include "tests/model/Layouts.h"
+
+#include <exception>
+#include <functional>
+#include <gtest/gtest.h>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace lumnara::testing {
+
+/// A recorded layout that counts its readings and fails while `failure` is set.
+class ScriptedProvider : public SnapshotSpaceProvider {
+public:
+    using SnapshotSpaceProvider::SnapshotSpaceProvider;
+
+    SpaceSnapshot snapshot() override {
+        ++readings;
+        if (failure) std::rethrow_exception(failure);
+        return current;
+    }
+    void show(const std::string& display, std::uint64_t space) {
+        for (DisplaySpaces& shown : current.displays)
+            if (shown.display.uuid == display) shown.currentID = {space};
+    }
+
+    int readings = 0;
+    std::exception_ptr failure;
+};
+
+/// A desktop with the uuid "U<id>"; 1 has none.
+inline Space desktop(std::uint64_t id) { return makeSpace(id, id == 1 ? "" : "U" + std::to_string(id)); }
+
+/// "D1" with the desktops 1, 2 and 3, and "D2" with 4 and 5; 1 and 4 are shown.
+inline SpaceSnapshot twoDisplays(Date takenAt = {}) {
+    return {{makeDisplay("D1", {desktop(1), desktop(2), desktop(3)}),
+             makeDisplay("D2", {desktop(4), desktop(5)})},
+            takenAt};
+}
+
+/// How a task ended.
+struct Outcome {
+    std::optional<SwitchResult> result;
+    std::exception_ptr error;
+
+    bool ended() const { return result.has_value() || error != nullptr; }
+    std::optional<SwitchError> switchError() const {
+        if (!error) return std::nullopt;
+        try {
+            std::rethrow_exception(error);
+        } catch (const SwitchError& caught) {
+            return caught;
+        } catch (...) {
+            return std::nullopt;
+        }
+    }
+    bool failedWith(SwitchError::Case which) const { return switchError() == SwitchError(which); }
+    template <class E> bool failedWithA() const {
+        if (!error) return false;
+        try {
+            std::rethrow_exception(error);
+        } catch (const E&) {
+            return true;
+        } catch (...) {
+            return false;
+        }
+    }
+};
+
+inline async::Task<> noteOutcome(async::Task<SwitchResult> task, Outcome& outcome) {
+    try {
+        const SwitchResult result = co_await std::move(task);
+        outcome.result = result;
+    } catch (...) {
+        outcome.error = std::current_exception();
+    }
+}
+
+/// Runs a switch to its end.
+inline Outcome finish(async::TestLoop& loop, async::Task<SwitchResult> task) {
+    Outcome outcome;
+    const auto handle = async::spawn(loop, noteOutcome(std::move(task), outcome));
+    loop.runUntilDone();
+    EXPECT_TRUE(outcome.ended());
+    return outcome;
+}
+
+/// Sets the verifier's probes for a test and takes them away again.
+class Probes {
+public:
+    explicit Probes(std::function<std::optional<SpaceID>(const DisplayID&)> currentSpace,
+                    std::function<std::optional<bool>(const DisplayID&)> isAnimating = {}) {
+        SwitchVerifier::currentSpaceReader = std::move(currentSpace);
+        SwitchVerifier::animationReader = std::move(isAnimating);
+    }
+    Probes(const Probes&) = delete;
+    ~Probes() {
+        SwitchVerifier::currentSpaceReader = {};
+        SwitchVerifier::animationReader = {};
+    }
+};
+
+} // namespace lumnara::testing
