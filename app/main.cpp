@@ -1,1 +1,135 @@
-int main() { return 0; }
+// Chooses the platform that the session offers, builds AppState on it, then the surfaces.
+
+#include "app/AppState.h"
+#include "app/qt/QtDriver.h"
+#include "app/qt/Surfaces.h"
+#include "core/async/PollLoop.h"
+#include "core/base/Log.h"
+#include "core/platform/LiveSpaceProvider.h"
+#include "core/platform/WindowManagerError.h"
+#include "core/platform/linux/FolderLock.h"
+#include "core/platform/linux/TerminationSignals.h"
+#include "core/platform/linux/XdgFolders.h"
+#include "core/platform/wmipc/WmIpcPlatform.h"
+#include "core/platform/x11/X11Platform.h"
+#include "core/text/Text.h"
+
+#include <QApplication>
+#include <fmt/format.h>
+
+#include <array>
+#include <cstdlib>
+#include <stdexcept>
+
+namespace {
+
+using namespace lumnara;
+
+enum class WindowSystem { x11, sway };
+
+/// Which window system to draw on. Throws WindowManagerError::noDisplay when none answers; a toolkit that
+/// finds none would end the program without a word.
+WindowSystem chooseWindowSystem(const Environment& environment) {
+    if (environment.get("WAYLAND_DISPLAY") && swayAnswers(environment)) return WindowSystem::sway;
+    async::PollLoop probe;
+    X11Session(probe, environment);
+    return WindowSystem::x11;
+}
+
+/// The best platform of the session. Throws WindowManagerError when no window manager knows desktops.
+Platform choosePlatform(async::Loop& loop, WindowSystem windowSystem, const Environment& environment,
+                        const std::filesystem::path& folder) {
+    if (windowSystem == WindowSystem::sway) return swayPlatform(loop, environment, folder);
+
+    const auto x11 = std::make_shared<X11Session>(loop, environment);
+    if (x11->i3Socket()) {
+        Platform platform = i3Platform(
+            loop, environment, folder, [x11] { return x11->i3Socket(); },
+            [x11](const std::string& connector) { return x11->displayIdentity(connector); });
+        platform.screens = x11->screens();
+        platform.globalShortcuts = x11->globalShortcuts();
+        return platform;
+    }
+    if (x11->ewmhWindowManager()) return x11->ewmhPlatform(folder);
+    throw WindowManagerError(WindowManagerError::Case::noWindowManager, {});
+}
+
+/// The shortcuts that open the Board, the preferred one first.
+struct BoardShortcut {
+    Shortcut shortcut;
+    const char* name;
+};
+constexpr std::array boardShortcuts = {
+    BoardShortcut{{KeyCode::digit1, {.option = true}}, "Option+1"},
+    BoardShortcut{{KeyCode::digit1, {.option = true, .command = true}}, "Option+Command+1"},
+};
+
+/// Binds the first shortcut that nobody else holds; its name, or nothing.
+std::optional<std::string> bindBoardShortcut(Platform& platform, QuickSwitcherController& board) {
+    if (!platform.globalShortcuts) return std::nullopt;
+    for (const auto& [shortcut, name] : boardShortcuts) {
+        const auto status =
+            platform.globalShortcuts->bind("quickSwitcher", shortcut, [&board] { board.toggle(); });
+        if (status != ShortcutStatus::active) continue;
+        board.toggleShortcut = shortcut;
+        return name;
+    }
+    return std::nullopt;
+}
+
+void announceBoardShortcut(const std::optional<std::string>& bound, Notices& notices) {
+    const std::string wanted = boardShortcuts.front().name;
+    if (!bound) {
+        notices.show(wanted + " is used by another program. Open the Board from the tray icon.");
+    } else if (*bound != wanted) {
+        notices.show(wanted + " is used by another program. " + *bound + " opens the Board instead.");
+    }
+}
+
+int run(int& count, char** arguments) {
+    const Environment environment = Environment::ofProcess();
+    const XdgFolders folders = XdgFolders::of(environment);
+    const WindowSystem windowSystem = chooseWindowSystem(environment);
+    const auto lock = FolderLock::acquire(folders.data);
+    if (!lock) throw std::runtime_error("Lumnara is already running.");
+
+    // The toolkit has to draw on the window system whose desktops we drive.
+    ::setenv("QT_QPA_PLATFORM", windowSystem == WindowSystem::sway ? "wayland" : "xcb", 0);
+    QApplication::setApplicationName("lumnara");
+    QApplication::setApplicationDisplayName("Lumnara");
+    QApplication application(count, arguments);
+    QtDriver driver;
+    async::Loop loop(driver);
+    driver.attach(loop);
+    text::warmUp();
+
+    Platform platform = choosePlatform(loop, windowSystem, environment, folders.data);
+    AppState state(loop, platform,
+                   std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens),
+                   folders.data);
+    Surfaces surfaces(state);
+    surfaces.onQuit = [] { QApplication::quit(); };
+    const TerminationSignals signals(loop, [] { QApplication::quit(); });
+
+    const auto shortcut = bindBoardShortcut(platform, surfaces.board());
+    announceBoardShortcut(shortcut, state.notices());
+    log(fmt::format("Lumnara: ready on {}, {} desktops on {} displays, Board on {}", platform.name,
+                    state.catalog().desktops().size(), state.catalog().displays->size(),
+                    shortcut.value_or("the tray icon")));
+
+    const int status = QApplication::exec();
+    surfaces.board().close();
+    state.stop();
+    return status;
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    try {
+        return run(count, arguments);
+    } catch (const std::exception& failure) {
+        log(std::string("Lumnara: ") + failure.what());
+        return EXIT_FAILURE;
+    }
+}
