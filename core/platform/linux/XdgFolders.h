@@ -7,7 +7,7 @@
 namespace lumnara {
 
 /// Where the system keeps its files in a Linux session: the folder "Lumnara" inside the user's base
-/// directories, as the XDG Base Directory Specification places them. None is created here.
+/// directories, where the XDG base directories are. None is created here.
 struct XdgFolders {
     std::filesystem::path data;   ///< what the user made: names, automations, notes, times
     std::filesystem::path config; ///< settings
