@@ -304,10 +304,13 @@ TEST_F(RandomWalk, NewUuidsKeepTheNames) {
                 if (!space.uuid.empty() && chance(70)) space.uuid = "U" + std::to_string(++lastID_);
         look();
         catalog->refresh();
-        for (const Desktop& desktop : catalog->desktops())
-            if (const auto named = nameOf.find(desktop.space.id.raw); named != nameOf.end())
+        for (const Desktop& desktop : catalog->desktops()) {
+            const auto named = nameOf.find(desktop.space.id.raw);
+            if (named != nameOf.end()) {
                 ASSERT_EQ(desktop.displayName(), named->second) << "seed " << seed;
-        EXPECT_TRUE(catalog->orphans->empty());
+            }
+        }
+        ASSERT_TRUE(catalog->orphans->empty());
     }
 }
 
