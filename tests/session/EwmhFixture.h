@@ -41,9 +41,10 @@ struct EwmhFixture {
             if (now.spaces[i].id == now.currentID) return i;
         return now.spaces.size();
     }
-    /// Activates a desktop and returns once the activator has; gives its failure.
-    std::optional<WindowManagerError> activate(std::size_t index) {
-        Switch change{desktops().spaces.at(index), {"Main"}};
+    /// Activates a desktop and returns once the activator has; gives the sentence of its failure.
+    std::string activate(std::size_t index) { return activate(desktops().spaces.at(index)); }
+    std::string activate(const Space& target) {
+        Switch change{target, {"Main"}};
         const auto handle = async::spawn(loop, run(*platform.spaceActivator, change));
         EXPECT_TRUE(runUntil([&] { return change.done; }));
         return change.failure;
@@ -94,13 +95,13 @@ private:
         Space target;
         DisplayID display;
         bool done = false;
-        std::optional<WindowManagerError> failure = std::nullopt;
+        std::string failure = {};
     };
     static async::Task<> run(SpaceActivator& activator, Switch& change) {
         try {
             co_await activator.activate(change.target, change.display);
-        } catch (const WindowManagerError& error) {
-            change.failure = error;
+        } catch (const Failure& error) {
+            change.failure = error.sentence();
         }
         change.done = true;
     }

@@ -110,14 +110,19 @@ TEST(BareServerTest, WaitsForAWindowManager) {
     EXPECT_EQ(at.failure()->which(), Case::noWindowManager);
     at.session.startWindowManager(WindowManager::openbox);
     EXPECT_TRUE(at.runUntil([&] { return !at.events.empty() && at.answers(); }));
-    EXPECT_EQ(at.activate(1), std::nullopt);
+    EXPECT_EQ(at.activate(1), "");
     EXPECT_EQ(at.current(), 1U);
 }
 
 TEST(BareServerTest, FindsTheSocketOfI3) {
     XSession session(WindowManager::i3);
     async::PollLoop loop;
-    EXPECT_EQ(X11Session(loop, Environment(session.environment())).i3Socket(), session.i3Socket());
+    const X11Session x11(loop, Environment(session.environment()));
+    EXPECT_EQ(x11.i3Socket(), session.i3Socket());
+    session.killWindowManager();
+    session.startWindowManager(WindowManager::openbox);
+    EXPECT_NE(session.rootProperty("I3_SOCKET_PATH"), std::nullopt);
+    EXPECT_EQ(x11.i3Socket(), std::nullopt);
 }
 
 } // namespace

@@ -17,11 +17,19 @@ std::vector<std::string> readableNames(const EwmhState& state) {
     return names;
 }
 
+EwmhReading readingOf(std::vector<std::string> uuids, const EwmhState& state) {
+    uuids.resize(state.count);
+    const auto ids = spaceIDsOf(uuids);
+    EwmhReading reading;
+    reading.current = state.current;
+    for (std::size_t i = 0; i < state.count; ++i) reading.desktops.push_back({ids[i], std::move(uuids[i])});
+    return reading;
+}
+
 } // namespace
 
 std::optional<std::size_t> EwmhReading::indexOf(SpaceID id) const {
-    const auto found = std::find_if(desktops.begin(), desktops.end(),
-                                    [id](const EwmhDesktop& desktop) { return desktop.id == id; });
+    const auto found = std::ranges::find(desktops, id, &EwmhDesktop::id);
     if (found == desktops.end()) return std::nullopt;
     return static_cast<std::size_t>(found - desktops.begin());
 }
@@ -32,16 +40,18 @@ EwmhDesktops::EwmhDesktops(const std::shared_ptr<X11Connection>& connection, std
       remembered_(file_.load(connection->loop().date())),
       saved_(remembered_) {}
 
-EwmhReading EwmhDesktops::read() {
-    const auto state = readIdentified();
+const EwmhReading& EwmhDesktops::read() {
+    readIdentified();
     save();
-    std::vector<std::string> uuids;
-    for (std::size_t i = 0; i < state.count; ++i) uuids.push_back(remembered_[i].uuid);
-    const auto ids = spaceIDsOf(uuids);
-    EwmhReading reading;
-    reading.current = state.current;
-    for (std::size_t i = 0; i < state.count; ++i) reading.desktops.push_back({ids[i], std::move(uuids[i])});
-    return reading;
+    return lastReading_;
+}
+
+SpaceID EwmhDesktops::readCurrent() {
+    if (const auto current = root_.readCurrentAlone(); current && *current < lastReading_.desktops.size())
+        lastReading_.current = *current;
+    else
+        read();
+    return lastReading_.desktops[lastReading_.current].id;
 }
 
 bool EwmhDesktops::showNames(const std::map<std::string, std::string>& wanted) {
@@ -61,15 +71,19 @@ EwmhState EwmhDesktops::readIdentified() {
                                    : recalledUuids(remembered_, names, newUuid);
     if (state.uuids != uuids) root_.setUuids(uuids);
 
+    remember(uuids, names);
+    lastReading_ = readingOf(uuids, state);
+    return state;
+}
+
+void EwmhDesktops::remember(const std::vector<std::string>& uuids, const std::vector<std::string>& names) {
     std::vector<RememberedDesktop> desktops;
     for (std::size_t i = 0; i < uuids.size(); ++i) {
-        const auto known = std::find_if(remembered_.begin(), remembered_.end(),
-                                        [&](const auto& desktop) { return desktop.uuid == uuids[i]; });
+        const auto known = std::ranges::find(remembered_, uuids[i], &RememberedDesktop::uuid);
         desktops.push_back(known != remembered_.end() ? *known : RememberedDesktop{uuids[i], {}});
         if (i < names.size()) desktops.back().shown = names[i];
     }
     remembered_ = std::move(desktops);
-    return state;
 }
 
 void EwmhDesktops::save() {

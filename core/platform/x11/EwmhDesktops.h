@@ -17,7 +17,7 @@ struct EwmhDesktop {
 
 /// The one arrangement of desktops that an EWMH window manager keeps for all monitors.
 struct EwmhReading {
-    /// At least one, in the window manager's order.
+    /// In the window manager's order; a reading has at least one.
     std::vector<EwmhDesktop> desktops;
     std::size_t current = 0;
 
@@ -31,8 +31,13 @@ class EwmhDesktops {
 public:
     EwmhDesktops(const std::shared_ptr<X11Connection>& connection, std::filesystem::path memoryFile);
 
-    /// Reads afresh. Throws WindowManagerError.
-    EwmhReading read();
+    /// Reads afresh. The reference holds until the next reading. Throws WindowManagerError.
+    const EwmhReading& read();
+    /// The id of the desktop that is shown now, read afresh, but only as much as may have changed. Throws
+    /// WindowManagerError.
+    SpaceID readCurrent();
+    /// The last reading; no desktops before the first. The reference holds until the next one.
+    const EwmhReading& lastReading() const { return lastReading_; }
     /// Shows the user's names (by uuid) in place of the window manager's own, and those again where a name
     /// was withdrawn. Returns whether anything had to be changed. Throws WindowManagerError.
     bool showNames(const std::map<std::string, std::string>& wanted);
@@ -41,6 +46,7 @@ public:
 
 private:
     EwmhState readIdentified();
+    void remember(const std::vector<std::string>& uuids, const std::vector<std::string>& names);
     void save();
 
     EwmhRoot root_;
@@ -48,6 +54,7 @@ private:
     /// Parallel to the uuids of the root property.
     std::vector<RememberedDesktop> remembered_;
     std::vector<RememberedDesktop> saved_;
+    EwmhReading lastReading_;
 };
 
 } // namespace lumnara

@@ -17,14 +17,13 @@ constexpr std::size_t mostDesktops = 1000;
 
 EwmhRoot::EwmhRoot(std::shared_ptr<X11Connection> connection)
     : connection_(std::move(connection)),
-      windowDestroyed_(connection_->windowDestroyed.subscribe([this](xcb_window_t window) {
-          // The next window manager's may have the same id and is another window all the same.
-          if (window == checkWindow_) checkWindow_ = XCB_WINDOW_NONE;
-      })) {}
+      arrived_(connection_->arrived.subscribe([this](const auto& event) { noteArrival(event); })) {}
 
 EwmhState EwmhRoot::read() {
     auto& x = *connection_;
     const auto& atoms = x.atoms();
+    const auto changes = changes_;
+    changesRead_.reset();
     const auto checkCookie = x.requestProperty(x.root(), atoms.netSupportingWmCheck);
     const auto countCookie = x.requestProperty(x.root(), atoms.netNumberOfDesktops);
     const auto currentCookie = x.requestProperty(x.root(), atoms.netCurrentDesktop);
@@ -51,7 +50,33 @@ EwmhState EwmhRoot::read() {
     state.current = current.empty() ? 0 : std::min<std::size_t>(current[0], state.count - 1);
     if (names) state.names = splitNulList(*names);
     if (uuids) state.uuids = splitNulList(*uuids);
+    changesRead_ = changes;
     return state;
+}
+
+std::optional<std::size_t> EwmhRoot::readCurrentAlone() {
+    if (changesRead_ != changes_) return std::nullopt;
+    const auto& x = *connection_;
+    const auto current = connection_->items(x.requestProperty(x.root(), x.atoms().netCurrentDesktop));
+    // A change before the reply has arrived before it.
+    if (changesRead_ != changes_ || current.empty()) return std::nullopt;
+    return current[0];
+}
+
+void EwmhRoot::noteArrival(const xcb_generic_event_t& event) {
+    const auto type = event.response_type & 0x7FU;
+    if (type == XCB_DESTROY_NOTIFY &&
+        reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window == checkWindow_) {
+        // The next window manager's may have the same id and is another window all the same.
+        checkWindow_ = XCB_WINDOW_NONE;
+        ++changes_;
+    }
+    if (type != XCB_PROPERTY_NOTIFY) return;
+    const auto& atoms = connection_->atoms();
+    const auto atom = reinterpret_cast<const xcb_property_notify_event_t&>(event).atom;
+    if (atom == atoms.netSupportingWmCheck || atom == atoms.netNumberOfDesktops ||
+        atom == atoms.lumnaraDesktopUuids)
+        ++changes_;
 }
 
 EwmhRoot::WindowManagerCookies EwmhRoot::askWindowManager() const {

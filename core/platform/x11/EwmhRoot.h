@@ -30,6 +30,9 @@ public:
     /// no window manager that tells of desktops, or no X server. From then on the connection tells of the
     /// window manager's end by windowDestroyed.
     EwmhState read();
+    /// The current desktop by a quicker round trip, not clamped; nothing when more may have changed since the
+    /// last reading and it takes a whole one. Throws as read().
+    std::optional<std::size_t> readCurrentAlone();
     /// The name that the window manager gave itself at the last reading; empty before the first.
     const std::string& windowManager() const { return windowManager_; }
 
@@ -47,12 +50,17 @@ private:
     WindowManagerCookies askWindowManager() const;
     bool windowManagerAnswers(WindowManagerCookies cookies);
     [[noreturn]] void reportAway();
+    void noteArrival(const xcb_generic_event_t& event);
 
     std::shared_ptr<X11Connection> connection_;
     /// The window whose end is the end of the window manager; none before the first reading and after it.
     xcb_window_t checkWindow_ = XCB_WINDOW_NONE;
     std::string windowManager_;
-    async::Subscription windowDestroyed_;
+    /// Counts the changes that make a reading old: all but those of names and the current desktop.
+    std::uint64_t changes_ = 0;
+    /// `changes_` as the last reading began; nothing when it failed.
+    std::optional<std::uint64_t> changesRead_;
+    async::Subscription arrived_;
 };
 
 } // namespace lumnara

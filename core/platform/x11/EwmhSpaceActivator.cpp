@@ -1,6 +1,6 @@
 #include "core/platform/x11/EwmhSpaceActivator.h"
 
-#include "core/platform/WindowManagerError.h"
+#include "core/switching/SwitchError.h"
 
 namespace lumnara {
 
@@ -8,6 +8,11 @@ namespace {
 
 /// A window manager announces a change within a millisecond; one that takes this long hangs or refuses.
 constexpr double patience = 0.3;
+
+bool isHidden(const EwmhReading& reading, SpaceID desktop) {
+    const auto index = reading.indexOf(desktop);
+    return index && *index != reading.current;
+}
 
 } // namespace
 
@@ -20,11 +25,12 @@ EwmhSpaceActivator::EwmhSpaceActivator(std::shared_ptr<X11Connection> connection
       })) {}
 
 async::Task<> EwmhSpaceActivator::activate(const Space& target, const DisplayID&) {
-    const auto reading = desktops_->read();
+    // Whoever switches has just read what the display shows, and reads again to see the switch land: one
+    // more reading in between would only cost time.
+    const bool isKnownHidden = isHidden(desktops_->lastReading(), target.id);
+    const auto& reading = isKnownHidden ? desktops_->lastReading() : desktops_->read();
     const auto index = reading.indexOf(target.id);
-    if (!index)
-        throw WindowManagerError(WindowManagerError::Case::refused, desktops_->root().windowManager(),
-                                 "the desktop is gone");
+    if (!index) throw SwitchError(SwitchError::Case::targetNotInSnapshot);
     // Nothing is announced when nothing changes.
     if (*index == reading.current) co_return;
     desktops_->root().requestDesktop(*index);

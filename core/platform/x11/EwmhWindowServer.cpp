@@ -5,7 +5,7 @@
 namespace lumnara {
 
 PropertyList EwmhWindowServer::managedDisplaySpaces() {
-    const auto reading = desktops_->read();
+    const auto& reading = desktops_->read();
     PropertyArray spaces;
     for (const auto& desktop : reading.desktops)
         spaces.emplace_back(PropertyDictionary{
@@ -19,8 +19,7 @@ PropertyList EwmhWindowServer::managedDisplaySpaces() {
 std::optional<SpaceID> EwmhWindowServer::currentSpace(const DisplayID& display) {
     if (!display.isMain()) return std::nullopt;
     try {
-        const auto reading = desktops_->read();
-        return reading.desktops[reading.current].id;
+        return desktops_->readCurrent();
     } catch (const Failure&) {
         return std::nullopt;
     }

@@ -103,7 +103,7 @@ void* X11Connection::awaitReply(unsigned sequence) {
     }
     std::free(error);
     // What came along with the reply has left the socket, so nothing else would wake us for it.
-    while (auto* event = xcb_poll_for_queued_event(xcb())) pending_.emplace_back(event);
+    while (auto* event = xcb_poll_for_queued_event(xcb())) enqueue(event);
     if (!pending_.empty() && !wake_.parked()) loop_.ready(wake_);
     if (xcb_connection_has_error(xcb())) {
         std::free(answer);
@@ -148,7 +148,9 @@ void X11Connection::setText(xcb_window_t window, xcb_atom_t property, std::strin
 
 void X11Connection::dispatch() {
     const auto self = shared_from_this(); // a subscriber may let the last other owner go
-    while (auto* event = xcb_poll_for_event(xcb())) pending_.emplace_back(event);
+    // What the first reading of the socket leaves there wakes us again.
+    for (auto* event = xcb_poll_for_event(xcb()); event != nullptr; event = xcb_poll_for_queued_event(xcb()))
+        enqueue(event);
     const bool gone = xcb_connection_has_error(xcb()) != 0 && watch_ != nullptr;
     if (pending_.empty() && !gone) return;
     while (!pending_.empty()) {
@@ -161,6 +163,11 @@ void X11Connection::dispatch() {
         lost.emit();
     }
     batchEnded.emit();
+}
+
+void X11Connection::enqueue(xcb_generic_event_t* event) {
+    pending_.emplace_back(event);
+    arrived.emit(*event);
 }
 
 void X11Connection::deliver(const xcb_generic_event_t& event) {

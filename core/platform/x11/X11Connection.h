@@ -54,6 +54,11 @@ public:
     std::vector<std::uint32_t> items(xcb_get_property_cookie_t cookie);
     void setText(xcb_window_t window, xcb_atom_t property, std::string_view bytes) const;
 
+    /// An event has come in and is yet to be delivered by the signals below; perhaps within a reading. The
+    /// server sends events before the reply to a later request, so a cache that listens here is never older
+    /// than a reply.
+    async::Signal<const xcb_generic_event_t&> arrived;
+
     async::Signal<const xcb_property_notify_event_t&> propertyChanged;
     /// A window whose structure events somebody has asked for.
     async::Signal<xcb_window_t> windowDestroyed;
@@ -62,7 +67,7 @@ public:
     async::Signal<> monitorsChanged;
     /// The server has gone, and the session with it.
     async::Signal<> lost;
-    /// After the signals above, once for each batch of events.
+    /// After the others, once for each batch of events.
     async::Signal<> batchEnded;
 
 private:
@@ -79,6 +84,7 @@ private:
     void selectEvents();
     void* awaitReply(unsigned sequence);
     void dispatch();
+    void enqueue(xcb_generic_event_t* event);
     void deliver(const xcb_generic_event_t& event);
 
     async::Loop& loop_;

@@ -35,6 +35,8 @@ std::optional<std::string> X11Session::ewmhWindowManager() const {
 }
 
 std::optional<std::string> X11Session::i3Socket() const {
+    // An i3 that was killed leaves its property to the window manager that comes after it.
+    if (ewmhWindowManager().value_or("i3") != "i3") return std::nullopt;
     try {
         return connection_->text(
             connection_->requestProperty(connection_->root(), connection_->atoms().i3SocketPath));

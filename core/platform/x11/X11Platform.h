@@ -22,7 +22,7 @@ public:
 
     /// The name of the EWMH window manager that tells of desktops here; nothing when there is none.
     std::optional<std::string> ewmhWindowManager() const;
-    /// Where i3 on this display listens; nothing when it isn't the window manager.
+    /// Where the i3 of this display listens; nothing when there is none or another window manager runs.
     std::optional<std::string> i3Socket() const;
 
     /// A whole platform on the EWMH window manager, also one that is yet to come: until then its readings
