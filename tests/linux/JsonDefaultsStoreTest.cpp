@@ -212,6 +212,19 @@ TEST_F(JsonDefaultsStoreTest, AChangeOfOursThatIsNotYetSavedHoldsAgainstAReading
     EXPECT_EQ(onDisk(), json({{"a", "ours"}, {"b", 1}}));
 }
 
+TEST_F(JsonDefaultsStoreTest, HearsOfChangesInAFolderThatItMadeItself) {
+    const fs::path later = folder.path() / "new" / "settings.json";
+    JsonDefaultsStore store(loop, later);
+    store.set("a", std::int64_t{1});
+    store.saveNow();
+    replaceFile(later, R"({"a": 2})"); // right behind our write, before we watch
+    loop.runUntilIdle();
+    EXPECT_EQ(store.get<std::int64_t>("a"), 2);
+    replaceFile(later, R"({"a": 3})");
+    loop.runUntilIdle();
+    EXPECT_EQ(store.get<std::int64_t>("a"), 3);
+}
+
 TEST_F(JsonDefaultsStoreTest, FollowsASymbolicLink) {
     fs::create_directory(folder / "dotfiles");
     const fs::path target = folder.path() / "dotfiles" / "lumnara.json";
@@ -273,28 +286,24 @@ TEST_F(JsonDefaultsStoreTest, AFileThatBreaksOrGoesMeanwhileLeavesTheSettings) {
 }
 
 TEST_F(JsonDefaultsStoreTest, AFileThatCannotBeReadIsNeverWrittenOver) {
+    async::PollLoop real;
     fs::create_directory(file); // for the superuser too
-    {
-        JsonDefaultsStore store(loop, file);
-        ASSERT_TRUE(store.loadError());
-        EXPECT_EQ(
-            store.loadError()->sentence(),
-            "settings.json could not be read: Is a directory. Settings are not being saved until it can.");
-        store.set("a", true);
-        EXPECT_EQ(store.get<bool>("a"), true);
-        settle(store);
-        EXPECT_EQ(log.take(), (std::vector<std::string>{"Lumnara settings: not saved: read " + file.string() +
-                                                        ": Is a directory"}));
-        EXPECT_TRUE(fs::is_directory(file));
+    JsonDefaultsStore store(real, file);
+    ASSERT_TRUE(store.loadError());
+    EXPECT_EQ(store.loadError()->sentence(),
+              "settings.json could not be read: Is a directory. Settings are not being saved until it can.");
+    store.set("a", true);
+    EXPECT_EQ(store.get<bool>("a"), true);
+    store.saveNow();
+    EXPECT_EQ(log.take(), (std::vector<std::string>{"Lumnara settings: not saved: read " + file.string() +
+                                                    ": Is a directory"}));
+    EXPECT_TRUE(fs::is_directory(file));
 
-        // Once it can be read, what was set in the meantime is saved, beside what it holds.
-        fs::remove(file);
-        replaceFile(file, R"({"b": 2})");
-        loop.runUntilIdle();
-        EXPECT_EQ(store.get<std::int64_t>("b"), 2);
-        loop.advance(JsonDefaultsStore::saveDelay);
-    }
-    EXPECT_EQ(onDisk(), json({{"a", true}, {"b", 2}}));
+    // Once it can be read, what was set in the meantime is saved by itself, beside what it holds.
+    fs::remove(file);
+    replaceFile(file, R"({"b": 2})");
+    EXPECT_TRUE(real.runUntil([&] { return onDisk() == json({{"a", true}, {"b", 2}}); }, 10));
+    EXPECT_EQ(store.get<std::int64_t>("b"), 2);
 }
 
 } // namespace

@@ -206,6 +206,7 @@ void JsonDefaultsStore::finishSave(const json& changes) {
         if (const auto still = unsaved_->find(key); still != unsaved_->end() && *still == value)
             unsaved_->erase(still);
     watch_.renew();
+    // What others wrote to these keys right behind our write was so far hidden by ours.
     reload();
 }
 

@@ -65,6 +65,7 @@ private:
     /// What was set here and isn't known to be in the file yet; null stands for a removed key.
     std::unique_ptr<nlohmann::json> unsaved_;
     std::unique_ptr<async::Delayed> pendingSave_;
+    /// Why the file was last not taken over; a file that stays bad is logged once.
     std::string lastTrouble_;
     FileWatch watch_;
     /// By which work that returns from the queue sees that the store is gone.
