@@ -35,7 +35,7 @@ Loop::~Loop() {
         inbox_->driver_ = nullptr;
         dropped.swap(inbox_->items_);
     }
-    // What the dropped work holds may end tasks or post again, so it goes while the loop stands, unlocked.
+    // What the work holds may end tasks and timers or post again: it goes while the loop stands, unlocked.
     dropped.clear();
     arrived_.clear();
     while (hasRoots()) {
