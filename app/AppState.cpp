@@ -10,6 +10,13 @@
 
 namespace lumnara {
 
+namespace {
+
+/// Long enough to read a path.
+constexpr double startReportSeconds = 15;
+
+} // namespace
+
 AppState::AppState(async::Loop& loop, Platform& platform, std::unique_ptr<SpaceProvider> provider,
                    const std::filesystem::path& dataFolder)
     : loop_(loop),
@@ -62,8 +69,9 @@ void AppState::reportStart() {
         notices_.show(
             fmt::format("Your desktop names could not be read. The file was damaged. It was kept at {} "
                         "and Lumnara started with an empty list.",
-                        kept->string()));
-    if (const auto& error = store_.loadError()) notices_.show(error->sentence());
+                        kept->string()),
+            startReportSeconds);
+    if (const auto& error = store_.loadError()) notices_.show(error->sentence(), startReportSeconds);
 }
 
 /// The order is a promise: each step may rely on what the ones before it have learnt of the reading.

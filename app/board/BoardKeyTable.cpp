@@ -10,13 +10,13 @@ namespace lumnara {
 
 namespace {
 
-using Kind = KeyEffect::Kind;
+using EffectKind = KeyEffect::Kind;
 
-KeyEffect effect(Kind kind) { return {kind, std::nullopt}; }
+KeyEffect effect(EffectKind kind) { return {kind, std::nullopt}; }
 
 KeyEffect switchTo(std::optional<Desktop> desktop) {
-    if (!desktop) return effect(Kind::done);
-    return {Kind::switches, std::move(desktop)};
+    if (!desktop) return effect(EffectKind::done);
+    return {EffectKind::switches, std::move(desktop)};
 }
 
 bool isPrintable(const std::string& typed) {
@@ -33,8 +33,8 @@ KeyEffect applyEscape(QuickSwitcherModel& model) {
     else if (model.expandedKey())
         model.toggleExpanded();
     else
-        return effect(Kind::closesBoard);
-    return effect(Kind::done);
+        return effect(EffectKind::closesBoard);
+    return effect(EffectKind::done);
 }
 
 KeyEffect applyReturn(const KeyPress& press, QuickSwitcherModel& model) {
@@ -45,35 +45,35 @@ KeyEffect applyReturn(const KeyPress& press, QuickSwitcherModel& model) {
     } else if (model.selectedKey()) {
         model.beginRename(*model.selectedKey());
     }
-    return effect(Kind::done);
+    return effect(EffectKind::done);
 }
 
 KeyEffect applyDelete(const KeyPress& press, QuickSwitcherModel& model) {
     if (model.renamingKey()) {
         model.setRenameText(std::string(text::withoutLast(model.renameText())));
     } else if (press.modifiers.command) {
-        // Asks to delete the desktop where it can be deleted; there the query has to survive the question.
+        // Where the desktop can be deleted the key means that, and leaves the query alone.
         if (!model.selectionCanBeDeleted()) model.setQuery({});
     } else if (!model.query().empty()) {
         model.setQuery(std::string(text::withoutLast(model.query())));
     } else {
-        return effect(Kind::fallsThrough);
+        return effect(EffectKind::fallsThrough);
     }
-    return effect(Kind::done);
+    return effect(EffectKind::done);
 }
 
 KeyEffect applyText(const KeyPress& press, QuickSwitcherModel& model) {
     if (press.modifiers.command || press.modifiers.control || !isPrintable(press.text))
-        return effect(Kind::fallsThrough);
+        return effect(EffectKind::fallsThrough);
     if (model.renamingKey()) {
         model.setRenameText(model.renameText() + press.text);
-        return effect(Kind::done);
+        return effect(EffectKind::done);
     }
     const bool isDigit = press.text.size() == 1 && press.text[0] >= '1' && press.text[0] <= '9';
     if (isDigit && model.query().empty())
         if (auto desktop = model.desktopAtDigit(press.text[0] - '0')) return switchTo(std::move(desktop));
     model.setQuery(model.query() + press.text);
-    return effect(Kind::done);
+    return effect(EffectKind::done);
 }
 
 /// The keys that move about while no name is being edited; a field has uses of its own for them.
@@ -99,11 +99,11 @@ bool applyMove(KeyCode key, QuickSwitcherModel& model) {
 
 KeyEffect applyCommand(const KeyPress& press, QuickSwitcherModel& model) {
     switch (*press.key) {
-    case KeyCode::d: model.toggleDimmed(); return effect(Kind::done);
+    case KeyCode::d: model.toggleDimmed(); return effect(EffectKind::done);
     case KeyCode::a: // there is nothing to select all of
-        return effect(Kind::done);
-    case KeyCode::w: return effect(Kind::closesBoard);
-    default: return effect(Kind::fallsThrough);
+        return effect(EffectKind::done);
+    case KeyCode::w: return effect(EffectKind::closesBoard);
+    default: return effect(EffectKind::fallsThrough);
     }
 }
 
@@ -116,11 +116,11 @@ KeyEffect applyKey(const KeyPress& press, QuickSwitcherModel& model) {
     case KeyCode::returnKey:
     case KeyCode::keypadEnter: return applyReturn(press, model);
     case KeyCode::deleteKey: return applyDelete(press, model);
-    case KeyCode::up: model.moveSelection(0, -1); return effect(Kind::done);
-    case KeyCode::down: model.moveSelection(0, 1); return effect(Kind::done);
+    case KeyCode::up: model.moveSelection(0, -1); return effect(EffectKind::done);
+    case KeyCode::down: model.moveSelection(0, 1); return effect(EffectKind::done);
     default: break;
     }
-    if (!model.renamingKey() && applyMove(*press.key, model)) return effect(Kind::done);
+    if (!model.renamingKey() && applyMove(*press.key, model)) return effect(EffectKind::done);
     return press.modifiers.command ? applyCommand(press, model) : applyText(press, model);
 }
 

@@ -53,11 +53,11 @@ void QuickSwitcherController::open() {
                                     [&](const ScreenInfo& s) { return s.uuid == panel->screen.uuid; });
     });
     const std::vector<ScreenInfo> chosen = chooseScreens();
+    if (!chosen.empty()) lastPointer_ = state_.platform().screens->pointer();
     for (const ScreenInfo& screen : chosen) putUp(screen, chosen.size() > 1);
     if (isOpen()) giveKeyboard(panelUnderPointer());
     logOpening();
     if (!isOpen()) return;
-    lastPointer_ = state_.platform().screens->pointer();
     if (Workspace* workspace = state_.platform().workspace.get())
         screensChanged_ = workspace->observe([this](WorkspaceEvent event) { receive(event); });
     state_.catalog().startRefreshTimer(refreshSeconds);

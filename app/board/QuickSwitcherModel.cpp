@@ -111,8 +111,12 @@ void QuickSwitcherModel::collectTiles() {
         candidates_ = std::move(now);
         index_ = MatchIndex(candidates_);
     }
-    context_ = {catalog_.provider().cursorDisplay(), catalog_.provider().menuBarDisplay(), false,
-                MatchContext::Mode::filter};
+    context_ = MatchContext();
+    context_.mode = MatchContext::Mode::filter;
+    // Among the desktops of one display its rank decides nothing, and the answers may take a while.
+    if (scope_) return;
+    context_.cursorDisplay = catalog_.provider().cursorDisplay();
+    context_.menuBarDisplay = catalog_.provider().menuBarDisplay();
 }
 
 void QuickSwitcherModel::applyQuery() {

@@ -9,9 +9,9 @@ namespace lumnara {
 
 namespace {
 
-using Kind = DesktopMenuItem::Kind;
+using LineKind = DesktopMenuItem::Kind;
 
-DesktopMenuItem line(Kind kind, std::string title = {}) {
+DesktopMenuItem line(LineKind kind, std::string title = {}) {
     DesktopMenuItem item;
     item.kind = kind;
     item.title = std::move(title);
@@ -27,7 +27,7 @@ std::optional<std::string> colorOf(const Desktop& desktop) {
 }
 
 DesktopMenuItem lineFor(const Desktop& desktop) {
-    DesktopMenuItem item = line(Kind::desktop, desktop.displayName());
+    DesktopMenuItem item = line(LineKind::desktop, desktop.displayName());
     item.isCurrent = desktop.isCurrent;
     item.isDimmed = desktop.record && desktop.record->isDimmed;
     item.color = colorOf(desktop);
@@ -40,17 +40,17 @@ DesktopMenuItem lineFor(const Desktop& desktop) {
 std::vector<DesktopMenuItem> desktopMenu(const DesktopCatalog& catalog) {
     std::vector<DesktopMenuItem> menu;
     if (const auto& unreadable = catalog.lastError.get()) {
-        menu.push_back(line(Kind::message, unreadable->sentence));
-        menu.push_back(line(Kind::separator));
+        menu.push_back(line(LineKind::message, unreadable->sentence));
+        menu.push_back(line(LineKind::separator));
     }
     const std::vector<DisplayDesktops>& displays = catalog.displays.get();
     for (const DisplayDesktops& display : displays) {
-        if (displays.size() > 1) menu.push_back(line(Kind::header, display.name));
+        if (displays.size() > 1) menu.push_back(line(LineKind::header, display.name));
         for (const Desktop& desktop : display.desktops) menu.push_back(lineFor(desktop));
-        menu.push_back(line(Kind::separator));
+        menu.push_back(line(LineKind::separator));
     }
-    menu.push_back(line(Kind::openBoard, "Open Board"));
-    menu.push_back(line(Kind::quit, "Quit"));
+    menu.push_back(line(LineKind::openBoard, "Open Board"));
+    menu.push_back(line(LineKind::quit, "Quit"));
     return menu;
 }
 

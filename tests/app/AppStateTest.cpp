@@ -8,10 +8,6 @@
 namespace lumnara::testing {
 namespace {
 
-using Texts = std::vector<std::string>;
-
-std::vector<DisplaySpaces> twoDisplays() { return {displayOf("A", 3, 1), displayOf("B", 2, 11)}; }
-
 /// What the two callbacks told: "to <key>" for a switch, "on <key>" for the focused desktop.
 class Listener {
 public:

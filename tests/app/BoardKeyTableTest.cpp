@@ -8,7 +8,7 @@
 namespace lumnara::testing {
 namespace {
 
-using Kind = KeyEffect::Kind;
+using EffectKind = KeyEffect::Kind;
 
 constexpr ModifierFlags none{};
 constexpr ModifierFlags shift{.shift = true};
@@ -33,7 +33,7 @@ protected:
         model.open(DisplayID{"A"}, 1280, false);
         model.reset();
     }
-    Kind press(const KeyPress& press) { return applyKey(press, model).kind; }
+    EffectKind press(const KeyPress& press) { return applyKey(press, model).kind; }
     /// The Space key of the desktop that the key switches to; empty for any other effect.
     std::string switchesTo(const KeyPress& press) {
         const KeyEffect effect = applyKey(press, model);
@@ -48,13 +48,13 @@ TEST_F(KeyTable, escapeStepsBackOutOfTheBoard) {
     model.toggleExpanded();
     model.beginRename("A-1");
     model.setRenameText("Post");
-    EXPECT_EQ(press(key(KeyCode::escape, none, "\x1b")), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::escape, none, "\x1b")), EffectKind::done);
     EXPECT_FALSE(model.renamingKey());
     EXPECT_TRUE(model.expandedKey());
     EXPECT_EQ(model.results().front()->displayName(), "Desktop 1");
-    EXPECT_EQ(press(key(KeyCode::escape)), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::escape)), EffectKind::done);
     EXPECT_FALSE(model.expandedKey());
-    EXPECT_EQ(press(key(KeyCode::escape)), Kind::closesBoard);
+    EXPECT_EQ(press(key(KeyCode::escape)), EffectKind::closesBoard);
 }
 
 TEST_F(KeyTable, returnSwitchesOrRenames) {
@@ -62,17 +62,17 @@ TEST_F(KeyTable, returnSwitchesOrRenames) {
         model.reset();
         model.select("A-2");
         EXPECT_EQ(switchesTo(key(enter, none, "\r")), "A-2");
-        EXPECT_EQ(press(key(enter, command, "\r")), Kind::done);
+        EXPECT_EQ(press(key(enter, command, "\r")), EffectKind::done);
         EXPECT_EQ(model.renamingKey(), "A-2");
         model.setRenameText(enter == KeyCode::returnKey ? "Post" : "Mail");
-        EXPECT_EQ(press(key(enter)), Kind::done);
+        EXPECT_EQ(press(key(enter)), EffectKind::done);
         EXPECT_FALSE(model.renamingKey());
     }
     EXPECT_EQ(session.catalog().desktop("A-2")->displayName(), "Mail");
 
     model.setQuery("qqqq");
-    EXPECT_EQ(press(key(KeyCode::returnKey)), Kind::done) << "nothing is selected";
-    EXPECT_EQ(press(key(KeyCode::returnKey, command)), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::returnKey)), EffectKind::done) << "nothing is selected";
+    EXPECT_EQ(press(key(KeyCode::returnKey, command)), EffectKind::done);
     EXPECT_FALSE(model.renamingKey());
 }
 
@@ -84,48 +84,48 @@ TEST_F(KeyTable, movesWithArrowsAndTheirNeighbours) {
         {KeyCode::end, "B-2"},   {KeyCode::pageUp, "A-1"}, {KeyCode::pageDown, "B-2"},
     };
     for (const auto& [code, selected] : steps) {
-        EXPECT_EQ(press(key(code)), Kind::done);
+        EXPECT_EQ(press(key(code)), EffectKind::done);
         EXPECT_EQ(model.selectedKey(), selected) << static_cast<int>(code);
     }
     model.beginRename("A-1");
     for (const KeyCode code :
          {KeyCode::left, KeyCode::right, KeyCode::home, KeyCode::end, KeyCode::pageDown, KeyCode::tab})
-        EXPECT_EQ(press(key(code)), Kind::fallsThrough) << static_cast<int>(code);
-    EXPECT_EQ(press(key(KeyCode::up)), Kind::done);
-    EXPECT_EQ(press(key(KeyCode::down)), Kind::done);
+        EXPECT_EQ(press(key(code)), EffectKind::fallsThrough) << static_cast<int>(code);
+    EXPECT_EQ(press(key(KeyCode::up)), EffectKind::done);
+    EXPECT_EQ(press(key(KeyCode::down)), EffectKind::done);
     EXPECT_EQ(model.renamingKey(), "A-1");
 }
 
 TEST_F(KeyTable, tabGoesRoundTheScopesWhereItCan) {
-    EXPECT_EQ(press(key(KeyCode::tab, none, "\t")), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::tab, none, "\t")), EffectKind::done);
     EXPECT_EQ(model.scope(), "A");
     model.open(DisplayID{"A"}, 1280, true);
-    EXPECT_EQ(press(key(KeyCode::tab, none, "\t")), Kind::fallsThrough);
+    EXPECT_EQ(press(key(KeyCode::tab, none, "\t")), EffectKind::fallsThrough);
     EXPECT_EQ(model.query(), "");
 }
 
 TEST_F(KeyTable, spaceEnlargesOrTypes) {
-    EXPECT_EQ(press(key(KeyCode::space, none, " ")), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::space, none, " ")), EffectKind::done);
     EXPECT_EQ(model.expandedKey(), model.selectedKey());
-    EXPECT_EQ(press(key(KeyCode::space, none, " ")), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::space, none, " ")), EffectKind::done);
     EXPECT_FALSE(model.expandedKey());
     press(typed("m"));
-    EXPECT_EQ(press(key(KeyCode::space, none, " ")), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::space, none, " ")), EffectKind::done);
     EXPECT_EQ(model.query(), "m ");
     EXPECT_FALSE(model.expandedKey());
     model.reset();
     model.beginRename("A-1");
-    EXPECT_EQ(press(key(KeyCode::space, none, " ")), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::space, none, " ")), EffectKind::done);
     EXPECT_EQ(model.renameText(), " ");
 }
 
 TEST_F(KeyTable, deleteTakesOneCharacter) {
-    EXPECT_EQ(press(key(KeyCode::deleteKey, none, "\b")), Kind::fallsThrough) << "nothing to delete";
+    EXPECT_EQ(press(key(KeyCode::deleteKey, none, "\b")), EffectKind::fallsThrough) << "nothing to delete";
     model.setQuery("ma👨‍👩‍👧");
-    EXPECT_EQ(press(key(KeyCode::deleteKey, none, "\b")), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::deleteKey, none, "\b")), EffectKind::done);
     EXPECT_EQ(model.query(), "ma");
     model.beginRename("A-2");
-    EXPECT_EQ(press(key(KeyCode::deleteKey, command)), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::deleteKey, command)), EffectKind::done);
     EXPECT_EQ(model.renameText(), "Mai");
     EXPECT_EQ(model.query(), "ma");
 }
@@ -133,14 +133,14 @@ TEST_F(KeyTable, deleteTakesOneCharacter) {
 TEST_F(KeyTable, commandDeleteClearsTheQueryWhereNothingCanBeDeleted) {
     model.setQuery("mail");
     ASSERT_EQ(model.selectedKey(), "A-2");
-    EXPECT_EQ(press(key(KeyCode::deleteKey, command)), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::deleteKey, command)), EffectKind::done);
     EXPECT_EQ(model.query(), "mail") << "this desktop could be deleted";
 
     auto& displays = session.provider->current.displays;
     displays[0].spaces[1].kind = SpaceKind::fullscreen;
     session.tell();
     model.setQuery("mail");
-    EXPECT_EQ(press(key(KeyCode::deleteKey, command)), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::deleteKey, command)), EffectKind::done);
     EXPECT_EQ(model.query(), "") << "a full-screen tile";
 
     displays[1].spaces.pop_back();
@@ -150,54 +150,54 @@ TEST_F(KeyTable, commandDeleteClearsTheQueryWhereNothingCanBeDeleted) {
     EXPECT_FALSE(model.selectionCanBeDeleted()) << "the only desktop of its display";
 
     model.setQuery("qqqq");
-    EXPECT_EQ(press(key(KeyCode::deleteKey, command)), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::deleteKey, command)), EffectKind::done);
     EXPECT_EQ(model.query(), "") << "no tile at all";
     EXPECT_EQ(session.catalog().desktops().size(), 5u);
 }
 
 TEST_F(KeyTable, knowsItsCommands) {
     model.select("A-2");
-    EXPECT_EQ(press(key(KeyCode::d, command, "d")), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::d, command, "d")), EffectKind::done);
     EXPECT_TRUE(session.catalog().desktop("A-2")->record->isDimmed);
-    EXPECT_EQ(press(key(KeyCode::a, command, "a")), Kind::done);
-    EXPECT_EQ(press(key(KeyCode::w, command, "w")), Kind::closesBoard);
-    EXPECT_EQ(press(key(KeyCode::x, command, "x")), Kind::fallsThrough);
+    EXPECT_EQ(press(key(KeyCode::a, command, "a")), EffectKind::done);
+    EXPECT_EQ(press(key(KeyCode::w, command, "w")), EffectKind::closesBoard);
+    EXPECT_EQ(press(key(KeyCode::x, command, "x")), EffectKind::fallsThrough);
     EXPECT_EQ(model.query(), "");
 }
 
 TEST_F(KeyTable, digitsGoToATileOrAreTyped) {
     EXPECT_EQ(switchesTo(key(KeyCode::digit2, none, "2")), "A-2");
     EXPECT_EQ(switchesTo(key(KeyCode::digit5, shift, "5")), "B-1") << "where the layout has digits on Shift";
-    EXPECT_EQ(press(key(KeyCode::digit2, command, "2")), Kind::fallsThrough);
-    EXPECT_EQ(press(key(KeyCode::digit2, control, "2")), Kind::fallsThrough);
-    EXPECT_EQ(press(key(KeyCode::digit7, none, "7")), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::digit2, command, "2")), EffectKind::fallsThrough);
+    EXPECT_EQ(press(key(KeyCode::digit2, control, "2")), EffectKind::fallsThrough);
+    EXPECT_EQ(press(key(KeyCode::digit7, none, "7")), EffectKind::done);
     EXPECT_EQ(model.query(), "7") << "there is no seventh tile";
-    EXPECT_EQ(press(key(KeyCode::digit2, none, "2")), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::digit2, none, "2")), EffectKind::done);
     EXPECT_EQ(model.query(), "72") << "the query stands";
 
     model.reset();
-    EXPECT_EQ(press(key(KeyCode::digit0, none, "0")), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::digit0, none, "0")), EffectKind::done);
     EXPECT_EQ(model.query(), "0");
 
     model.reset();
     model.beginRename("A-1");
-    EXPECT_EQ(press(key(KeyCode::digit2, none, "2")), Kind::done);
+    EXPECT_EQ(press(key(KeyCode::digit2, none, "2")), EffectKind::done);
     EXPECT_EQ(model.renameText(), "2") << "a name may hold digits";
 }
 
 TEST_F(KeyTable, typesWhatIsPrintable) {
     for (const char* text : {"m", "É", "日本", "@"}) {
         model.reset();
-        EXPECT_EQ(press(typed(text)), Kind::done);
+        EXPECT_EQ(press(typed(text)), EffectKind::done);
         EXPECT_EQ(model.query(), text);
-        EXPECT_EQ(press(typed(text, option)), Kind::done);
+        EXPECT_EQ(press(typed(text, option)), EffectKind::done);
         EXPECT_EQ(model.query(), std::string(text) + text);
     }
     model.reset();
     for (const char* text : {"", "\n", "a\x7f", "\xc2\x85", "\x01"})
-        EXPECT_EQ(press(typed(text)), Kind::fallsThrough) << ::testing::PrintToString(text);
-    EXPECT_EQ(press(typed("m", control)), Kind::fallsThrough);
-    EXPECT_EQ(press(typed("m", command)), Kind::fallsThrough);
+        EXPECT_EQ(press(typed(text)), EffectKind::fallsThrough) << ::testing::PrintToString(text);
+    EXPECT_EQ(press(typed("m", control)), EffectKind::fallsThrough);
+    EXPECT_EQ(press(typed("m", command)), EffectKind::fallsThrough);
     EXPECT_EQ(model.query(), "");
     model.beginRename("A-2");
     press(typed("s"));

@@ -7,24 +7,23 @@
 namespace lumnara::testing {
 namespace {
 
-using Kind = DesktopMenuItem::Kind;
-using Texts = std::vector<std::string>;
+using LineKind = DesktopMenuItem::Kind;
 
 /// A line each: "# header", "* current", "- dimmed", "! message", "---", and other titles as they are.
 Texts drawn(const std::vector<DesktopMenuItem>& menu) {
     Texts lines;
     for (const DesktopMenuItem& item : menu) {
         switch (item.kind) {
-        case Kind::header: lines.push_back("# " + item.title); break;
-        case Kind::message: lines.push_back("! " + item.title); break;
-        case Kind::separator: lines.push_back("---"); break;
-        case Kind::desktop:
+        case LineKind::header: lines.push_back("# " + item.title); break;
+        case LineKind::message: lines.push_back("! " + item.title); break;
+        case LineKind::separator: lines.push_back("---"); break;
+        case LineKind::desktop:
             lines.push_back((item.isCurrent ? "* " : item.isDimmed ? "- " : "  ") + item.title);
             break;
-        case Kind::openBoard:
-        case Kind::quit: lines.push_back(item.title); break;
+        case LineKind::openBoard:
+        case LineKind::quit: lines.push_back(item.title); break;
         }
-        EXPECT_EQ(item.desktop.has_value(), item.kind == Kind::desktop);
+        EXPECT_EQ(item.desktop.has_value(), item.kind == LineKind::desktop);
     }
     return lines;
 }

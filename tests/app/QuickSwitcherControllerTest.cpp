@@ -55,8 +55,6 @@ public:
     std::vector<std::string> events;
 };
 
-using Texts = std::vector<std::string>;
-
 struct Board {
     explicit Board(std::vector<DisplaySpaces> displays, BoardSettings settings = {})
         : session(std::move(displays)),
@@ -69,8 +67,6 @@ struct Board {
     RecordingFactory factory;
     QuickSwitcherController controller;
 };
-
-std::vector<DisplaySpaces> twoDisplays() { return {displayOf("A", 3, 1), displayOf("B", 2, 11)}; }
 
 TEST(QuickSwitcherController, putsUpASurfacePerDisplay) {
     Board board(twoDisplays());

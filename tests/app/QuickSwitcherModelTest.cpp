@@ -9,19 +9,17 @@
 namespace lumnara::testing {
 namespace {
 
-std::vector<std::string> keys(const QuickSwitcherModel& model) {
-    std::vector<std::string> keys;
+Texts keys(const QuickSwitcherModel& model) {
+    Texts keys;
     for (const Desktop* tile : model.results()) keys.push_back(tile->key);
     return keys;
 }
 
-std::vector<std::string> names(const QuickSwitcherModel& model) {
-    std::vector<std::string> names;
+Texts names(const QuickSwitcherModel& model) {
+    Texts names;
     for (const Desktop* tile : model.results()) names.push_back(tile->displayName());
     return names;
 }
-
-using Texts = std::vector<std::string>;
 
 /// A session with a model that is open over all its displays.
 struct OpenModel {
@@ -355,13 +353,15 @@ void expectSound(const QuickSwitcherModel& model) {
     for (const Desktop* tile : model.results()) listed.insert(tile->key);
     ASSERT_EQ(listed.size(), model.results().size());
     ASSERT_EQ(model.selectedKey().has_value(), !listed.empty());
-    if (model.selectedKey()) ASSERT_TRUE(listed.contains(*model.selectedKey()));
-    if (model.expandedKey()) ASSERT_TRUE(listed.contains(*model.expandedKey()));
-    if (model.renamingKey()) ASSERT_TRUE(listed.contains(*model.renamingKey()));
+    for (const auto& key : {model.selectedKey(), model.expandedKey(), model.renamingKey()}) {
+        if (key) {
+            ASSERT_TRUE(listed.contains(*key));
+        }
+    }
     ASSERT_GE(model.gridColumns(), 1);
     ASSERT_LE(model.gridColumns(), 6);
-    if (model.scope())
-        for (const Desktop* tile : model.results()) ASSERT_EQ(tile->display.uuid, *model.scope());
+    for (const Desktop* tile : model.results())
+        ASSERT_TRUE(!model.scope() || tile->display.uuid == *model.scope());
 }
 
 class ModelWalk {

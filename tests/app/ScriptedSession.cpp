@@ -43,6 +43,8 @@ DisplaySpaces displayOf(const std::string& uuid, int count, std::uint64_t firstI
     return display;
 }
 
+std::vector<DisplaySpaces> twoDisplays() { return {displayOf("A", 3, 1), displayOf("B", 2, 11)}; }
+
 ScriptedSession::ScriptedSession(std::vector<DisplaySpaces> displays) {
     previousSink_ = setLogSink([this](std::string_view line) { logged.emplace_back(line); });
     std::map<std::string, std::string> names;

@@ -17,6 +17,8 @@
 
 namespace lumnara::testing {
 
+using Texts = std::vector<std::string>;
+
 /// A window manager in memory: what it shows is `current`, what it can't do is thrown.
 class ScriptedProvider : public SnapshotSpaceProvider {
 public:
@@ -94,6 +96,9 @@ public:
 
 /// `count` ordinary Spaces on a display, "<uuid>-1" and so on, with ids from `firstId`; it shows the first.
 DisplaySpaces displayOf(const std::string& uuid, int count, std::uint64_t firstId);
+
+/// Display A with three Spaces, ids from 1, and B with two, ids from 11.
+std::vector<DisplaySpaces> twoDisplays();
 
 /// The whole shell over a window manager in memory, in virtual time.
 class ScriptedSession {
