@@ -3,6 +3,7 @@
 #include "core/model/StrictJson.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 namespace lumnara {
 
