@@ -1,6 +1,5 @@
 #include "core/catalog/DesktopCatalog.h"
 
-#include "core/base/Failure.h"
 #include "core/base/Log.h"
 #include "core/catalog/CatalogMerge.h"
 #include "core/names/NameRules.h"

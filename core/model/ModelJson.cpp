@@ -3,6 +3,7 @@
 #include "core/model/StrictJson.h"
 
 #include <fmt/core.h>
+#include <nlohmann/json.hpp>
 
 namespace lumnara {
 

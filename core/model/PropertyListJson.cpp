@@ -1,6 +1,8 @@
 #include "core/model/PropertyList.h"
 #include "core/model/StrictJson.h"
 
+#include <nlohmann/json.hpp>
+
 namespace lumnara {
 
 namespace {

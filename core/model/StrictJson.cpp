@@ -1,5 +1,6 @@
 #include "core/model/StrictJson.h"
 
+#include <nlohmann/json.hpp>
 #include <set>
 #include <vector>
 

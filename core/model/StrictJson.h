@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -16,8 +16,7 @@ public:
 };
 
 /// Reads JSON without converting. The library makes 2 of 2.9 and 1 of true, and of a key that stands twice
-/// it loses the first value in silence; these readers throw JsonError. Only .cpp files include this header:
-/// the library is slow to compile.
+/// it loses the first value in silence; these readers throw JsonError.
 class StrictJson {
 public:
     using Value = nlohmann::json;

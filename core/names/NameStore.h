@@ -22,7 +22,7 @@ namespace lumnara {
 ///
 /// Any thread may read and change; the store is made, saved with saveNow() and destroyed on the main
 /// thread. It is written on a queue of its own, "com.lumnara.namestore". A pending write is dropped with
-/// the store: call saveNow() first.
+/// the store: call saveNow() first. The loop outlives it.
 class NameStore {
 public:
     /// Loads the file at `url`; never fails.

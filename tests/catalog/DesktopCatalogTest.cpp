@@ -179,6 +179,8 @@ TEST_F(DesktopCatalogTest, OfTwoRecordsOfOnePlaceTheFirstTakesIt) {
     catalog->refresh();
     EXPECT_EQ(shown().front(), "Desktop 1, Early, Desktop 3");
     EXPECT_EQ(orphanKeys(), Names{"X2"});
+    EXPECT_EQ(lines,
+              Names{"Lumnara: desktop uuid changed under \"Early\"; re-attached by position 2 on Left"});
 }
 
 TEST_F(DesktopCatalogTest, WhatCannotBeTrustedStaysAnOrphan) {

@@ -114,10 +114,15 @@ TEST_F(NameStoreTest, SaveNowWritesAtOnceAndInPlaceOfThePendingWrite) {
     pass(1, *store);
     EXPECT_EQ(saves_, 1);
     store->setName("U1", "Web");
+    pass(0.1, *store); // the debounce has begun
+    store->saveNow();
+    pass(1, *store);
+    EXPECT_EQ(saves_, 2);
+    store->setName("U1", "Post");
     store->saveNow();
     store->setName("U1", "Net");
     pass(1, *store);
-    EXPECT_EQ(saves_, 3);
+    EXPECT_EQ(saves_, 4);
     EXPECT_EQ(onDisk().record("U1")->name, "Net");
 }
 
