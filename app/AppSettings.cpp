@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <exception>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 namespace lumnara {

@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <exception>
+#include <nlohmann/json.hpp>
 #include <system_error>
 #include <type_traits>
 #include <utility>
