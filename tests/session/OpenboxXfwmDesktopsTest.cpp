@@ -178,7 +178,9 @@ TEST_P(DesktopsTest, GiveWayToAProgramThatInsistsOnItsNames) {
         at.runTool(
             {"xprop", "-root", "-f", "_NET_DESKTOP_NAMES", "8u", "-set", "_NET_DESKTOP_NAMES", "theirs"});
         at.settle();
-        if (i == 0) EXPECT_TRUE(at.shownNames().starts_with("Mail")) << at.shownNames();
+        if (i == 0) {
+            EXPECT_TRUE(at.shownNames().starts_with("Mail")) << at.shownNames();
+        }
     }
     EXPECT_TRUE(at.shownNames().starts_with("theirs")) << at.shownNames();
     at.publish({"Post"});
