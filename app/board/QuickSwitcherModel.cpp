@@ -42,7 +42,7 @@ std::optional<std::string> QuickSwitcherModel::errorText() const {
     return std::nullopt;
 }
 
-BoardAppearance QuickSwitcherModel::appearance() const {
+BoardSettings::Appearance QuickSwitcherModel::appearance() const {
     return settings_.boardAppearance(boardDisplay_ ? boardDisplay_->uuid : std::string());
 }
 

@@ -40,7 +40,7 @@ public:
     /// The uuid of the display that the list is limited to; nothing means all displays.
     const std::optional<std::string>& scope() const { return scope_; }
     int gridColumns() const { return gridColumns_; }
-    BoardAppearance appearance() const;
+    BoardSettings::Appearance appearance() const;
     /// The human name of a tile's display, for a list over several displays.
     std::string displayName(const DisplayID& display) const;
 
