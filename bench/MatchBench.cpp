@@ -3,15 +3,18 @@
 #include "bench/Bench.h"
 #include "core/text/Text.h"
 #include "core/voice/FuzzyMatcher.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/voice/PlainMatcher.h"
 
+#include <cstdlib>
+#include <fstream>
 #include <numeric>
 #include <random>
 
 namespace lumnara::bench {
 namespace {
 
-constexpr int rounds = 40;
+constexpr int rounds = 101;
 
 using Words = std::vector<std::string>;
 
@@ -68,20 +71,21 @@ Words keystrokes(bool mixed) {
     return queries;
 }
 
+/// Over keystrokes, each the median of its rounds, in microseconds.
 struct Timing {
     double median = 0;
     double mean = 0;
     double worst = 0;
 };
 
-template <class Call> Timing time(const Words& queries, int times, Call call) {
-    std::vector<double> all;
-    for (int round = 0; round < times; ++round) {
-        for (const std::string& query : queries) all.push_back(medianMicroseconds(1, [&] { call(query); }));
+template <class Call> Timing time(const Words& queries, int roundsEach, Call call) {
+    std::vector<double> each;
+    for (const std::string& query : queries) {
+        each.push_back(medianMicroseconds(roundsEach, [&] { call(query); }));
     }
-    std::ranges::sort(all);
-    const double sum = std::accumulate(all.begin(), all.end(), 0.0);
-    return {all[all.size() / 2], sum / static_cast<double>(all.size()), all.back()};
+    std::ranges::sort(each);
+    const double sum = std::accumulate(each.begin(), each.end(), 0.0);
+    return {each[each.size() / 2], sum / static_cast<double>(each.size()), each.back()};
 }
 
 std::size_t kept = 0; // keeps the results alive
@@ -99,22 +103,29 @@ void requireSame(const Words& queries, const std::vector<Candidate>& candidates,
     }
 }
 
-void measure(Report& report, const std::string& name, int count, bool mixed) {
-    const std::vector<Candidate> candidates = desktops(count, mixed ? 40 : 0);
-    const Words queries = keystrokes(mixed);
-    const MatchIndex index(candidates);
-    const Timing timing = time(queries, rounds, [&](const std::string& query) {
-        kept += FuzzyMatcher::filter(query, index, board).size();
-    });
-    report.add(name, timing.median, "median over " + std::to_string(queries.size()) + " keystrokes");
-    report.line("  mean", timing.mean);
-    report.line("  worst single", timing.worst);
-    report.line("  index, built once per catalog",
-                medianMicroseconds(15, [&] { kept += MatchIndex(candidates).entries().size(); }));
-    if (count > 1000) return;
+/// What a general fuzzy finder takes for a keystroke beyond starting and ending. Nothing without it.
+std::optional<double> finder(const Words& queries, const std::vector<Candidate>& candidates) {
+    if (std::system("command -v fzf >/dev/null 2>&1") != 0) return std::nullopt;
+    const testing::TemporaryFolder folder;
+    const std::string full = (folder.path() / "phrases").string(), none = (folder.path() / "none").string();
+    std::ofstream lines(full);
+    std::ofstream{none};
+    for (const Candidate& candidate : candidates) {
+        for (const std::string& phrase : candidate.phrases) lines << phrase << '\n';
+    }
+    lines.close();
+    const auto run = [&](const std::string& query, const std::string& file) {
+        const std::string command = "fzf --filter='" + query + "' <" + file + " >/dev/null";
+        kept += std::system(command.c_str()) != -1;
+    };
+    const Timing all = time(queries, 9, [&](const std::string& query) { run(query, full); });
+    const Timing empty = time(queries, 9, [&](const std::string& query) { run(query, none); });
+    return all.median - empty.median;
+}
 
-    requireSame({queries.begin(), queries.begin() + 8}, candidates, index);
-    const Timing plain = time({queries[0], queries[4], queries.back()}, 1, [&](const std::string& query) {
+void addYardsticks(Report& report, const Words& queries, const std::vector<Candidate>& candidates) {
+    const Words few = {queries[0], queries[4], queries.back()};
+    const Timing plain = time(few, 1, [&](const std::string& query) {
         kept += testing::plain::filter(query, candidates, board).size();
     });
     report.line("  plain reading", plain.mean, "every phrase made canonical, whole tables");
@@ -124,10 +135,29 @@ void measure(Report& report, const std::string& name, int count, bool mixed) {
         for (const std::string& phrase : candidate.phrases) all += text::normalize(phrase) + "\n";
     }
     const double floor = medianMicroseconds(201, [&] {
-        std::size_t at = 0;
-        while (at < all.size()) kept += text::decodeNext(all, at);
+        for (std::size_t at = 0; at < all.size();) kept += text::decodeNext(all, at);
     });
     report.line("  floor: read every character", floor);
+    if (const auto marginal = finder(few, candidates)) {
+        report.line("  fzf --filter, marginal", *marginal, "its process beyond that for an empty list");
+    }
+}
+
+void measure(Report& report, const std::string& name, int count, bool mixed) {
+    const std::vector<Candidate> candidates = desktops(count, mixed ? 40 : 0);
+    const Words queries = keystrokes(mixed);
+    const MatchIndex index(candidates);
+    const Timing timing = time(queries, rounds, [&](const std::string& query) {
+        kept += FuzzyMatcher::filter(query, index, board).size();
+    });
+    report.add(name, timing.median, "median of " + std::to_string(queries.size()) + " keystrokes");
+    report.line("  mean", timing.mean);
+    report.line("  worst keystroke", timing.worst);
+    report.line("  index, built once per catalog",
+                medianMicroseconds(15, [&] { kept += MatchIndex(candidates).entries().size(); }));
+    if (count > 1000) return;
+    requireSame({queries.begin(), queries.begin() + 8}, candidates, index);
+    addYardsticks(report, queries, candidates);
 }
 
 } // namespace

@@ -9,12 +9,6 @@ using Break = GraphemeBreak;
 
 bool isControl(Break value) { return value == Break::cr || value == Break::lf || value == Break::control; }
 
-std::string_view droppingFirst(std::string_view text, std::size_t count) {
-    auto cluster = Clusters(text).begin();
-    while (count-- > 0) ++cluster;
-    return text.substr(cluster.offset());
-}
-
 } // namespace
 
 bool ClusterBoundary::joins(const CodePointInfo& info) const {
@@ -82,7 +76,7 @@ std::string_view first(std::string_view text, std::size_t count) {
 
 std::string_view last(std::string_view text, std::size_t count) {
     const std::size_t all = length(text);
-    return count >= all ? text : droppingFirst(text, all - count);
+    return count >= all ? text : text.substr(first(text, all - count).size());
 }
 
 bool beginsWith(std::string_view text, std::string_view beginning) {

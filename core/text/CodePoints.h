@@ -49,8 +49,7 @@ struct CodePointInfo {
         whitespace = 4,
         foldsToWord = 8,       ///< all that it folds to are letters and numbers
         foldsToSeparator = 16, ///< none of what it folds to is a letter or a number
-        foldsToLone =
-            32, ///< what it folds to joins a cluster only by the doing of a neighbour that isn't lone
+        foldsToLone = 32,      ///< what it folds to joins only neighbours that aren't lone themselves
     };
 
     std::uint32_t folded = 0; ///< Folding::one: the code point; several: where its text lies in the page

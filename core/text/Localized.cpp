@@ -5,6 +5,7 @@
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
 #include <unicode/ucol.h>
+#include <unicode/uloc.h>
 
 namespace lumnara::text {
 namespace {

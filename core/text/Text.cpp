@@ -118,9 +118,15 @@ std::vector<std::string_view> splitAtWhitespace(std::string_view text) {
 }
 
 std::string_view trim(std::string_view text) {
-    const std::vector<std::string_view> pieces = splitAtWhitespace(text);
-    if (pieces.empty()) return {};
-    return {pieces.front().data(), pieces.back().data() + pieces.back().size()};
+    const CodePoints& points = CodePoints::shared();
+    std::size_t begin = text.size(), end = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t here = at;
+        if (points.info(decodeNext(text, at)).has(CodePointInfo::whitespace)) continue;
+        begin = std::min(begin, here);
+        end = at;
+    }
+    return begin < end ? text.substr(begin, end - begin) : std::string_view{};
 }
 
 bool isLetter(std::string_view cluster) {

@@ -4,9 +4,9 @@
 #include "core/voice/MatcherTuning.h"
 #include "core/voice/Normalizer.h"
 #include "core/voice/PhraseScore.h"
+#include "core/voice/RankOrder.h"
 
 #include <algorithm>
-#include <bit>
 #include <limits>
 #include <string>
 #include <utility>
@@ -37,13 +37,6 @@ std::vector<std::uint32_t> displayRanks(const MatchIndex& index, const MatchCont
     return ranks;
 }
 
-/// Numbers in the opposite order of the scores.
-std::uint64_t descending(double score) {
-    const auto bits = std::bit_cast<std::uint64_t>(score + 0.0); // -0.0 becomes 0.0
-    constexpr std::uint64_t sign = std::uint64_t{1} << 63;
-    return bits & sign ? bits : ~(bits | sign);
-}
-
 /// The candidates that score at least `threshold`, best first, then by display, then by index on display.
 std::vector<Hit> ranked(std::string_view query, const MatchIndex& index, const MatchContext& context,
                         double threshold) {
@@ -51,25 +44,18 @@ std::vector<Hit> ranked(std::string_view query, const MatchIndex& index, const M
     const std::vector<double> scores = index.phrases().bestScores(query, PrefixBonus::current(isFilter));
     const std::vector<std::uint32_t> ranks = displayRanks(index, context);
 
-    // One number decides all ties, so that equal keys can't occur and no stable sort is needed.
-    struct Key {
-        std::uint64_t score;
-        std::uint64_t tie;
-        auto operator<=>(const Key&) const = default;
-    };
-    std::vector<Key> keys;
+    std::vector<RankKey> keys;
     keys.reserve(scores.size());
     for (std::size_t i = 0; i < scores.size(); ++i) {
         const MatchIndex::Entry& entry = index.entries()[i];
         if (!(scores[i] >= threshold)) continue;
-        keys.push_back({descending(scores[i]), std::uint64_t{ranks[entry.display]} << 32 | entry.order});
+        keys.push_back({scores[i], std::uint64_t{ranks[entry.display]} << 32 | entry.order});
     }
-    std::ranges::sort(keys);
+    sortByRank(keys);
     std::vector<Hit> hits;
     hits.reserve(keys.size());
-    for (const Key& key : keys) {
-        const std::uint32_t position = index.ordered()[key.tie & 0xFFFFFFFF];
-        hits.push_back({position, scores[position]});
+    for (const RankKey& key : keys) {
+        hits.push_back({index.ordered()[key.tie & 0xFFFFFFFF], key.score});
     }
     return hits;
 }
@@ -101,6 +87,12 @@ std::vector<ScoredCandidate> withCandidates(const std::vector<Hit>& hits,
     return scored;
 }
 
+/// A partial transcript may still become something.
+MatchOutcome nothing(double best, bool isPartial) {
+    if (isPartial) return {MatchOutcome::KeepListening{}};
+    return {MatchOutcome::None{best}};
+}
+
 /// Whether more speech can turn the number into the greater one: "1" into "12", "twenty" into "23".
 bool mayBecome(std::int64_t number, std::int64_t greater) {
     const bool byDigit = number * 10 <= greater && greater <= number * 10 + 9;
@@ -113,12 +105,11 @@ MatchOutcome matchNumber(std::int64_t number, const std::vector<Candidate>& cand
     const auto open = [&](const MatchIndex::Entry& entry) {
         return entry.userNumber && *entry.userNumber > number && mayBecome(number, *entry.userNumber);
     };
-    if (context.isPartial && std::ranges::any_of(index.entries(), open))
-        return {MatchOutcome::KeepListening{}};
+    const bool mayGrow = std::ranges::any_of(index.entries(), open);
+    if (context.isPartial && mayGrow) return {MatchOutcome::KeepListening{}};
     const std::vector<std::uint32_t> called = numbered(index, context, number);
-    if (!called.empty()) return {MatchOutcome::Accepted{candidates[called.front()], 1.0}};
-    if (context.isPartial) return {MatchOutcome::KeepListening{}};
-    return {MatchOutcome::None{0.0}};
+    if (called.empty()) return nothing(0.0, context.isPartial);
+    return {MatchOutcome::Accepted{candidates[called.front()], 1.0}};
 }
 
 /// Removes the entries that tie with the best and share a phrase with it: the same name on another display
@@ -146,13 +137,9 @@ MatchOutcome decide(const std::vector<Hit>& hits, const std::vector<Candidate>& 
     const double best = hits.front().score;
     const bool hasSecond = hits.size() > 1;
     const double second = hasSecond ? hits[1].score : 0.0;
-    const MatchOutcome keepListening{MatchOutcome::KeepListening{}};
-
-    if (best < MatcherTuning::acceptThreshold) {
-        return isPartial ? keepListening : MatchOutcome{MatchOutcome::None{best}};
-    }
+    if (best < MatcherTuning::acceptThreshold) return nothing(best, isPartial);
     if (hasSecond && best - second < MatcherTuning::ambiguityMargin && best < MatcherTuning::exactScore) {
-        if (isPartial) return keepListening;
+        if (isPartial) return {MatchOutcome::KeepListening{}};
         MatchOutcome::Ambiguous ambiguous;
         for (std::size_t i = 0; i < std::min(hits.size(), mostAmbiguous); ++i) {
             ambiguous.candidates.push_back(candidates[hits[i].position]);
@@ -161,7 +148,7 @@ MatchOutcome decide(const std::vector<Hit>& hits, const std::vector<Candidate>& 
     }
     const bool early =
         best >= MatcherTuning::earlyAcceptThreshold && best - second >= MatcherTuning::earlyAcceptMargin;
-    if (isPartial && !early) return keepListening;
+    if (isPartial && !early) return {MatchOutcome::KeepListening{}};
     return {MatchOutcome::Accepted{candidates[hits.front().position], best}};
 }
 
@@ -180,12 +167,9 @@ MatchOutcome match(std::string_view transcript, const std::vector<Candidate>& ca
     if (const auto number = Normalizer::parseNumber(target)) {
         return matchNumber(*number, candidates, index, context);
     }
-    if (text::length(target) < 2) {
-        if (context.isPartial) return {MatchOutcome::KeepListening{}};
-        return {MatchOutcome::None{0.0}};
-    }
+    if (text::length(target) < 2) return nothing(0.0, context.isPartial);
     std::vector<Hit> hits = rank(target, index, context);
-    if (hits.empty()) return {MatchOutcome::None{0.0}};
+    if (hits.empty()) return nothing(0.0, context.isPartial);
     removeNamesakes(hits, candidates);
     return decide(hits, candidates, context.isPartial);
 }
@@ -205,8 +189,7 @@ std::vector<Hit> filter(std::string_view query, const MatchIndex& index, const M
     }
     const auto number = Normalizer::parseNumber(canonical);
     if (number) {
-        for (const std::uint32_t position : numbered(index, context, *number))
-            hits.push_back({position, 1.0});
+        for (const std::uint32_t called : numbered(index, context, *number)) hits.push_back({called, 1.0});
     }
     const std::vector<Hit> matching = ranked(canonical, index, context, MatcherTuning::filterThreshold);
     if (hits.empty()) return matching;
@@ -239,8 +222,13 @@ double phraseScore(std::string_view query, std::string_view phrase, bool isFilte
 
 std::optional<VoiceCommand> parseCommand(std::string_view canonicalText) {
     std::string_view rest = canonicalText;
-    for (const std::string_view ending : {" desktop", " space", " screen", " one"}) {
-        if (text::endsWith(rest, ending)) rest.remove_suffix(ending.size());
+    // Each ending goes once, in whatever order they stand: "next desktop one" as well as "next one desktop".
+    std::vector<std::string_view> endings = {" desktop", " space", " screen", " one"};
+    const auto isLast = [&](std::string_view ending) { return text::endsWith(rest, ending); };
+    for (auto last = std::ranges::find_if(endings, isLast); last != endings.end();
+         last = std::ranges::find_if(endings, isLast)) {
+        rest.remove_suffix(last->size());
+        endings.erase(last);
     }
     const auto known = std::ranges::find(commandTable, rest, &CommandPhrase::phrase);
     if (known == std::end(commandTable)) return std::nullopt;

@@ -20,7 +20,7 @@ struct LaneBlock {
     int length = 0;
     /// The block's place in a list with an entry for each lane of each block.
     std::uint32_t firstSlot = 0;
-    /// The characters that begin a word.
+    /// A bit for each character that begins a word.
     Lanes wordStarts;
 
     static constexpr int longestPhrase = 64;

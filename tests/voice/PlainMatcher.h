@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -317,12 +318,19 @@ inline std::optional<VoiceCommand> parseCommand(const std::string& canonicalText
         {"backward", VoiceCommand::previous}, {"back", VoiceCommand::back},
         {"go back", VoiceCommand::back},      {"jump back", VoiceCommand::back},
         {"last", VoiceCommand::back},         {"go to last", VoiceCommand::back}};
-    Text text = characters(canonicalText);
-    for (const std::string ending : {" desktop", " space", " screen", " one"}) {
-        if (ends(text, characters(ending))) text.resize(text.size() - ending.size());
-    }
-    const auto found = commands.find(joined(text));
-    return found == commands.end() ? std::nullopt : std::optional(found->second);
+    const std::function<std::optional<VoiceCommand>(Text, std::set<std::string>)> look =
+        [&](Text text, std::set<std::string> endings) -> std::optional<VoiceCommand> {
+        if (const auto found = commands.find(joined(text)); found != commands.end()) return found->second;
+        for (const std::string& ending : endings) {
+            if (!ends(text, characters(ending))) continue;
+            text.resize(text.size() - ending.size());
+            std::set<std::string> others = endings;
+            others.erase(ending);
+            return look(text, others);
+        }
+        return std::nullopt;
+    };
+    return look(characters(canonicalText), {" desktop", " space", " screen", " one"});
 }
 
 inline MatchOutcome match(std::string_view transcript, const std::vector<Candidate>& candidates,
@@ -349,7 +357,7 @@ inline MatchOutcome match(std::string_view transcript, const std::vector<Candida
     }
     if (characters(t).size() < 2) return nothing(0.0);
     const std::vector<Ranked> r = rank(t, candidates, context);
-    if (r.empty()) return {MatchOutcome::None{0.0}};
+    if (r.empty()) return nothing(0.0);
 
     const auto phrases = [&](const Ranked& one) {
         std::set<std::string> set;
