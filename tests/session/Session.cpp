@@ -114,6 +114,7 @@ Child::Child(std::vector<std::string> arguments, const Options& options) {
     for (auto& variable : variables) envp.push_back(variable.data());
     envp.push_back(nullptr);
     const pid_t parent = ::getpid();
+    ::prctl(PR_SET_CHILD_SUBREAPER, 1); // what a child leaves behind becomes ours to end
 
     pid_ = ::fork();
     if (pid_ < 0) throw std::runtime_error("fork failed");
@@ -139,15 +140,27 @@ Child::Child(std::vector<std::string> arguments, const Options& options) {
 }
 
 Child::~Child() {
-    if (!status_) {
-        send(SIGCONT);
-        send(SIGTERM);
-        if (!waitForExit(3)) {
-            send(SIGKILL);
-            waitForExit(3);
-        }
+    send(SIGCONT);
+    send(SIGTERM);
+    if (!waitForExit(3)) {
+        send(SIGKILL);
+        waitForExit(3);
+    }
+    // What it has started may still write into the session's folder. As long as there is a child of ours in
+    // the group, the group's number can't belong to anybody else.
+    if (!groupHasEnded()) ::kill(-pid_, SIGTERM);
+    if (!waitUntil([this] { return groupHasEnded(); }, 3)) {
+        ::kill(-pid_, SIGKILL);
+        waitUntil([this] { return groupHasEnded(); }, 3);
     }
     ::close(pidfd_);
+}
+
+bool Child::groupHasEnded() const {
+    pid_t ended = 0;
+    while ((ended = ::waitpid(-pid_, nullptr, WNOHANG)) > 0) {
+    }
+    return ended < 0;
 }
 
 bool Child::running() const {

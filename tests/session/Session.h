@@ -22,8 +22,8 @@ using Variables = std::map<std::string, std::string>;
 /// Looks at real state until it is so; false when the seconds have passed.
 bool waitUntil(const std::function<bool()>& condition, double seconds = 10);
 
-/// A child process in a process group of its own. It dies with this object, and with the test program,
-/// however that ends.
+/// A child process in a process group of its own. It ends with this object, and so does what it has started;
+/// it dies with the test program, however that ends.
 class Child {
 public:
     struct Options {
@@ -47,6 +47,8 @@ public:
     std::optional<int> waitForExit(double seconds = 10);
 
 private:
+    bool groupHasEnded() const;
+
     pid_t pid_ = -1;
     int pidfd_ = -1;
     std::optional<int> status_;
