@@ -14,6 +14,7 @@ constexpr int leastBlockColumns = 4;
 constexpr double restingHeight = 0.42;
 
 constexpr double errorHeight = 20;
+constexpr double errorDistance = 7;
 
 double gridHeight(int tiles, int columns, double tileHeight) {
     const int rows = (tiles + columns - 1) / columns;
@@ -52,7 +53,7 @@ BoardLayout::BoardLayout(const Input& input) : input_(input) {
     const double spare = height - below - (queryHeight + underQuery + resting);
     const double top = std::round(std::max(above, spare * restingHeight));
     query_ = {left, top, blockWidth, queryHeight};
-    error_ = {left, query_.bottom() + (underQuery - errorHeight) / 2, blockWidth, errorHeight};
+    error_ = {left, query_.bottom() + errorDistance, blockWidth, errorHeight};
     const double gridTop = query_.bottom() + underQuery;
     viewport_ = {left, gridTop, blockWidth, std::max(height - below - gridTop, 40.0)};
     if (hintHeight > 0) hints_ = {left, height - hintHeight - 30, blockWidth, hintHeight};

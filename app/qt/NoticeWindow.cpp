@@ -1,10 +1,10 @@
 #include "app/qt/NoticeWindow.h"
 
+#include "app/qt/TextFit.h"
 #include "app/qt/Theme.h"
 
 #include <QBitmap>
 #include <QCursor>
-#include <QFontMetrics>
 #include <QGuiApplication>
 #include <QPainter>
 #include <QScreen>
@@ -21,7 +21,7 @@ constexpr double cornerRadius = 14;
 constexpr double textSize = 15;
 /// How far the notice stands from the bottom, as a part of the screen's height.
 constexpr double bottomPart = 0.09;
-constexpr int textFlags = Qt::AlignCenter | Qt::TextWordWrap;
+constexpr int mostLines = 5;
 
 QFont noticeFont() { return interfaceFont(textSize, QFont::Medium); }
 
@@ -50,10 +50,9 @@ void NoticeWindow::place() {
     const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
     if (!screen) screen = QGuiApplication::primaryScreen();
     const QRect area = screen->geometry();
-    const int textWidth = std::min(mostTextWidth, area.width() - 2 * sidePadding - 32);
-    const QSize text =
-        QFontMetrics(noticeFont()).boundingRect(QRect(0, 0, textWidth, 10'000), textFlags, text_).size();
-    const QSize size = text + QSize(2 * sidePadding, 2 * heightPadding);
+    const double room = std::min(mostTextWidth, area.width() - 2 * sidePadding - 32);
+    const QSize size =
+        fittedSize(text_, noticeFont(), room, mostLines).toSize() + QSize(2 * sidePadding, 2 * heightPadding);
     setGeometry(QRect({area.center().x() - size.width() / 2,
                        area.bottom() - static_cast<int>(area.height() * bottomPart) - size.height()},
                       size));
@@ -76,8 +75,8 @@ void NoticeWindow::paintEvent(QPaintEvent*) {
     painter.setBrush(theme.notice);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
     painter.setPen(theme.text);
-    painter.setFont(noticeFont());
-    painter.drawText(rect().adjusted(sidePadding, 0, -sidePadding, 0), textFlags, text_);
+    drawFitted(painter, rect().adjusted(sidePadding, heightPadding, -sidePadding, -heightPadding), text_,
+               noticeFont(), mostLines);
 }
 
 } // namespace lumnara

@@ -49,6 +49,15 @@ void drawFitted(QPainter& painter, const QRectF& box, const QString& text, const
     }
 }
 
+QSizeF fittedSize(const QString& text, const QFont& font, double width, int mostLines) {
+    const QFontMetricsF fontMetrics(font);
+    const std::vector<QString> lines = brokenLines(text.simplified(), font, width, mostLines);
+    double widest = 0;
+    for (const QString& line : lines) widest = std::max(widest, fontMetrics.horizontalAdvance(line));
+    return {std::min(width, std::ceil(widest) + 1),
+            std::ceil(fontMetrics.height()) * static_cast<double>(lines.size())};
+}
+
 TypedText::TypedText(const QString& text, const QFont& font, double width, int mostLines)
     : layout_(text, font),
       width_(width) {

@@ -69,8 +69,8 @@ QColor Theme::legible(const QColor& color) const {
     float hue, saturation, lightness;
     color.getHslF(&hue, &saturation, &lightness);
     hue = std::max(hue, 0.0f); // A gray has none.
-    if (appearance == Appearance::dark) return QColor::fromHslF(hue, saturation, std::max(lightness, 0.72f));
-    return QColor::fromHslF(hue, saturation * 0.85f, std::min(lightness, 0.40f));
+    if (appearance == Appearance::dark) return QColor::fromHslF(hue, saturation, std::max(lightness, 0.78f));
+    return QColor::fromHslF(hue, saturation * 0.85f, std::min(lightness, 0.38f));
 }
 
 QFont interfaceFont(double pixels, QFont::Weight weight) {

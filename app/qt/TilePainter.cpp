@@ -190,7 +190,7 @@ void TilePainter::paintRenaming(QPainter& painter, const QRectF& place, const Ti
 }
 
 void TilePainter::paintExpanded(QPainter& painter, const QRectF& place, const TileContent& tile) {
-    drawShadow(painter, *theme_, place, expandedRadius, 16, 6, 0.8);
+    drawShadow(painter, *theme_, place, expandedRadius, 16, 6, 0.6);
     painter.setPen(QPen(theme_->tileBorder, 1));
     painter.setBrush(theme_->selectedTile);
     painter.drawRoundedRect(place.adjusted(0.5, 0.5, -0.5, -0.5), expandedRadius, expandedRadius);
