@@ -91,7 +91,7 @@ int run(int& count, char** arguments) {
     const XdgFolders folders = XdgFolders::of(environment);
     const WindowSystem windowSystem = chooseWindowSystem(environment);
     const auto lock = FolderLock::acquire(folders.data);
-    if (!lock) throw std::runtime_error("Lumnara is already running.");
+    if (!lock) throw std::runtime_error("Another Lumnara runs already.");
 
     // The toolkit has to draw on the window system whose desktops we drive.
     ::setenv("QT_QPA_PLATFORM", windowSystem == WindowSystem::sway ? "wayland" : "xcb", 0);
@@ -113,7 +113,7 @@ int run(int& count, char** arguments) {
 
     const auto shortcut = bindBoardShortcut(platform, surfaces.board());
     announceBoardShortcut(shortcut, state.notices());
-    log(fmt::format("Lumnara: ready on {}, {} desktops on {} displays, Board on {}", platform.name,
+    log(fmt::format("Lumnara: ready on {}, desktops: {}, displays: {}, Board on {}", platform.name,
                     state.catalog().desktops().size(), state.catalog().displays->size(),
                     shortcut.value_or("the tray icon")));
 

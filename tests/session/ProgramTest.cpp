@@ -1,0 +1,198 @@
+#include "tests/session/Session.h"
+
+#include <X11/keysym.h>
+#include <cctype>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+namespace lumnara::testing {
+namespace {
+
+/// The program as a user starts it, in a session under a window manager, driven by keys alone.
+class Program {
+public:
+    explicit Program(const XSession& session) : session_(session) {}
+
+    void start() {
+        const int before = count("Lumnara: ready");
+        child_ = session_.start({LUMNARA_PROGRAM});
+        ASSERT_TRUE(waitUntil([&] { return count("Lumnara: ready") > before; })) << log();
+    }
+    int stop(int signal = SIGTERM) {
+        child_->send(signal);
+        return child_->waitForExit().value_or(-1);
+    }
+    bool running() const { return child_->running(); }
+
+    std::string log() const {
+        std::ifstream file(session_.folder() / "lumnara.log");
+        std::stringstream text;
+        text << file.rdbuf();
+        return text.str();
+    }
+    int count(const std::string& text) const {
+        const std::string all = log();
+        int found = 0;
+        for (std::size_t at = 0; (at = all.find(text, at)) != std::string::npos; at += text.size()) ++found;
+        return found;
+    }
+    /// desktops.json under the session's HOME, wherever the session has its data.
+    std::filesystem::path file(const std::string& name) const {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(session_.folder()))
+            if (entry.path().filename() == name) return entry.path();
+        return {};
+    }
+
+private:
+    const XSession& session_;
+    std::unique_ptr<Child> child_;
+};
+
+void typeText(XSession& session, const std::string& text) {
+    for (const char c : text) {
+        const auto keysym = static_cast<std::uint32_t>(std::tolower(static_cast<unsigned char>(c)));
+        if (std::isupper(static_cast<unsigned char>(c)))
+            session.pressKey(keysym, {XK_Shift_L});
+        else
+            session.pressKey(keysym);
+    }
+}
+
+void openBoard(XSession& session, const Program& program) {
+    const int before = program.count("Lumnara Board: open on");
+    session.pressKey(XK_1, {XK_Alt_L});
+    ASSERT_TRUE(waitUntil([&] { return program.count("Lumnara Board: open on") > before; })) << program.log();
+}
+
+/// Names the current desktop on the Board and closes it.
+void nameCurrent(XSession& session, const Program& program, const std::string& name) {
+    openBoard(session, program);
+    session.pressKey(XK_Return, {XK_Super_L});
+    typeText(session, name);
+    session.pressKey(XK_Return);
+    session.pressKey(XK_Escape);
+}
+
+void goTo(XSession& session, const Program& program, const std::string& letters) {
+    openBoard(session, program);
+    typeText(session, letters);
+    session.pressKey(XK_Return);
+}
+
+std::string i3Visible(const XSession& session, const std::string& output) {
+    const auto workspaces =
+        nlohmann::json::parse(session.run({"i3-msg", "-t", "get_workspaces"}).text, nullptr, false);
+    if (!workspaces.is_array()) return {};
+    for (const auto& workspace : workspaces)
+        if (workspace["output"] == output && workspace["visible"] == true) return workspace["name"];
+    return {};
+}
+
+TEST(Program, NamesSurviveItsOwnEndAndThatOfI3) {
+    XSession session(WindowManager::i3);
+    session.movePointer(300, 700);
+    session.openWindow("A window");
+    Program program(session);
+    program.start();
+    nameCurrent(session, program, "Mail");
+    ASSERT_TRUE(waitUntil([&] { return i3Visible(session, "L") == "1: Mail"; })) << program.log();
+
+    // Told to end right after the change: what was still to be written is written.
+    EXPECT_EQ(program.stop(), 0);
+    program.start();
+    session.run({"i3-msg", "workspace 7"});
+    goTo(session, program, "ma");
+    EXPECT_TRUE(waitUntil([&] { return i3Visible(session, "L") == "1: Mail"; })) << program.log();
+
+    // An i3 that died takes its workspaces with it; the new one is told the name again.
+    session.killWindowManager(SIGKILL);
+    session.startWindowManager();
+    EXPECT_TRUE(waitUntil([&] { return i3Visible(session, "L") == "1: Mail"; })) << program.log();
+    session.run({"i3-msg", "workspace 7"});
+    goTo(session, program, "ma");
+    EXPECT_TRUE(waitUntil([&] { return i3Visible(session, "L") == "1: Mail"; })) << program.log();
+    EXPECT_EQ(program.stop(), 0);
+}
+
+TEST(Program, NamesADesktopOfOpenboxAndGoesBackToItByDigitAndLetters) {
+    XSession session(WindowManager::openbox);
+    Program program(session);
+    program.start();
+    nameCurrent(session, program, "Mail");
+    ASSERT_TRUE(waitUntil([&] {
+        return session.rootProperty("_NET_DESKTOP_NAMES").value_or("").starts_with(std::string("Mail\0", 5));
+    })) << program.log();
+
+    openBoard(session, program);
+    session.pressKey(XK_3);
+    EXPECT_TRUE(waitUntil([&] { return session.rootProperty("_NET_CURRENT_DESKTOP") == "2"; }))
+        << program.log();
+    goTo(session, program, "mail");
+    EXPECT_TRUE(waitUntil([&] { return session.rootProperty("_NET_CURRENT_DESKTOP") == "0"; }))
+        << program.log();
+
+    // Under another window manager the desktops are the same ones.
+    session.startWindowManager(WindowManager::xfwm4);
+    goTo(session, program, "3");
+    ASSERT_TRUE(waitUntil([&] { return session.rootProperty("_NET_CURRENT_DESKTOP") == "2"; }))
+        << program.log();
+    goTo(session, program, "mail");
+    EXPECT_TRUE(waitUntil([&] { return session.rootProperty("_NET_CURRENT_DESKTOP") == "0"; }))
+        << program.log();
+    EXPECT_EQ(program.stop(), 0);
+}
+
+TEST(Program, SaysInOneSentenceWhyItCannotRun) {
+    const auto refusal = [](const Session& session, const Variables& additions = {}) {
+        const auto output = session.run({LUMNARA_PROGRAM}, additions);
+        EXPECT_EQ(output.status, 1);
+        return output.text;
+    };
+    {
+        const XSession session(WindowManager::none);
+        EXPECT_EQ(refusal(session),
+                  "Lumnara: No window manager that knows desktops is running on this display.\n");
+        EXPECT_EQ(refusal(session, {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}}),
+                  "Lumnara: There is no display to run on. Start Lumnara inside a desktop session.\n");
+        EXPECT_EQ(refusal(session, {{"DISPLAY", ":4000"}}),
+                  "Lumnara: There is no display to run on. Start Lumnara inside a desktop session.\n");
+    }
+    {
+        const XSession session(WindowManager::openbox);
+        Program program(session);
+        program.start();
+        const auto second = session.start({LUMNARA_PROGRAM});
+        EXPECT_EQ(second->waitForExit(), 1);
+        EXPECT_EQ(program.count("Lumnara: Another Lumnara runs already."), 1) << program.log();
+        EXPECT_EQ(program.stop(), 0);
+    }
+}
+
+TEST(Program, SetsADamagedFileAsideAndGoesOn) {
+    XSession session(WindowManager::openbox);
+    Program program(session);
+    program.start();
+    nameCurrent(session, program, "Mail");
+    ASSERT_TRUE(waitUntil([&] { return !program.file("desktops.json").empty(); }));
+    EXPECT_EQ(program.stop(), 0);
+
+    const auto file = program.file("desktops.json");
+    std::ofstream(file) << "{ \"schemaVersion\": 2, \"desk";
+    program.start();
+    nameCurrent(session, program, "Writing");
+    EXPECT_EQ(program.stop(), 0);
+
+    int aside = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(file.parent_path()))
+        aside += entry.path().filename().string().starts_with("desktops.json.corrupt-");
+    EXPECT_EQ(aside, 1);
+    std::ifstream saved(file);
+    const auto contents = nlohmann::json::parse(saved);
+    ASSERT_EQ(contents["desktops"].size(), 1u) << contents.dump();
+    EXPECT_EQ(contents["desktops"].front()["name"], "Writing");
+}
+
+} // namespace
+} // namespace lumnara::testing
