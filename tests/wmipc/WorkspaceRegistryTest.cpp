@@ -168,10 +168,13 @@ TEST_F(WorkspaceRegistryTest, NamesManyAtOnceWithoutAClash) {
     publish({{a, ""}, {b, "Mail"}, {uuid("c"), "mail"}, {uuid("4"), "Mail"}});
     EXPECT_EQ(settle(), "Post>a ") << "its own name is not one of ours";
 
-    // What was refused is not asked for again, and leaves its name free.
-    registry->renameRefused({.uuid = b, .from = "b", .to = "Mail 2"});
-    publish({{a, "Mail 2"}, {b, "Mail"}, {uuid("c"), "mail"}, {uuid("4"), "Mail"}});
-    EXPECT_EQ(settle(), "a>Mail 2 ");
+    // What was refused is asked for once more, and then leaves its name free.
+    EXPECT_FALSE(registry->renameRefused({.uuid = b, .from = "b", .to = "Mail 2"}));
+    EXPECT_EQ(settle(), "b>Mail ") << "which is free by now";
+    EXPECT_TRUE(registry->renameRefused({.uuid = b, .from = "b", .to = "Mail"}));
+    EXPECT_EQ(settle(), "");
+    publish({{a, "Mail"}, {b, "Mail"}, {uuid("c"), "mail"}, {uuid("4"), "Mail"}});
+    EXPECT_EQ(settle(), "a>Mail ");
 }
 
 TEST_F(WorkspaceRegistryTest, FindsTitledDesktopsAgainUnderTheirOwnNames) {
@@ -211,6 +214,27 @@ TEST_F(WorkspaceRegistryTest, AsksAgainInTheNextRunForWhatWasNotDone) {
     EXPECT_FALSE(registry->hasReading());
     registry->reconcile({{"L", {{2, "1"}}}});
     EXPECT_EQ(settle(), "1>1: Mail ");
+}
+
+TEST_F(WorkspaceRegistryTest, KnowsWhatWasDoneWhileNobodyListened) {
+    for (const bool closed : {false, true}) {
+        registry->reconcile({{"L", {{1, "1"}, {2, "2"}}}});
+        const std::string one = uuid("1");
+        publish({{one, "Mail"}});
+        EXPECT_EQ(settle(), "1>1: Mail ");
+        if (closed)
+            open();
+        else
+            registry->beginRun();
+        publish({{one, "Post"}});
+        registry->reconcile({{"L", {{1, "1: Mail"}, {2, "2"}}}});
+        EXPECT_EQ(uuid("1: Mail"), one);
+        EXPECT_EQ(settle(), "1: Mail>1: Post ");
+        registry->renamed(1, "1: Post");
+        publish({});
+        EXPECT_EQ(settle(), "1: Post>1 ");
+        registry->renamed(1, "1");
+    }
 }
 
 TEST_F(WorkspaceRegistryTest, NamesWhatIsAbsentWithoutAsking) {
@@ -284,6 +308,7 @@ TEST_F(WorkspaceRegistryTest, MovesADamagedFileAside) {
                                                            {"schemaVersion\": 1", "schemaVersion\": 1.5"},
                                                            {"\"desktops\": [", "\"desktop\": ["},
                                                            {"\"kept\": false", "\"kept\": 0"},
+                                                           {"\"asked\": []", "\"asked\": [1]"},
                                                            {"\"display\": \"L\"", "\"display\": null"},
                                                            {"\"lastSeen\": ", "\"lastSeen\": -"},
                                                            {"\"workspace\": \"1\"", "\"workspace\": \"\""}};

@@ -187,7 +187,14 @@ private:
             return titledWorkspace(IpcDialect::i3, own, title, taken);
         };
         bool refused = false;
-        for (const auto& due : registry_->settleNames(name)) {
+        bool unheard = false;
+        const auto renames = registry_->settleNames(name);
+        // A name that goes from one to the other unheard would tell nothing.
+        const bool passedOn = std::ranges::any_of(renames, [&](const auto& due) {
+            return std::ranges::any_of(
+                renames, [&](const auto& other) { return workspaceKey(other.from) == workspaceKey(due.to); });
+        });
+        for (const auto& due : renames) {
             auto* from = wm_.find(due.from);
             ASSERT_TRUE(from) << due.from;
             const auto* taken = wm_.find(due.to);
@@ -197,10 +204,15 @@ private:
             if (clash || pick(8) == 0) {
                 refused = true;
                 registry_->renameRefused(due);
+            } else if (unheard || (!passedOn && pick(8) == 0)) {
+                from->name = due.to;
+                unheard = true;
             } else {
                 rename(*from, due.to);
             }
         }
+        // The connection was lost before the rest was announced.
+        if (unheard) restart();
     }
 
     void read() { registry_->reconcile(wm_.reading()); }

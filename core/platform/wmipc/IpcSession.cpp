@@ -93,7 +93,7 @@ void IpcSession::settleNames() {
         try {
             ipc_.run(command, [this, rename](const std::vector<IpcOutcome>* outcomes) {
                 if (!outcomes || (!outcomes->empty() && outcomes->front().success)) return;
-                registry_.renameRefused(rename);
+                if (!registry_.renameRefused(rename)) return;
                 log("Lumnara " + ipc_.windowManager() + ": \"" + rename.from + "\" was not renamed to \"" +
                     rename.to + "\": " + (outcomes->empty() ? "no answer" : outcomes->front().error));
             });

@@ -26,13 +26,15 @@ struct RegisteredDesktop {
     /// The number of the last reading that had its workspace.
     std::uint64_t lastSeen = 0;
 
-    // Of this run of the window manager:
-    /// The workspace's container, while there is one.
-    std::optional<std::int64_t> handle = std::nullopt;
     /// The names that the window manager has been asked to give it and has not yet announced.
     std::vector<std::string> asked = {};
-    /// The workspace's name does not show the title yet.
+    /// The workspace's name is not known to show the title.
     bool nameOwed = false;
+
+    /// The workspace's container in this run of the window manager, while there is one.
+    std::optional<std::int64_t> handle = std::nullopt;
+    /// How often the window manager has refused to show this title.
+    int refusals = 0;
 
     bool isSpace() const { return handle || kept; }
     /// The workspace's name once the window manager has done what it was asked.

@@ -47,10 +47,11 @@ ShortcutStatus SwayShortcuts::give(Binding& binding) try {
     return ShortcutStatus::active;
 }
 
+/// Waits for the answer: sway drops what it hasn't read when a connection closes behind it.
 void SwayShortcuts::take(Binding& binding) {
     if (!std::exchange(binding.bound, false)) return;
     try {
-        session_.ipc().run("unbindsym " + binding.keys, [](const std::vector<IpcOutcome>*) {});
+        session_.ipc().ask(IpcType::command, "unbindsym " + binding.keys, parseOutcomes);
     } catch (const WindowManagerError&) {
         // With sway went its bindings.
     }

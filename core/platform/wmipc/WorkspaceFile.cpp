@@ -23,6 +23,15 @@ std::string textOf(const json& desktop, const char* name) {
     return value.get<std::string>();
 }
 
+std::vector<std::string> textsOf(const json& desktop, const char* name) {
+    std::vector<std::string> texts;
+    for (const json& each : desktop.at(name)) {
+        if (!each.is_string()) throw std::runtime_error(std::string("no text in ") + name);
+        texts.push_back(each.get<std::string>());
+    }
+    return texts;
+}
+
 RegisteredDesktop decodeDesktop(const json& desktop) {
     for (const char* flag : {"kept", "nameOwed"})
         if (!desktop.at(flag).is_boolean())
@@ -36,6 +45,7 @@ RegisteredDesktop decodeDesktop(const json& desktop) {
             .title = textOf(desktop, "title"),
             .kept = desktop.at("kept").get<bool>(),
             .lastSeen = desktop.at("lastSeen").get<std::uint64_t>(),
+            .asked = textsOf(desktop, "asked"),
             .nameOwed = desktop.at("nameOwed").get<bool>()};
 }
 
@@ -83,7 +93,8 @@ std::string encodeWorkspaceFile(const std::vector<RegisteredDesktop>& desktops) 
                         {"title", desktop.title},
                         {"kept", desktop.kept},
                         {"lastSeen", desktop.lastSeen},
-                        {"nameOwed", desktop.nameOwed || !desktop.asked.empty()}});
+                        {"asked", desktop.asked},
+                        {"nameOwed", desktop.nameOwed}});
     }
     const json root = {{"schemaVersion", workspaceSchema}, {"desktops", std::move(list)}};
     return root.dump(2, ' ', false, json::error_handler_t::replace) + "\n";

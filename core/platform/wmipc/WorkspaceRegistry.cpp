@@ -64,6 +64,7 @@ WorkspaceRegistry::WorkspaceRegistry(async::Loop& loop, std::filesystem::path fi
         desktop.id = mintID(desktop.uuid);
         reading_ = std::max(reading_, desktop.lastSeen);
     }
+    beginRun();
 }
 
 WorkspaceRegistry::~WorkspaceRegistry() {
@@ -71,10 +72,11 @@ WorkspaceRegistry::~WorkspaceRegistry() {
 }
 
 void WorkspaceRegistry::beginRun() {
+    runBegins_ = true;
     displays_.clear();
     for (RegisteredDesktop& desktop : desktops_) {
         desktop.handle.reset();
-        if (!std::exchange(desktop.asked, {}).empty()) desktop.nameOwed = true;
+        desktop.nameOwed = desktop.nameOwed || !desktop.asked.empty();
     }
 }
 
@@ -132,44 +134,61 @@ void WorkspaceRegistry::reconcile(const std::vector<LiveDisplay>& displays) {
 
 /// The index of the desktop that each workspace is.
 std::vector<std::size_t> WorkspaceRegistry::match(const std::vector<const LiveWorkspace*>& workspaces) {
-    std::map<std::string, std::size_t> byName;
+    constexpr std::size_t none = ~std::size_t{0};
+    std::vector<std::size_t> matched(workspaces.size(), none);
+    std::set<std::size_t> taken;
+    const auto matchRest = [&](const std::map<std::string, std::size_t>& indexes, const auto& onMatch) {
+        for (std::size_t i = 0; i < workspaces.size(); ++i) {
+            if (matched[i] != none) continue;
+            const auto found = indexes.find(workspaceKey(workspaces[i]->name));
+            if (found == indexes.end() || !taken.insert(found->second).second) continue;
+            matched[i] = found->second;
+            onMatch(desktops_[found->second], workspaces[i]->name);
+        }
+    };
+    matchRest(byName(),
+              [this](RegisteredDesktop& desktop, const std::string& name) { respell(desktop, name); });
+    const auto takeName = [this](RegisteredDesktop& desktop, const std::string& name) {
+        desktop.workspace = name;
+        desktop.nameOwed = true;
+        changed();
+    };
+    if (std::exchange(runBegins_, false)) {
+        matchRest(byNameToCome(), takeName);
+        for (RegisteredDesktop& desktop : desktops_) desktop.asked.clear();
+    }
+    if (std::ranges::find(matched, none) == matched.end()) return matched;
+    matchRest(byOwnName(taken), takeName);
+    for (std::size_t i = 0; i < workspaces.size(); ++i)
+        if (matched[i] == none) matched[i] = add(workspaces[i]->name);
+    return matched;
+}
+
+std::map<std::string, std::size_t> WorkspaceRegistry::byName() const {
+    std::map<std::string, std::size_t> indexes;
     for (std::size_t i = 0; i < desktops_.size(); ++i) {
-        const auto [entry, added] = byName.emplace(workspaceKey(desktops_[i].workspace), i);
+        const auto [entry, added] = indexes.emplace(workspaceKey(desktops_[i].workspace), i);
         if (!added && desktops_[i].handle) entry->second = i;
     }
-    std::set<std::size_t> taken;
-    std::vector<std::optional<std::size_t>> matched(workspaces.size());
-    for (std::size_t i = 0; i < workspaces.size(); ++i) {
-        const auto found = byName.find(workspaceKey(workspaces[i]->name));
-        if (found == byName.end() || !taken.insert(found->second).second) continue;
-        matched[i] = found->second;
-        respell(desktops_[found->second], workspaces[i]->name);
-    }
+    return indexes;
+}
 
-    // The window manager has forgotten these titles, but the numbers and names below them go on.
-    std::map<std::string, std::size_t> byOwnName;
+/// The window manager may have done what it was asked before the connection ended.
+std::map<std::string, std::size_t> WorkspaceRegistry::byNameToCome() const {
+    std::map<std::string, std::size_t> indexes;
+    for (std::size_t i = 0; i < desktops_.size(); ++i)
+        for (const std::string& name : desktops_[i].asked) indexes.emplace(workspaceKey(name), i);
+    return indexes;
+}
+
+/// The window manager forgets titles, but the names and numbers below them go on.
+std::map<std::string, std::size_t> WorkspaceRegistry::byOwnName(const std::set<std::size_t>& taken) const {
+    std::map<std::string, std::size_t> indexes;
     for (std::size_t i = 0; i < desktops_.size(); ++i) {
         if (desktops_[i].title.empty() || taken.contains(i)) continue;
-        byOwnName.emplace(workspaceKey(desktops_[i].ownName), i);
-        byOwnName.emplace(leadingDigits(desktops_[i].ownName), i);
+        indexes.emplace(workspaceKey(desktops_[i].ownName), i);
+        indexes.emplace(leadingDigits(desktops_[i].ownName), i);
     }
-    for (std::size_t i = 0; i < workspaces.size(); ++i) {
-        if (matched[i]) continue;
-        const std::string& name = workspaces[i]->name;
-        const auto found = byOwnName.find(workspaceKey(name));
-        if (found != byOwnName.end() && taken.insert(found->second).second) {
-            matched[i] = found->second;
-            RegisteredDesktop& desktop = desktops_[found->second];
-            desktop.workspace = name;
-            desktop.nameOwed = true;
-        } else {
-            matched[i] = add(name);
-        }
-        changed();
-    }
-
-    std::vector<std::size_t> indexes;
-    for (const auto& index : matched) indexes.push_back(*index);
     return indexes;
 }
 
@@ -189,6 +208,7 @@ std::size_t WorkspaceRegistry::add(const std::string& workspace) {
                          .workspace = workspace,
                          .ownName = workspace,
                          .title = {}});
+    changed();
     return desktops_.size() - 1;
 }
 
@@ -259,6 +279,7 @@ void WorkspaceRegistry::setTitle(RegisteredDesktop& desktop, const std::string& 
     if (desktop.title == title) return;
     desktop.title = title;
     desktop.nameOwed = true;
+    desktop.refusals = 0;
     changed();
 }
 
@@ -288,12 +309,15 @@ std::vector<WorkspaceRegistry::Rename> WorkspaceRegistry::settleNames(const Name
     return renames;
 }
 
-void WorkspaceRegistry::renameRefused(const Rename& rename) {
+bool WorkspaceRegistry::renameRefused(const Rename& rename) {
     const auto found = std::ranges::find(desktops_, rename.uuid, &RegisteredDesktop::uuid);
-    if (found == desktops_.end()) return;
+    if (found == desktops_.end()) return true;
     std::erase(found->asked, rename.to);
     claimName(*found);
+    const bool last = ++found->refusals > 1;
+    found->nameOwed = found->nameOwed || !last;
     changed();
+    return last;
 }
 
 std::vector<const RegisteredDesktop*> WorkspaceRegistry::spaces(const std::string& display) const {

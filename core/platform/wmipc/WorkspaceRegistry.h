@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -19,10 +20,11 @@ namespace lumnara {
 /// Which workspace is which desktop, across readings, restarts of the window manager and unplugged monitors.
 ///
 /// i3 and sway forget an empty workspace when it is left, and know one by its name alone, which is unique
-/// over all outputs. So a workspace is the desktop that bears its name; failing that, the one whose own name
-/// or number it bears and whose title the window manager has forgotten. Announced renames are followed
-/// within a run. Desktops with a record stay when their workspace goes; the others only keep their uuid for
-/// the case that the name comes back, the newest of them.
+/// over all outputs. So a workspace is the desktop that bears its name; failing that, one that was to get the
+/// name when the run before ended; failing that, the one whose own name or number it bears and whose title
+/// the window manager has forgotten. Announced renames are followed within a run. Desktops with a record stay
+/// when their workspace goes; the others only keep their uuid for the case that the name comes back, the
+/// newest of them.
 ///
 /// References into the registry hold until its next change. Main thread.
 class WorkspaceRegistry {
@@ -65,7 +67,7 @@ public:
     /// Takes in a whole reading.
     void reconcile(const std::vector<LiveDisplay>& displays);
     /// Whether there has been a reading in this run.
-    bool hasReading() const { return !displays_.empty(); }
+    bool hasReading() const { return !runBegins_; }
 
     /// Takes in the desktops that have records. Those of displays that are unplugged are never told and stay
     /// as they are. Returns whether a Space ceased to be one.
@@ -73,8 +75,9 @@ public:
     /// The workspaces to rename so that they show their titles. A desktop without a workspace is given its
     /// name here.
     std::vector<Rename> settleNames(const NameMaker& makeName);
-    /// The window manager did not do a rename of settleNames.
-    void renameRefused(const Rename& rename);
+    /// The window manager did not do a rename of settleNames. Once it is due again, in case the workspace had
+    /// been renamed meanwhile; returns whether that was the last attempt.
+    bool renameRefused(const Rename& rename);
 
     /// The desktops of a display, in their places.
     std::vector<const RegisteredDesktop*> spaces(const std::string& display) const;
@@ -86,6 +89,9 @@ private:
     std::size_t add(const std::string& workspace);
     SpaceID mintID(const std::string& uuid) const;
     std::vector<std::size_t> match(const std::vector<const LiveWorkspace*>& workspaces);
+    std::map<std::string, std::size_t> byName() const;
+    std::map<std::string, std::size_t> byNameToCome() const;
+    std::map<std::string, std::size_t> byOwnName(const std::set<std::size_t>& taken) const;
     void respell(RegisteredDesktop& desktop, const std::string& name);
     void place(const std::vector<LiveDisplay>& displays, const std::vector<std::size_t>& matched);
     void forgetOldest();
@@ -101,6 +107,8 @@ private:
     std::vector<RegisteredDesktop> desktops_;
     /// The displays of the last reading.
     std::set<std::string> displays_;
+    /// There has been no reading in this run.
+    bool runBegins_ = true;
     std::uint64_t reading_ = 0;
     async::SerialQueue queue_{"com.lumnara.workspaces"};
     std::unique_ptr<async::Delayed> saving_;
