@@ -127,6 +127,27 @@ TEST_F(DesktopCatalogTest, RenameMakesARecordAndKeepsTheRest) {
     EXPECT_EQ(at(0, 0).record->name, "Mail");
 }
 
+TEST_F(DesktopCatalogTest, NamesOfAnyCharactersComeBackFromTheFile) {
+    const auto repeated = [](std::string_view character, int count) {
+        std::string text = "a"; // a name of symbols alone can't be spoken
+        while (--count > 0) text += character;
+        return text;
+    };
+    const Names names = {repeated("👩‍👩‍👧‍👦", 40), repeated("e\u0301", 40),
+                         "Tab\tand\x01\x7F \"quoted\" \\"};
+    for (const std::string& name : names) {
+        catalog->rename("U1", name);
+        store->saveNow();
+        start();
+        EXPECT_EQ(at(0, 0).displayName(), name);
+        EXPECT_FALSE(store->recoveredFromCorruptFile());
+    }
+    for (const char* character : {"👩‍👩‍👧‍👦", "e\u0301", "x"})
+        EXPECT_EQ(failureOf<NameError>([&] { catalog->rename("U1", repeated(character, 41)); }),
+                  NameError::tooLong(40));
+    EXPECT_EQ(at(0, 0).displayName(), names.back());
+}
+
 TEST_F(DesktopCatalogTest, NamesAreUniqueOnADisplayOnly) {
     catalog->rename("U1", "Mail");
     catalog->setAliases("U1", {"Post"});
