@@ -180,7 +180,19 @@ bool QuickSwitcherController::handleKey(const KeyPress& press) {
     const KeyEffect effect = applyKey(press, keyPanel_->model);
     if (effect.kind == KeyEffect::Kind::closesBoard) close();
     if (effect.kind == KeyEffect::Kind::switches) switchFromBoard(*effect.desktop);
+    if (effect.kind == KeyEffect::Kind::fallsThrough && press.key == KeyCode::tab)
+        return passKeyboardOn(press);
     return effect.kind != KeyEffect::Kind::fallsThrough;
+}
+
+/// Where each screen has a Board of its own, Tab reaches the next one without the pointer.
+bool QuickSwitcherController::passKeyboardOn(const KeyPress& tab) {
+    if (shown_.size() < 2 || keyPanel_->model.renamingKey()) return false;
+    const auto current = std::ranges::find(shown_, keyPanel_) - shown_.begin();
+    const auto count = static_cast<std::ptrdiff_t>(shown_.size());
+    giveKeyboard(
+        *shown_[static_cast<std::size_t>((current + (tab.modifiers.shift ? count - 1 : 1)) % count)]);
+    return true;
 }
 
 /// A panel on a screen that is gone, or of another size, would keep the keyboard out of sight.

@@ -64,6 +64,7 @@ private:
     void receive(WorkspaceEvent event);
 
     bool handleKey(const KeyPress& press);
+    bool passKeyboardOn(const KeyPress& tab);
     void clickTile(Panel& panel, const std::string& key);
     void clickGround(Panel& panel);
     void hoverTile(Panel& panel, const std::optional<std::string>& key, Point pointer);

@@ -66,6 +66,7 @@ BoardContent contentOf(const QuickSwitcherModel& model) {
     content.renameText = text(model.renameText());
     content.scope = scopeOf(model);
     content.canCycleScope = model.canCycleScope();
+    content.hasOtherBoards = model.scopeFixed();
     for (const Desktop* desktop : model.results()) {
         const std::size_t position = content.tiles.size();
         content.tiles.push_back(tileOf(*desktop, model));

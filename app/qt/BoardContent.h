@@ -45,6 +45,8 @@ struct BoardContent {
     /// Which displays are listed; empty where there is only one.
     QString scope;
     bool canCycleScope = false;
+    /// Other screens have Boards of their own.
+    bool hasOtherBoards = false;
     /// The keys come to this surface.
     bool hasKeyboard = true;
 

@@ -64,6 +64,7 @@ std::vector<Hint> hintsFor(const BoardContent& content) {
     if (content.expanded) return {{{"Enter"}, "Go"}, {{"←", "→"}, "Next"}, {{"Esc"}, "Back"}};
     std::vector<Hint> hints{{{"Enter"}, "Go"}, {{"Esc"}, "Close"}};
     if (content.canCycleScope) hints.push_back({{"Tab"}, "Displays"});
+    if (content.hasOtherBoards) hints.push_back({{"Tab"}, "Next screen"});
     hints.push_back({{"Super", "Enter"}, "Rename"});
     hints.push_back({{"Super", "D"}, "Dim"});
     if (content.query.isEmpty()) hints.push_back({{"Space"}, "Full size"});

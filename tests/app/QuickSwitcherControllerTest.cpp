@@ -192,6 +192,20 @@ TEST(QuickSwitcherController, keysGoToTheSurfaceUnderThePointer) {
     EXPECT_FALSE(board.on("B").type("x"));
 }
 
+TEST(QuickSwitcherController, tabReachesTheOtherScreensWithoutThePointer) {
+    Board board(twoDisplays());
+    board.controller.open();
+    board.events();
+    EXPECT_TRUE(board.on("A").press(KeyCode::tab, "\t"));
+    EXPECT_TRUE(board.on("B").press(KeyCode::tab, "\t"));
+    EXPECT_TRUE(board.on("A").press(KeyCode::tab, "\t", {.shift = true}));
+    EXPECT_EQ(board.events(), (Texts{"B keyboard", "A keyboard", "B keyboard"}));
+
+    board.on("B").model.beginRename(*board.on("B").model.selectedKey());
+    EXPECT_FALSE(board.on("B").press(KeyCode::tab, "\t")) << "an edit keeps the keyboard";
+    EXPECT_TRUE(board.events().empty());
+}
+
 TEST(QuickSwitcherController, onlyAPointerThatMovesSelects) {
     Board board(twoDisplays());
     board.session.screens->at = Point{100, 100};

@@ -38,7 +38,7 @@ public:
         nameDesktops("L", 300, {"Mail", "Writing"});
         nameDesktops("R", 1600, {"Music", "Release notes"});
         jump("L", 300, "wr", {"L", "3: Writing"});
-        jump("R", 1600, "rel", {"R", "4: Release notes"});
+        jump("L", 300, "rel", {"R", "4: Release notes"}, Reach::byTab);
         jump("R", 1600, "mu", {"R", "2: Music"});
         jump("L", 300, "ml", {"L", "1: Mail"});
         restartProgram();
@@ -110,15 +110,22 @@ private:
         session_.pressKey(XK_Escape);
     }
 
-    void jump(const std::string& monitor, int pointerX, const std::string& letters, const Target& target) {
+    /// From the Board under the pointer, or from the next monitor's.
+    enum class Reach { underPointer, byTab };
+
+    void jump(const std::string& monitor, int pointerX, const std::string& letters, const Target& target,
+              Reach reach = Reach::underPointer) {
         openBoard(pointerX);
+        if (reach == Reach::byTab) session_.pressKey(XK_Tab);
         type(letters);
         picture("typed " + letters);
         const auto start = Clock::now();
         session_.pressKey(XK_Return);
         expect([&] { return visibleOn(target.monitor) == target.workspace; },
-               monitor + " shows \"" + target.workspace + "\"");
-        report("typed \"" + letters + "\" and Return on " + monitor, milliseconds(start));
+               target.monitor + " shows \"" + target.workspace + "\"");
+        report("typed " + std::string(reach == Reach::byTab ? "Tab, " : "") + "\"" + letters +
+                   "\" and Return on " + monitor,
+               milliseconds(start));
         picture("on " + target.workspace.substr(3));
     }
 
