@@ -1,5 +1,6 @@
 // Chooses the platform that the session offers, builds AppState on it, then the surfaces.
 
+#include "app/AppSettings.h"
 #include "app/AppState.h"
 #include "app/qt/QtDriver.h"
 #include "app/qt/Surfaces.h"
@@ -8,6 +9,7 @@
 #include "core/platform/LiveSpaceProvider.h"
 #include "core/platform/WindowManagerError.h"
 #include "core/platform/linux/FolderLock.h"
+#include "core/platform/linux/JsonDefaultsStore.h"
 #include "core/platform/linux/TerminationSignals.h"
 #include "core/platform/linux/XdgFolders.h"
 #include "core/platform/wmipc/WmIpcPlatform.h"
@@ -103,11 +105,14 @@ int run(int& count, char** arguments) {
     driver.attach(loop);
     text::warmUp();
 
+    JsonDefaultsStore defaults(loop, folders.config / "settings.json");
+    const AppSettings settings(defaults);
     Platform platform = choosePlatform(loop, windowSystem, environment, folders.data);
     AppState state(loop, platform,
                    std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens),
                    folders.data);
-    Surfaces surfaces(state);
+    if (const auto& error = defaults.loadError()) state.notices().show(error->sentence());
+    Surfaces surfaces(state, boardSettings(settings));
     surfaces.onQuit = [] { QApplication::quit(); };
     const TerminationSignals signals(loop, [] { QApplication::quit(); });
 

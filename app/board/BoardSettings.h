@@ -29,4 +29,9 @@ struct BoardSettings {
     }
 };
 
+class AppSettings;
+
+/// What the settings say of the Board now.
+BoardSettings boardSettings(const AppSettings& settings);
+
 } // namespace lumnara

@@ -7,9 +7,8 @@
 
 namespace lumnara {
 
-/// Starts the program with the session by a desktop file in the user's autostart folder, as the Desktop
-/// Application Autostart Specification has it. GNOME, KDE, Xfce and their like read that folder; under a
-/// bare window manager it takes a starter such as dex.
+/// Starts the program with the session by a desktop file in the user's XDG autostart folder. GNOME, KDE,
+/// Xfce and their like read that folder; under a bare window manager it takes a starter such as dex.
 class AutostartEntry : public LoginItem {
 public:
     /// `file` is "lumnara.desktop" in the folder "autostart" of the user's configuration; `program` the
