@@ -287,17 +287,17 @@ void XSession::startWindowManager(std::optional<WindowManager> other) {
     windowManager_ = start(arguments);
     // A replaced window manager has to be gone before the properties can be the new one's.
     if (former && !former->waitForExit()) fail("not replaced by " + arguments[0], arguments[0]);
-    const bool ready = waitUntil([&] {
+    const auto answers = [&] {
         return !windowManager_->running() ||
                (windowManagerAnswers() && (kind != WindowManager::i3 || accepts(i3Socket())));
-    });
+    };
+    if (!waitUntil(answers, 30) || !windowManager_->running())
+        fail(arguments[0] + " doesn't start", arguments[0]);
     // Requests that arrive while a window manager starts may be lost; one that manages windows is through.
-    const bool managing = ready && waitUntil([this] {
-                              const auto probe = mapWindow("probe", 0.2);
-                              if (probe) closeWindow(*probe);
-                              return probe.has_value();
-                          });
-    if (!managing || !windowManager_->running()) fail(arguments[0] + " doesn't start", arguments[0]);
+    for (double seconds = 0.2; seconds < 10; seconds *= 2) {
+        if (const auto probe = mapWindow("probe", seconds)) return closeWindow(*probe);
+    }
+    fail(arguments[0] + " doesn't manage windows", arguments[0]);
 }
 
 void XSession::killWindowManager(int signal) {
