@@ -122,7 +122,7 @@ void replaceFile(const fs::path& path, std::string_view contents) {
     if (folder.valid()) ::fsync(folder.get());
 }
 
-fs::path moveAside(const fs::path& path, Date now) {
+fs::path freeAsidePath(const fs::path& path, Date now) {
     std::string stamp = now.iso8601();
     std::replace(stamp.begin(), stamp.end(), ':', '-');
     const std::string base = path.string() + ".corrupt-" + stamp;
@@ -130,6 +130,11 @@ fs::path moveAside(const fs::path& path, Date now) {
     std::error_code ignored;
     for (int n = 2; fs::exists(fs::symlink_status(aside, ignored)); ++n)
         aside = base + "-" + std::to_string(n);
+    return aside;
+}
+
+fs::path moveAside(const fs::path& path, Date now) {
+    fs::path aside = freeAsidePath(path, now);
     if (::rename(path.c_str(), aside.c_str()) != 0) failFile("move aside", path);
     return aside;
 }

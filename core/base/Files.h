@@ -16,9 +16,12 @@ std::string readFile(const std::filesystem::path& path);
 /// and gives a new one 0600. Throws std::system_error; the old file then stands unchanged.
 void replaceFile(const std::filesystem::path& path, std::string_view contents);
 
-/// Keeps a damaged file out of the way under a free name beside it, "<name>.corrupt-2026-01-05T09-00-00Z",
-/// with "-2" and so on behind it when that is taken. Returns the new path. Throws std::system_error; the
-/// file then stands where it was.
+/// A name for a damaged file beside it that is not taken: "<name>.corrupt-2026-01-05T09-00-00Z", with
+/// "-2" and so on behind it when that is.
+std::filesystem::path freeAsidePath(const std::filesystem::path& path, Date now);
+
+/// Moves a damaged file out of the way to its freeAsidePath(), which it returns. Throws std::system_error;
+/// the file then stands where it was.
 std::filesystem::path moveAside(const std::filesystem::path& path, Date now);
 
 } // namespace lumnara

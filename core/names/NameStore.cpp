@@ -3,7 +3,6 @@
 #include "core/base/Files.h"
 #include "core/names/NameStoreCodec.h"
 
-#include <algorithm>
 #include <exception>
 #include <system_error>
 #include <utility>
@@ -16,18 +15,6 @@ std::shared_ptr<const NameStoreFile> emptyFile(Date now) {
     auto file = std::make_shared<NameStoreFile>();
     file->updatedAt = now;
     return file;
-}
-
-/// A name beside `url` for a damaged file, one that isn't taken yet.
-std::filesystem::path freeCorruptName(const std::filesystem::path& url, Date now) {
-    std::string stamp = now.iso8601();
-    std::replace(stamp.begin(), stamp.end(), ':', '-');
-    const std::string base = url.string() + ".corrupt-" + stamp;
-    std::filesystem::path name = base;
-    std::error_code ignored;
-    for (int n = 2; std::filesystem::exists(std::filesystem::symlink_status(name, ignored)); ++n)
-        name = base + "-" + std::to_string(n);
-    return name;
 }
 
 } // namespace
@@ -61,7 +48,7 @@ void NameStore::load() {
 }
 
 void NameStore::moveAside(Date now) {
-    recovered_ = freeCorruptName(url_, now);
+    recovered_ = freeAsidePath(url_, now);
     std::error_code ignored;
     std::filesystem::rename(url_, *recovered_, ignored);
 }
