@@ -2,19 +2,23 @@
 
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <map>
+#include <string>
 
 namespace lumnara {
 namespace {
 
+using Variables = std::map<std::string, std::string>;
+
 TEST(XdgFolders, FollowTheEnvironment) {
-    EXPECT_EQ(XdgFolders::of(Environment({{"HOME", "/home/ann"}})),
+    EXPECT_EQ(XdgFolders::of(Environment(Variables{{"HOME", "/home/ann"}})),
               (XdgFolders{.data = "/home/ann/.local/share/Lumnara",
                           .config = "/home/ann/.config/Lumnara",
                           .state = "/home/ann/.local/state/Lumnara"}));
-    EXPECT_EQ(XdgFolders::of(Environment({{"HOME", "/home/ann"},
-                                          {"XDG_DATA_HOME", "/data"},
-                                          {"XDG_CONFIG_HOME", "relative/is/ignored"},
-                                          {"XDG_STATE_HOME", ""}})),
+    EXPECT_EQ(XdgFolders::of(Environment(Variables{{"HOME", "/home/ann"},
+                                                   {"XDG_DATA_HOME", "/data"},
+                                                   {"XDG_CONFIG_HOME", "relative/is/ignored"},
+                                                   {"XDG_STATE_HOME", ""}})),
               (XdgFolders{.data = "/data/Lumnara",
                           .config = "/home/ann/.config/Lumnara",
                           .state = "/home/ann/.local/state/Lumnara"}));
