@@ -48,6 +48,11 @@ TileContent tileOf(const Desktop& desktop, const QuickSwitcherModel& model) {
     return tile;
 }
 
+/// Members of a link group share a key; the model means the first.
+void mark(std::optional<std::size_t>& marked, bool isMeant, std::size_t position) {
+    if (isMeant && !marked) marked = position;
+}
+
 QString scopeOf(const QuickSwitcherModel& model) {
     if (!model.multipleDisplays()) return {};
     if (!model.scope()) return QStringLiteral("All displays");
@@ -72,9 +77,9 @@ BoardContent contentOf(const QuickSwitcherModel& model) {
         content.tiles.push_back(tileOf(*desktop, model));
         TileContent& tile = content.tiles.back();
         if (model.query().empty() && position < digitKeys) tile.digit = static_cast<int>(position) + 1;
-        if (model.selectedKey() == tile.key) content.selected = position;
-        if (model.renamingKey() == tile.key) content.renaming = position;
-        if (model.expandedKey() == tile.key) content.expanded = position;
+        mark(content.selected, model.selectedKey() == tile.key, position);
+        mark(content.renaming, model.renamingKey() == tile.key, position);
+        mark(content.expanded, model.expandedKey() == tile.key, position);
     }
     return content;
 }

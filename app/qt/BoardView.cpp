@@ -126,10 +126,11 @@ void BoardView::follow(const BoardContent& before) {
     const auto keyIn = [](const BoardContent& content) {
         return content.selected ? content.tiles[*content.selected].key : std::string();
     };
+    const std::string selected = keyIn(content_);
+    if (hovered_ != selected) hovered_.reset();
     const bool sameList = sameTiles(before, content_);
     double scroll = std::clamp(motion_.targetScroll(), 0.0, layout_.maximumScroll());
-    const bool selectedAnew = keyIn(before) != keyIn(content_) && hovered_ != keyIn(content_);
-    if (content_.selected && (selectedAnew || !sameList))
+    if (content_.selected && !hovered_ && (selected != keyIn(before) || !sameList))
         scroll = layout_.scrollShowing(static_cast<int>(*content_.selected), scroll);
     if (sameList) {
         motion_.scrollTo(scroll);

@@ -11,7 +11,8 @@ namespace lumnara {
 
 /// One monitor as the user sees it.
 struct ScreenInfo {
-    /// The display identity that snapshots use for this monitor. Under a shared layout it differs from "Main".
+    /// The display identity that snapshots use for this monitor. Under a shared layout it differs from
+    /// "Main".
     std::string uuid;
     /// The connector or monitor name of the window system ("DP-1"), by which a surface finds its screen.
     std::string connector;

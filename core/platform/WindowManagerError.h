@@ -10,11 +10,11 @@ namespace lumnara {
 class WindowManagerError : public Failure {
 public:
     enum class Case {
-        noDisplay,      ///< no X server and no compositor answers
-        noWindowManager,///< a display, and no window manager that tells of desktops
-        connectionLost, ///< it went away; the connection is tried again
-        notAnswering,   ///< it is there and doesn't answer in time; it is asked again
-        refused         ///< it answered a command with an error; detail holds its words
+        noDisplay,       ///< no X server and no compositor answers
+        noWindowManager, ///< a display, and no window manager that tells of desktops
+        connectionLost,  ///< it went away; the connection is tried again
+        notAnswering,    ///< it is there and doesn't answer in time; it is asked again
+        refused          ///< it answered a command with an error; detail holds its words
     };
 
     WindowManagerError(Case which, std::string windowManager, std::string detail = {});

@@ -18,17 +18,19 @@ constexpr SwitchVerifier::Config windowManagerLanding{0, 0.02, 10};
 
 /// Seconds for which a snapshot tells which desktops exist. A surface may hand in one that it has shown for
 /// a while.
-constexpr double freshness = 1;
+constexpr double listFreshness = 1;
+/// Seconds for which it tells what a display shows: it was read for this switch, and reading again would
+/// cost as much as the switch.
+constexpr double currentFreshness = 0.005;
 
-bool holdsSpace(const SpaceSnapshot& snapshot, SpaceID target, const DisplayID& display) {
-    const DisplaySpaces* shown = snapshot.spacesOnDisplay(display.uuid);
-    return shown != nullptr &&
-           std::ranges::any_of(shown->spaces, [&](const Space& space) { return space.id == target; });
+bool isYounger(const SpaceSnapshot& snapshot, double seconds, Date now) {
+    const double age = now.secondsSince(snapshot.takenAt);
+    return age >= 0 && age <= seconds; // a negative age: the clock was set back
 }
 
-bool isFresh(const SpaceSnapshot& snapshot, Date now) {
-    const double age = now.secondsSince(snapshot.takenAt);
-    return age >= 0 && age <= freshness; // a negative age: the clock was set back
+bool holdsSpace(const DisplaySpaces* shown, SpaceID target) {
+    return shown != nullptr &&
+           std::ranges::any_of(shown->spaces, [&](const Space& space) { return space.id == target; });
 }
 
 } // namespace
@@ -37,9 +39,7 @@ async::Task<SwitchResult> WindowManagerEngine::switchTo(const Space& target, con
                                                         const SpaceSnapshot& snapshot) {
     const auto context = co_await async::currentContext();
     const async::Nanos start = context.loop->now();
-    requireOnDisplay(target.id, display, snapshot, context.loop->date());
-    if (SwitchVerifier::currentSpace(display, provider_) == target.id)
-        throw SwitchError(SwitchError::Case::alreadyThere);
+    requireElsewhere(target.id, display, snapshot, context.loop->date());
 
     for (int number = 1; number <= windowManagerAttempts; ++number) {
         const bool landed = co_await attempt(target, display, number == windowManagerAttempts);
@@ -51,11 +51,16 @@ async::Task<SwitchResult> WindowManagerEngine::switchTo(const Space& target, con
     throw SwitchError::notLanded(windowManagerAttempts);
 }
 
-void WindowManagerEngine::requireOnDisplay(SpaceID target, const DisplayID& display,
-                                           const SpaceSnapshot& snapshot, Date now) const {
-    const bool holds = isFresh(snapshot, now) ? holdsSpace(snapshot, target, display)
-                                              : holdsSpace(provider_.snapshot(), target, display);
-    if (!holds) throw SwitchError(SwitchError::Case::targetNotInSnapshot);
+void WindowManagerEngine::requireElsewhere(SpaceID target, const DisplayID& display,
+                                           const SpaceSnapshot& given, Date now) const {
+    std::optional<SpaceSnapshot> readAgain;
+    if (!isYounger(given, listFreshness, now)) readAgain = provider_.snapshot();
+    const SpaceSnapshot& known = readAgain ? *readAgain : given;
+    const DisplaySpaces* shown = known.spacesOnDisplay(display.uuid);
+    if (!holdsSpace(shown, target)) throw SwitchError(SwitchError::Case::targetNotInSnapshot);
+    const bool isCurrent = readAgain || isYounger(given, currentFreshness, now);
+    const auto current = isCurrent ? shown->currentID : SwitchVerifier::currentSpace(display, provider_);
+    if (current == target) throw SwitchError(SwitchError::Case::alreadyThere);
 }
 
 async::Task<bool> WindowManagerEngine::attempt(const Space& target, const DisplayID& display, bool isLast) {

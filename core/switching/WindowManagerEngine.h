@@ -23,7 +23,7 @@ public:
                                        const SpaceSnapshot& snapshot) override;
 
 private:
-    void requireOnDisplay(SpaceID target, const DisplayID& display, const SpaceSnapshot& snapshot,
+    void requireElsewhere(SpaceID target, const DisplayID& display, const SpaceSnapshot& given,
                           Date now) const;
     async::Task<bool> attempt(const Space& target, const DisplayID& display, bool isLast);
 

@@ -59,12 +59,8 @@ BoardContent hardNames() {
                                "Donaudampfschifffahrtsgesellschaftskapitän",
                                "日本語のとても長いデスクトップの名前です、まだ続きます",
                                "سطح المكتب العربي ذو الاسم الطويل جدا الذي لا ينتهي",
-                               "Family "
-                               "👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍"
-                               "👩"
-                               "‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧"
-                               "‍"
-                               "👦👨‍👩‍👧‍👦 album",
+                               "Family " + QStringLiteral("👨‍👩‍👧‍👦").repeated(10) +
+                                   " album",
                                "Z̷̢̛a̴͚̓l̵͖̈́g̶͙̈o̷͎͐ \n\t two\nlines",
                                QString(300, 'W')};
     std::vector<TileContent> tiles;

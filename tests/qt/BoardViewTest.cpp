@@ -183,6 +183,14 @@ TEST(BoardView, scrollsTheSelectionIntoView) {
     EXPECT_EQ(board.shown().copy(firstRow), before.copy(firstRow));
     EXPECT_NE(board.model.selectedKey(), selected);
 
+    // The keyboard leads back to that tile later, from afar.
+    const auto hovered = board.model.selectedKey();
+    board.model.selectLast();
+    board.settle();
+    board.model.select(*hovered);
+    board.settle();
+    EXPECT_NEAR(OpenBoard::ring(board.shown()).height(), board.tile(0).height() + 9, 3);
+
     board.model.reset();
     board.settle();
     EXPECT_LT(OpenBoard::ring(board.shown()).top(), 200);

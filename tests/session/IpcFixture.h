@@ -40,6 +40,7 @@ public:
     SwaySession& sway() { return *swaySession_; }
     Platform& platform() { return running_->platform; }
     SpaceProvider& provider() { return running_->provider; }
+    SpaceSwitcher& switcher() { return running_->switcher; }
     /// The outputs' names, left and right.
     std::string left() const { return i3Session_ ? "L" : "HEADLESS-1"; }
     std::string right() const { return i3Session_ ? "R" : "HEADLESS-2"; }

@@ -45,18 +45,25 @@ std::vector<IpcSession::Display> IpcSession::read() {
     return displays;
 }
 
-std::vector<IpcSession::Display> IpcSession::identified(std::vector<IpcOutputReply> outputs) const {
+std::vector<IpcSession::Display> IpcSession::identified(std::vector<IpcOutputReply> outputs) {
     std::ranges::sort(outputs, {}, [](const IpcOutputReply& output) {
         return std::tuple(output.rect.x, output.rect.y, output.name);
     });
     std::vector<Display> displays;
     std::set<std::string> taken;
     for (IpcOutputReply& output : outputs) {
-        std::string uuid = identify_(output);
+        std::string uuid = identity(output);
         if (!taken.insert(uuid).second) uuid += " " + output.name;
         displays.push_back({.uuid = std::move(uuid), .output = std::move(output), .current = {}});
     }
     return displays;
+}
+
+const std::string& IpcSession::identity(const IpcOutputReply& output) {
+    const std::string key = output.name + '\n' + output.make + '\n' + output.model + '\n' + output.serial;
+    const auto found = identities_.find(key);
+    return found != identities_.end() ? found->second
+                                      : identities_.emplace(key, identify_(output)).first->second;
 }
 
 std::string IpcSession::activation(SpaceID space, const DisplayID& display) const {
@@ -105,6 +112,7 @@ void IpcSession::settleNames() {
 
 void IpcSession::onConnected() {
     registry_.beginRun();
+    identities_.clear();
     news_.space = news_.screens = news_.bindingsLost = true;
     tellLater();
 }
@@ -117,7 +125,10 @@ void IpcSession::onLost() {
 void IpcSession::onEvent(const IpcFrame& event) {
     switch (static_cast<IpcEvent>(event.type)) {
     case IpcEvent::workspace: onWorkspaceEvent(parseWorkspaceEvent(event.payload)); break;
-    case IpcEvent::output: news_.screens = true; break;
+    case IpcEvent::output:
+        identities_.clear();
+        news_.screens = true;
+        break;
     case IpcEvent::binding: news_.bindingsRun.push_back(parseBindingEvent(event.payload)); break;
     case IpcEvent::shutdown:
         // The end of the connection follows.

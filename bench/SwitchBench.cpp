@@ -1,0 +1,127 @@
+// What a verified switch costs through the door that every surface uses, beside the least that it can cost on
+// the same window manager, and beside a spawned message program. Each on a session of its own.
+
+#include "bench/SwitchOpenbox.h"
+#include "core/platform/wmipc/IpcFrames.h"
+#include "core/platform/wmipc/IpcReplies.h"
+#include "tests/session/IpcFixture.h"
+
+#include <algorithm>
+#include <cstring>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace lumnara::bench {
+namespace {
+
+/// The least that a verified switch under i3 costs: a command and a reading in one write, and their answers.
+class BareI3Client {
+public:
+    explicit BareI3Client(const std::string& path)
+        : socket_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
+        if (::connect(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
+            throw std::runtime_error("i3 does not listen at " + path);
+    }
+    BareI3Client(const BareI3Client&) = delete;
+    ~BareI3Client() { ::close(socket_); }
+
+    void switchTo(const std::string& workspace) {
+        send(encodeFrame(IpcType::command, "workspace \"" + workspace + "\"") +
+             encodeFrame(IpcType::workspaces, ""));
+        answer();
+        if (!isShown(answer(), workspace)) throw std::runtime_error("the bare switch did not land");
+    }
+    bool shows(const std::string& workspace) {
+        send(encodeFrame(IpcType::workspaces, ""));
+        return isShown(answer(), workspace);
+    }
+
+private:
+    void send(const std::string& bytes) {
+        if (::send(socket_, bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size()))
+            throw std::runtime_error("i3 does not read");
+    }
+    std::string answer() {
+        for (;;) {
+            if (auto frame = frames_.next()) return frame->payload;
+            char bytes[65536];
+            const ssize_t got = ::recv(socket_, bytes, sizeof bytes, 0);
+            if (got <= 0) throw std::runtime_error("i3 has gone");
+            frames_.append({bytes, static_cast<std::size_t>(got)});
+        }
+    }
+    static bool isShown(const std::string& json, const std::string& workspace) {
+        const auto workspaces = parseWorkspaces(json);
+        return std::ranges::any_of(workspaces,
+                                   [&](const auto& each) { return each.visible && each.name == workspace; });
+    }
+
+    int socket_;
+    FrameReader frames_;
+};
+
+/// Ten desktops with a window each, on two monitors. The ratios are ours divided by the yardstick.
+void measureI3(Report& report) {
+    testing::IpcFixture at(testing::IpcWindowManager::i3);
+    BareI3Client bare(at.x().i3Socket());
+    for (int number = 10; number >= 1; --number) {
+        const std::string name = std::to_string(number);
+        at.command("focus output " + std::string(number % 2 ? "L" : "R") + "; workspace " + name);
+        if (!testing::waitUntil([&] { return bare.shows(name); }))
+            throw std::runtime_error("no workspace " + name);
+        at.x().openWindow("window " + name);
+    }
+    // The two that are switched between, both on L.
+    const std::string names[] = {"1", "3"};
+    SwitchVerifier::currentSpaceReader = [&at](const DisplayID& display) {
+        return at.platform().windowServer->currentSpace(display);
+    };
+    std::map<std::string, std::string> uuids;
+    for (const std::string& name : names) {
+        bare.switchTo(name);
+        uuids[name] = at.current("L");
+    }
+
+    std::vector<double> ours, bares, spawns;
+    std::size_t target = 1;
+    for (int round = 0; round < 301; ++round) {
+        target = 1 - target;
+        ours.push_back(microsecondsOfSwitch(at.loop, at.switcher(), uuids.at(names[target])));
+        if (!bare.shows(names[target])) throw std::runtime_error("the switch did not land");
+        target = 1 - target;
+        bares.push_back(microsecondsOf([&] { bare.switchTo(names[target]); }));
+        at.loop.runUntil([] { return false; }, 0.001); // what it announced to us
+    }
+    for (int round = 0; round < 51; ++round) {
+        target = 1 - target;
+        spawns.push_back(microsecondsOf([&] {
+            at.x()
+                .start({"i3-msg", "-q", "-s", at.x().i3Socket(), "workspace", names[target]})
+                ->waitForExit();
+        }));
+        if (!bare.shows(names[target])) throw std::runtime_error("the spawned switch did not land");
+    }
+    SwitchVerifier::currentSpaceReader = nullptr;
+
+    const double verified = medianOf(std::move(ours));
+    const double plain = medianOf(std::move(bares));
+    const double spawned = medianOf(std::move(spawns));
+    report.line("i3 verified, us", verified);
+    report.line("i3 bare, us", plain);
+    report.line("i3 spawned, us", spawned);
+    report.add("i3_verified_vs_bare", verified / plain, "at most 1.5");
+    report.add("i3_vs_spawned", verified / spawned);
+}
+
+} // namespace
+} // namespace lumnara::bench
+
+int main() {
+    lumnara::bench::Report report("switch");
+    lumnara::bench::measureI3(report);
+    lumnara::bench::measureOpenbox(report);
+}
