@@ -86,7 +86,8 @@ double BoardLayout::scrollShowing(int position, double scroll) const {
     const double peek = std::min(metrics::gap, (viewport_.height() - place.height()) / 2);
     const double least = place.bottom() - viewport_.bottom() + peek;
     const double most = place.top() - viewport_.top() - peek;
-    return std::clamp(std::clamp(scroll, std::min(least, most), most), 0.0, maximumScroll_);
+    // A tile that comes to rest between two pixels has blurred edges.
+    return std::round(std::clamp(std::clamp(scroll, std::min(least, most), most), 0.0, maximumScroll_));
 }
 
 int BoardLayout::visibleRows() const {

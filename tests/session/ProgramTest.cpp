@@ -182,6 +182,7 @@ TEST(Program, SetsADamagedFileAsideAndGoesOn) {
     std::ofstream(file) << "{ \"schemaVersion\": 2, \"desk";
     program.start();
     nameCurrent(session, program, "Writing");
+    EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(file); }));
     EXPECT_EQ(program.stop(), 0);
 
     int aside = 0;

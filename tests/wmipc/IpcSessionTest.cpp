@@ -121,6 +121,8 @@ TEST_F(IpcSessionTest, SurvivesAMonitorInTheMidstOfPlugging) {
     EXPECT_EQ(read.displays[0].spaces.size(), 1U);
 
     show("", workspace(1, "1", "L", true, true));
+    server.send(frame(outputEvent, R"({"change":"unspecified"})"));
+    EXPECT_TRUE(loop.runUntil([&] { return session->read().empty(); }, 5));
     EXPECT_THROW(snapshot(), SpaceKitError);
     EXPECT_EQ(windowServer().currentSpace({"L"}), std::nullopt);
 }

@@ -18,8 +18,11 @@ IpcSession::IpcSession(async::Loop& loop, Setup setup)
       ipc_(loop, std::move(setup.ipc), *this) {}
 
 std::vector<IpcSession::Display> IpcSession::read() {
-    std::vector<Display> displays = identified(ipc_.ask(IpcType::outputs, {}, parseOutputs));
+    // In this order: an answer comes after the events of what happened before it.
     const std::vector<IpcWorkspaceReply> workspaces = ipc_.ask(IpcType::workspaces, {}, parseWorkspaces);
+    // i3 tells of every change of its outputs, and sway doesn't.
+    if (displaysStale_ || dialect_ != IpcDialect::i3) readDisplays();
+    std::vector<Display> displays = displays_;
 
     std::vector<WorkspaceRegistry::LiveDisplay> live;
     for (const Display& display : displays) {
@@ -45,25 +48,28 @@ std::vector<IpcSession::Display> IpcSession::read() {
     return displays;
 }
 
-std::vector<IpcSession::Display> IpcSession::identified(std::vector<IpcOutputReply> outputs) {
+void IpcSession::readDisplays() {
+    displaysStale_ = false; // an event that comes with the answer makes it stale again
+    try {
+        displays_ = identified(ipc_.ask(IpcType::outputs, {}, parseOutputs));
+    } catch (...) {
+        displaysStale_ = true;
+        throw;
+    }
+}
+
+std::vector<IpcSession::Display> IpcSession::identified(std::vector<IpcOutputReply> outputs) const {
     std::ranges::sort(outputs, {}, [](const IpcOutputReply& output) {
         return std::tuple(output.rect.x, output.rect.y, output.name);
     });
     std::vector<Display> displays;
     std::set<std::string> taken;
     for (IpcOutputReply& output : outputs) {
-        std::string uuid = identity(output);
+        std::string uuid = identify_(output);
         if (!taken.insert(uuid).second) uuid += " " + output.name;
         displays.push_back({.uuid = std::move(uuid), .output = std::move(output), .current = {}});
     }
     return displays;
-}
-
-const std::string& IpcSession::identity(const IpcOutputReply& output) {
-    const std::string key = output.name + '\n' + output.make + '\n' + output.model + '\n' + output.serial;
-    const auto found = identities_.find(key);
-    return found != identities_.end() ? found->second
-                                      : identities_.emplace(key, identify_(output)).first->second;
 }
 
 std::string IpcSession::activation(SpaceID space, const DisplayID& display) const {
@@ -112,7 +118,7 @@ void IpcSession::settleNames() {
 
 void IpcSession::onConnected() {
     registry_.beginRun();
-    identities_.clear();
+    displaysStale_ = true;
     news_.space = news_.screens = news_.bindingsLost = true;
     tellLater();
 }
@@ -126,7 +132,7 @@ void IpcSession::onEvent(const IpcFrame& event) {
     switch (static_cast<IpcEvent>(event.type)) {
     case IpcEvent::workspace: onWorkspaceEvent(parseWorkspaceEvent(event.payload)); break;
     case IpcEvent::output:
-        identities_.clear();
+        displaysStale_ = true;
         news_.screens = true;
         break;
     case IpcEvent::binding: news_.bindingsRun.push_back(parseBindingEvent(event.payload)); break;

@@ -68,8 +68,8 @@ private:
     void onEvent(const IpcFrame& event) override;
     void onWorkspaceEvent(const IpcWorkspaceEvent& event);
 
-    std::vector<Display> identified(std::vector<IpcOutputReply> outputs);
-    const std::string& identity(const IpcOutputReply& output);
+    void readDisplays();
+    std::vector<Display> identified(std::vector<IpcOutputReply> outputs) const;
     void settleNames();
     void tellLater();
     void tell();
@@ -78,8 +78,9 @@ private:
     IpcDialect dialect_;
     std::function<std::string(const IpcOutputReply&)> identify_;
     WorkspaceRegistry registry_;
-    /// What identify_ said since monitors last changed; it may have to ask another server.
-    std::map<std::string, std::string> identities_;
+    /// The displays since monitors last changed, without what they show.
+    std::vector<Display> displays_;
+    bool displaysStale_ = true;
     /// The connectors of the displays of the last reading.
     std::map<std::string, std::string> connectors_;
 

@@ -49,15 +49,20 @@ void X11GlobalShortcuts::unbind(const std::string& name) {
     bindings_.erase(found);
 }
 
+std::optional<X11GlobalShortcuts::Grab> X11GlobalShortcuts::grabOf(const Shortcut& shortcut) const {
+    const auto keyCode = keyboard_ ? keyboard_->keyCode(shortcut.key) : std::nullopt;
+    if (!keyCode) return std::nullopt;
+    return Grab{*keyCode, keyboard_->mask(shortcut.modifiers), keyboard_->numLockMask()};
+}
+
 ShortcutStatus X11GlobalShortcuts::grab(Binding& binding) {
-    const auto keyCode = keyboard_ ? keyboard_->keyCode(binding.shortcut.key) : std::nullopt;
-    if (!keyCode) return ShortcutStatus::unavailable;
-    const Grab wanted{*keyCode, keyboard_->mask(binding.shortcut.modifiers)};
+    const auto wanted = grabOf(binding.shortcut);
+    if (!wanted) return ShortcutStatus::unavailable;
     std::vector<xcb_void_cookie_t> cookies;
-    for (const auto locks : lockCombinations())
+    for (const auto locks : lockCombinations(*wanted))
         cookies.push_back(xcb_grab_key_checked(connection_->xcb(), 0, connection_->root(),
-                                               wanted.modifiers | locks, wanted.keyCode, XCB_GRAB_MODE_ASYNC,
-                                               XCB_GRAB_MODE_ASYNC));
+                                               wanted->modifiers | locks, wanted->keyCode,
+                                               XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
     try {
         connection_->roundTrip();
     } catch (const Failure&) {
@@ -67,7 +72,7 @@ ShortcutStatus X11GlobalShortcuts::grab(Binding& binding) {
     const auto refused = std::count_if(cookies.begin(), cookies.end(),
                                        [this](const auto cookie) { return connection_->failed(cookie); });
     if (refused > 0) {
-        ungrab(wanted);
+        ungrab(*wanted);
         return ShortcutStatus::usedBySystem;
     }
     binding.grab = wanted;
@@ -83,15 +88,14 @@ void X11GlobalShortcuts::release(Binding& binding) {
 }
 
 void X11GlobalShortcuts::ungrab(const Grab& grab) {
-    for (const auto locks : lockCombinations())
+    for (const auto locks : lockCombinations(grab))
         xcb_ungrab_key(connection_->xcb(), grab.keyCode, connection_->root(), grab.modifiers | locks);
     xcb_flush(connection_->xcb());
 }
 
-std::vector<std::uint16_t> X11GlobalShortcuts::lockCombinations() const {
-    const std::uint16_t num = keyboard_->numLockMask();
-    if (num == 0) return {0, XCB_MOD_MASK_LOCK};
-    return {0, XCB_MOD_MASK_LOCK, num, static_cast<std::uint16_t>(XCB_MOD_MASK_LOCK | num)};
+std::vector<std::uint16_t> X11GlobalShortcuts::lockCombinations(const Grab& grab) {
+    if (grab.numLock == 0) return {0, XCB_MOD_MASK_LOCK};
+    return {0, XCB_MOD_MASK_LOCK, grab.numLock, static_cast<std::uint16_t>(XCB_MOD_MASK_LOCK | grab.numLock)};
 }
 
 void X11GlobalShortcuts::readKeyboard() {
@@ -111,14 +115,21 @@ void X11GlobalShortcuts::readKeyboard() {
         std::vector(modifierKeys, modifierKeys + xcb_get_modifier_mapping_keycodes_length(modifiers.get())));
 }
 
+/// The server announces a change each time another keyboard is typed on, most often with the same keys: a
+/// grab that stays right is kept, or the very press that made the change would be lost.
 void X11GlobalShortcuts::followKeyboard() {
-    for (auto& [name, binding] : bindings_) release(binding);
     try {
         readKeyboard();
     } catch (const Failure&) {
         return;
     }
-    for (auto& [name, binding] : bindings_) grab(binding);
+    const auto stays = [this](const Binding& binding) {
+        return binding.grab && binding.grab == grabOf(binding.shortcut);
+    };
+    for (auto& [name, binding] : bindings_)
+        if (!stays(binding)) release(binding);
+    for (auto& [name, binding] : bindings_)
+        if (!binding.grab) grab(binding);
 }
 
 void X11GlobalShortcuts::press(const xcb_key_press_event_t& event) {
@@ -136,7 +147,8 @@ void X11GlobalShortcuts::press(const xcb_key_press_event_t& event) {
                                                        [this] { lookWhetherReleased(); })};
     constexpr unsigned allModifiers = 0xFF;
     const unsigned locks = XCB_MOD_MASK_LOCK | keyboard_->numLockMask();
-    const Grab pressed{event.detail, static_cast<std::uint16_t>(event.state & allModifiers & ~locks)};
+    const Grab pressed{event.detail, static_cast<std::uint16_t>(event.state & allModifiers & ~locks),
+                       keyboard_->numLockMask()};
     std::vector<std::function<void()>> calls;
     for (const auto& [name, binding] : bindings_)
         if (binding.grab == pressed) calls.push_back(binding.onPressed);

@@ -26,6 +26,7 @@ private:
     struct Grab {
         std::uint8_t keyCode = 0;
         std::uint16_t modifiers = 0;
+        std::uint16_t numLock = 0;
         bool operator==(const Grab&) const = default;
     };
     struct Binding {
@@ -41,11 +42,13 @@ private:
         std::unique_ptr<async::Repeating> watch;
     };
 
+    /// What a shortcut is on this keyboard; nothing if the keyboard lacks the key.
+    std::optional<Grab> grabOf(const Shortcut& shortcut) const;
     ShortcutStatus grab(Binding& binding);
     /// Gives the key back unless another binding needs it too.
     void release(Binding& binding);
     void ungrab(const Grab& grab);
-    std::vector<std::uint16_t> lockCombinations() const;
+    static std::vector<std::uint16_t> lockCombinations(const Grab& grab);
     void readKeyboard();
     void followKeyboard();
     void press(const xcb_key_press_event_t& event);
