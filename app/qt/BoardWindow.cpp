@@ -34,8 +34,13 @@ void BoardWindow::show(const ScreenInfo& info) {
                              windows_.isComposited_();
     view_.setScreen(screen);
     view_.open(screen->size(), translucent);
-    if (!placesOwnWindows()) return view_.showFullScreen();
+    // Also where the compositor places it: a window is made for the screen that its place is on.
     view_.setGeometry(screen->geometry());
+    if (!placesOwnWindows()) {
+        view_.showFullScreen();
+        if (!configureWatch_) configureWatch_ = drawingAtEachConfigure(view_);
+        return;
+    }
     view_.show();
     view_.raise();
 }

@@ -3,6 +3,8 @@
 #include "app/board/BoardSurface.h"
 #include "app/qt/BoardView.h"
 
+#include <memory>
+
 namespace lumnara {
 
 class BoardWindows;
@@ -22,6 +24,8 @@ public:
 private:
     BoardWindows& windows_;
     BoardView view_;
+    /// Under Wayland, from the first showing on.
+    std::unique_ptr<QObject> configureWatch_;
 };
 
 } // namespace lumnara

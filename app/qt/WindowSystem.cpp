@@ -2,10 +2,29 @@
 
 #include "core/platform/Screens.h"
 
+#include <QEvent>
 #include <QGuiApplication>
 #include <QScreen>
+#include <QWidget>
+#include <QWindow>
 
 namespace lumnara {
+
+namespace {
+
+class ConfigureWatch : public QObject {
+public:
+    ConfigureWatch(QWindow& watched, QWidget& drawn) : drawn_(drawn) { watched.installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Expose) drawn_.update();
+        return false;
+    }
+
+private:
+    QWidget& drawn_;
+};
+
+} // namespace
 
 bool placesOwnWindows() { return QGuiApplication::platformName() == QLatin1String("xcb"); }
 
@@ -18,6 +37,10 @@ QScreen* screenFor(const ScreenInfo& info) {
         if (QPointF(screen->geometry().topLeft()) == QPointF(info.frame.x, info.frame.y)) return screen;
     }
     return QGuiApplication::primaryScreen();
+}
+
+std::unique_ptr<QObject> drawingAtEachConfigure(QWidget& window) {
+    return std::make_unique<ConfigureWatch>(*window.windowHandle(), window);
 }
 
 } // namespace lumnara

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <memory>
+
+class QObject;
 class QScreen;
+class QWidget;
 
 namespace lumnara {
 
@@ -13,5 +17,10 @@ bool placesOwnWindows();
 /// The toolkit's screen for the platform's: by its connector, else by its place; the first screen for one
 /// that the toolkit doesn't know.
 QScreen* screenFor(const ScreenInfo& info);
+
+/// Draws a window that was shown once whenever the compositor tells it of a new state, as long as the result
+/// lives. A compositor shows nothing new on any screen before it has a picture made in the state that it told
+/// of, or lost patience, and the toolkit makes none when the size stays.
+std::unique_ptr<QObject> drawingAtEachConfigure(QWidget& window);
 
 } // namespace lumnara

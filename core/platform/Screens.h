@@ -16,13 +16,17 @@ struct ScreenInfo {
     std::string uuid;
     /// The connector or monitor name of the window system ("DP-1"), by which a surface finds its screen.
     std::string connector;
-    /// The human name: maker and model where the monitor tells them, else the connector.
+    /// The human name: maker and model where the monitor tells them, else the connector. No two screens
+    /// have the same one.
     std::string name;
     Rect frame;
     double scale = 1;
 
     bool operator==(const ScreenInfo&) const = default;
 };
+
+/// The screens with the connector behind the names that several have.
+std::vector<ScreenInfo> distinctlyNamed(std::vector<ScreenInfo> screens);
 
 /// The monitors and the pointer. Owned by Platform, called on the main thread, read afresh at each call.
 class Screens {

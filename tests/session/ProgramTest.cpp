@@ -13,7 +13,7 @@ namespace {
 /// The program as a user starts it, in a session under a window manager, driven by keys alone.
 class Program {
 public:
-    explicit Program(const XSession& session) : session_(session) {}
+    explicit Program(const Session& session) : session_(session) {}
 
     void start() {
         const int before = count("Lumnara: ready");
@@ -46,7 +46,7 @@ public:
     }
 
 private:
-    const XSession& session_;
+    const Session& session_;
     std::unique_ptr<Child> child_;
 };
 
@@ -113,6 +113,53 @@ TEST(Program, NamesSurviveItsOwnEndAndThatOfI3) {
     session.run({"i3-msg", "workspace 7"});
     goTo(session, program, "ma");
     EXPECT_TRUE(waitUntil([&] { return i3Visible(session, "L") == "1: Mail"; })) << program.log();
+    EXPECT_EQ(program.stop(), 0);
+}
+
+TEST(Program, NamesADesktopOfSwayAndComesBackToIt) {
+    SwaySession session;
+    Program program(session);
+    program.start();
+    const auto type = [&session](std::vector<std::string> keys) {
+        // A keyboard that is new needs a moment until everybody listens to it.
+        keys.insert(keys.begin(), {"wtype", "-s", "300", "-d", "5"});
+        ASSERT_EQ(session.run(keys).status, 0);
+    };
+    const auto visible = [&session](const std::string& output) -> std::string {
+        for (const auto& workspace :
+             nlohmann::json::parse(session.run({"swaymsg", "-r", "-t", "get_workspaces"}).text))
+            if (workspace["output"] == output && workspace["visible"] == true) return workspace["name"];
+        return {};
+    };
+    /// The outputs on which a Board covers everything, and the one that has the keyboard.
+    const auto boards = [&session] {
+        std::string shown;
+        const auto tree = nlohmann::json::parse(session.run({"swaymsg", "-r", "-t", "get_tree"}).text);
+        for (const auto& output : tree["nodes"])
+            for (const auto& workspace : output["nodes"])
+                for (const auto& window : workspace["nodes"])
+                    if (window["fullscreen_mode"] == 1 && window["visible"] == true)
+                        shown += output["name"].get<std::string>() + (window["focused"] ? "* " : " ");
+        return shown;
+    };
+
+    const auto openBoards = [&] {
+        type({"-M", "alt", "-k", "1", "-m", "alt"});
+        EXPECT_TRUE(waitUntil([&] { return boards() == "HEADLESS-1* HEADLESS-2 "; })) << boards();
+    };
+
+    openBoards();
+    type({"-M", "logo", "-k", "Return", "-m", "logo", "Mail", "-k", "Return", "-k", "Escape"});
+    ASSERT_TRUE(waitUntil([&] { return visible("HEADLESS-1") == "1: Mail"; })) << program.log();
+    EXPECT_TRUE(waitUntil([&] { return boards().empty(); })) << boards();
+
+    session.command("workspace 5");
+    EXPECT_EQ(program.stop(), 0);
+    program.start();
+    openBoards();
+    type({"mai", "-k", "Return"});
+    EXPECT_TRUE(waitUntil([&] { return visible("HEADLESS-1") == "1: Mail"; })) << program.log();
+    EXPECT_EQ(visible("HEADLESS-2"), "2");
     EXPECT_EQ(program.stop(), 0);
 }
 

@@ -468,8 +468,4 @@ void SwaySession::command(const std::string& command) const {
     if (run({"swaymsg", "--", command}).status != 0) fail("sway refuses: " + command, "swaymsg");
 }
 
-void SwaySession::screenshot(const std::filesystem::path& file) const {
-    if (run({"grim", file}).status != 0) fail("no screenshot", "grim");
-}
-
 } // namespace lumnara::testing

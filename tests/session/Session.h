@@ -164,7 +164,6 @@ public:
     void continueWindowManager() const { sway_->send(SIGCONT); }
     /// Sends one command ("workspace web") through swaymsg; throws when it fails.
     void command(const std::string& command) const;
-    void screenshot(const std::filesystem::path& file) const;
 
 private:
     std::unique_ptr<Child> sway_;

@@ -30,11 +30,11 @@ TEST(IpcReplies, ReadI3) {
 TEST(IpcReplies, ReadSway) {
     const auto outputs = parseOutputs(
         R"([ { "id": 3, "type": "output", "rect": { "x": -1280, "y": 0, "width": 1280, "height": 720 },
-             "name": "DP-1", "active": true, "make": "Dell Inc.", "model": "U2720Q", "serial": "8F3K2",
+             "name": "DP-1", "active": true, "make": "Acme", "model": "U2720Q", "serial": "8F3K2",
              "scale": 1.5, "focused": true, "modes": [ ] },
-           { "name": "DP-2", "active": false, "make": "Dell Inc.", "model": "U2720Q", "serial": "9A" } ])");
+           { "name": "DP-2", "active": false, "make": "Acme", "model": "U2720Q", "serial": "9A" } ])");
     ASSERT_EQ(outputs.size(), 1U);
-    EXPECT_EQ(outputs[0].make + outputs[0].model + outputs[0].serial, "Dell Inc.U2720Q8F3K2");
+    EXPECT_EQ(outputs[0].make + outputs[0].model + outputs[0].serial, "AcmeU2720Q8F3K2");
     EXPECT_EQ(outputs[0].scale, 1.5);
     EXPECT_EQ(outputs[0].rect.x, -1280);
     EXPECT_TRUE(outputs[0].focused);

@@ -52,7 +52,13 @@ protected:
         if (type == 2) return {frame(type, R"({"success":true})")};
         if (type == 0) commands.push_back(payload);
         if (type == 0) return {frame(type, outcome)};
-        return {frame(type, type == 1 ? workspaces : outputs)};
+        if (type != 1) return {frame(type, outputs)};
+        std::string bytes = frame(type, workspaces);
+        if (!workspacesBehind.empty()) {
+            bytes += frame(workspaceEvent, R"({"change":"focus"})");
+            workspaces = std::exchange(workspacesBehind, {});
+        }
+        return {bytes};
     }
     void show(const std::string& theOutputs, const std::string& theWorkspaces) {
         const std::lock_guard lock(mutex);
@@ -84,6 +90,8 @@ protected:
     std::mutex mutex;
     std::string outputs = "[]";
     std::string workspaces = "[]";
+    /// What there is right after the next answer, with an event between the two.
+    std::string workspacesBehind;
     std::string outcome = R"([{"success":true}])";
     std::vector<std::string> commands;
     bool hanging = false;
@@ -128,7 +136,7 @@ TEST_F(IpcSessionTest, SurvivesAMonitorInTheMidstOfPlugging) {
 }
 
 TEST_F(IpcSessionTest, KnowsMonitorsByWhatTheyAre) {
-    const std::string dell = R"(,"make":"Dell Inc.","model":"U2720Q","serial":"8F3K2","scale":1.5)";
+    const std::string dell = R"(,"make":"Acme","model":"U27","serial":"8F3K2","scale":1.5)";
     const std::string unknown = R"(,"make":"Unknown","model":"Unknown","serial":"Unknown")";
     show(output("DP-1", 0, dell) + "," + output("DP-2", 1280, dell) + "," + output("DP-3", 2560, unknown),
          workspace(1, "1", "DP-1", true) + "," + workspace(2, "2", "DP-2", true) + "," +
@@ -136,12 +144,12 @@ TEST_F(IpcSessionTest, KnowsMonitorsByWhatTheyAre) {
     SwayScreens screens(*session);
     const auto read = screens.screens();
     ASSERT_EQ(read.size(), 3U);
-    EXPECT_EQ(read[0], (ScreenInfo{.uuid = "Dell Inc. U2720Q 8F3K2",
+    EXPECT_EQ(read[0], (ScreenInfo{.uuid = "Acme U27 8F3K2",
                                    .connector = "DP-1",
-                                   .name = "Dell Inc. U2720Q",
+                                   .name = "Acme U27 (DP-1)",
                                    .frame = {0, 0, 1280, 800},
                                    .scale = 1.5}));
-    EXPECT_EQ(read[1].uuid, "Dell Inc. U2720Q 8F3K2 DP-2") << "two of a kind";
+    EXPECT_EQ(read[1].uuid, "Acme U27 8F3K2 DP-2") << "two of a kind";
     EXPECT_EQ(read[2].uuid, "DP-3");
     EXPECT_EQ(read[2].name, "DP-3");
     EXPECT_EQ(snapshot().displays[1].display.uuid, read[1].uuid);
@@ -208,9 +216,11 @@ TEST_F(IpcSessionTest, ActivatesOnTheRightOutput) {
         EXPECT_TRUE(loop.runUntil([&] { return !ended.empty(); }, 5));
         return ended;
     };
+    workspacesBehind = "[" + workspace(2, "2", "R", true, true) + "]";
     EXPECT_EQ(activate(right.spaces[0], {"r"}), "done");
     EXPECT_EQ(commands,
               std::vector<std::string>{R"(focus output "R"; workspace --no-auto-back-and-forth "2")"});
+    EXPECT_EQ(windowServer().currentSpace({"R"}), right.spaces[0].id) << "as it is after the event";
     EXPECT_EQ(activate(right.spaces[0], {"X"}), "i3 refused a command: it has no such output.");
     EXPECT_EQ(activate(Space{}, {"R"}), "i3 refused a command: it has no such workspace.");
     outcome = R"([{"success":true},{"success":false,"error":"not now"}])";

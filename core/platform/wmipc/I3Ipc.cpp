@@ -148,6 +148,11 @@ void I3Ipc::run(std::string_view commands, OnOutcomes onOutcomes) {
     });
 }
 
+void I3Ipc::askAhead(IpcType type, std::function<void(const std::string*)> onAnswer) {
+    checkReachable();
+    send(type, {}, std::move(onAnswer));
+}
+
 std::string I3Ipc::request(IpcType type, std::string_view payload) {
     checkReachable();
     std::optional<std::string> answer;

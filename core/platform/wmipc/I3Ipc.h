@@ -77,6 +77,9 @@ public:
     using OnOutcomes = std::function<void(const std::vector<IpcOutcome>*)>;
     /// Sends commands. Throws WindowManagerError when they can't be sent; `onOutcomes` is then not called.
     void run(std::string_view commands, OnOutcomes onOutcomes);
+    /// Asks without waiting. `onAnswer` may throw IpcProtocolError, which ends the connection; it gets null
+    /// when the connection went before the answer came. Called like the listener. Throws like run().
+    void askAhead(IpcType type, std::function<void(const std::string* answer)> onAnswer);
 
 private:
     enum class State {

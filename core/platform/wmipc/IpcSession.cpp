@@ -10,6 +10,13 @@
 
 namespace lumnara {
 
+namespace {
+
+/// Seconds for which an answer counts that was asked ahead: it is meant for what runs next.
+constexpr double aheadFreshness = 0.005;
+
+} // namespace
+
 IpcSession::IpcSession(async::Loop& loop, Setup setup)
     : loop_(loop),
       dialect_(setup.dialect),
@@ -19,7 +26,7 @@ IpcSession::IpcSession(async::Loop& loop, Setup setup)
 
 std::vector<IpcSession::Display> IpcSession::read() {
     // In this order: an answer comes after the events of what happened before it.
-    const std::vector<IpcWorkspaceReply> workspaces = ipc_.ask(IpcType::workspaces, {}, parseWorkspaces);
+    const std::vector<IpcWorkspaceReply> workspaces = readWorkspaces();
     // i3 tells of every change of its outputs, and sway doesn't.
     if (displaysStale_ || dialect_ != IpcDialect::i3) readDisplays();
     std::vector<Display> displays = displays_;
@@ -48,6 +55,12 @@ std::vector<IpcSession::Display> IpcSession::read() {
     return displays;
 }
 
+std::vector<IpcWorkspaceReply> IpcSession::readWorkspaces() {
+    const auto told = std::exchange(toldAhead_, std::nullopt);
+    if (told && async::secondsOf(loop_.now() - told->at) <= aheadFreshness) return told->workspaces;
+    return ipc_.ask(IpcType::workspaces, {}, parseWorkspaces);
+}
+
 void IpcSession::readDisplays() {
     displaysStale_ = false; // an event that comes with the answer makes it stale again
     try {
@@ -70,6 +83,17 @@ std::vector<IpcSession::Display> IpcSession::identified(std::vector<IpcOutputRep
         displays.push_back({.uuid = std::move(uuid), .output = std::move(output), .current = {}});
     }
     return displays;
+}
+
+void IpcSession::activate(SpaceID space, const DisplayID& display, I3Ipc::OnOutcomes onOutcomes) {
+    const auto result = std::make_shared<std::optional<std::vector<IpcOutcome>>>();
+    ipc_.run(activation(space, display), [result](const auto* outcomes) {
+        if (outcomes) *result = *outcomes;
+    });
+    ipc_.askAhead(IpcType::workspaces, [this, result, onOutcomes](const std::string* answer) {
+        if (answer) toldAhead_ = ToldAhead{parseWorkspaces(*answer), loop_.now()};
+        onOutcomes(answer && *result ? &**result : nullptr);
+    });
 }
 
 std::string IpcSession::activation(SpaceID space, const DisplayID& display) const {
@@ -129,6 +153,7 @@ void IpcSession::onLost() {
 }
 
 void IpcSession::onEvent(const IpcFrame& event) {
+    toldAhead_.reset();
     switch (static_cast<IpcEvent>(event.type)) {
     case IpcEvent::workspace: onWorkspaceEvent(parseWorkspaceEvent(event.payload)); break;
     case IpcEvent::output:

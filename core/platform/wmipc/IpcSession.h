@@ -47,9 +47,10 @@ public:
     /// and then top to bottom. Throws WindowManagerError.
     std::vector<Display> read();
 
-    /// The command that shows a desktop, and makes its workspace again on its display if it is gone.
-    /// Throws WindowManagerError when nobody knows the desktop.
-    std::string activation(SpaceID space, const DisplayID& display) const;
+    /// Sends the command that shows a desktop, and makes its workspace again on its display if it is gone.
+    /// `onOutcomes` is called when what is shown then is told as well, so that the reading that follows waits
+    /// for nothing. Throws WindowManagerError, also when nobody knows the desktop.
+    void activate(SpaceID space, const DisplayID& display, I3Ipc::OnOutcomes onOutcomes);
 
     /// Takes in which desktops have records, and puts their names on the workspaces: now, or once the window
     /// manager can be asked. Doesn't wait for it.
@@ -68,6 +69,8 @@ private:
     void onEvent(const IpcFrame& event) override;
     void onWorkspaceEvent(const IpcWorkspaceEvent& event);
 
+    std::string activation(SpaceID space, const DisplayID& display) const;
+    std::vector<IpcWorkspaceReply> readWorkspaces();
     void readDisplays();
     std::vector<Display> identified(std::vector<IpcOutputReply> outputs) const;
     void settleNames();
@@ -78,6 +81,12 @@ private:
     IpcDialect dialect_;
     std::function<std::string(const IpcOutputReply&)> identify_;
     WorkspaceRegistry registry_;
+    /// What a switch asked ahead, and when it was told; of no use once anything has happened since.
+    struct ToldAhead {
+        std::vector<IpcWorkspaceReply> workspaces;
+        async::Nanos at;
+    };
+    std::optional<ToldAhead> toldAhead_;
     /// The displays since monitors last changed, without what they show.
     std::vector<Display> displays_;
     bool displaysStale_ = true;

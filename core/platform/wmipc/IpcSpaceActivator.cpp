@@ -27,10 +27,10 @@ void takeOutcomes(ActivationAnswer& answer, const std::vector<IpcOutcome>* outco
 } // namespace
 
 async::Task<> IpcSpaceActivator::activate(const Space& target, const DisplayID& display) {
-    const std::string command = session_.activation(target.id, display);
     const std::string windowManager = session_.ipc().windowManager();
     const auto answer = std::make_shared<ActivationAnswer>();
-    session_.ipc().run(command, [answer](const auto* outcomes) { takeOutcomes(*answer, outcomes); });
+    session_.activate(target.id, display,
+                      [answer](const auto* outcomes) { takeOutcomes(*answer, outcomes); });
     co_await answer->arrived.wait(activationPatience);
     if (answer->lost) throw WindowManagerError(WindowManagerError::Case::connectionLost, windowManager);
     if (answer->refusal)

@@ -1,5 +1,7 @@
 #include "core/platform/wmipc/SwayScreens.h"
 
+#include <utility>
+
 namespace lumnara {
 
 namespace {
@@ -23,7 +25,7 @@ std::vector<ScreenInfo> SwayScreens::screens() try {
                            .frame = display.output.rect,
                            .scale = display.output.scale});
     }
-    return screens;
+    return distinctlyNamed(std::move(screens));
 } catch (const WindowManagerError&) {
     return {};
 }

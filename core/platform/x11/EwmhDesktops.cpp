@@ -41,17 +41,13 @@ EwmhDesktops::EwmhDesktops(const std::shared_ptr<X11Connection>& connection, std
       saved_(remembered_) {}
 
 const EwmhReading& EwmhDesktops::read() {
+    if (const auto current = root_.readCurrentAlone(); current && *current < lastReading_.desktops.size()) {
+        lastReading_.current = *current;
+        return lastReading_;
+    }
     readIdentified();
     save();
     return lastReading_;
-}
-
-SpaceID EwmhDesktops::readCurrent() {
-    if (const auto current = root_.readCurrentAlone(); current && *current < lastReading_.desktops.size())
-        lastReading_.current = *current;
-    else
-        read();
-    return lastReading_.desktops[lastReading_.current].id;
 }
 
 bool EwmhDesktops::showNames(const std::map<std::string, std::string>& wanted) {

@@ -31,11 +31,9 @@ class EwmhDesktops {
 public:
     EwmhDesktops(const std::shared_ptr<X11Connection>& connection, std::filesystem::path memoryFile);
 
-    /// Reads afresh. The reference holds until the next reading. Throws WindowManagerError.
-    const EwmhReading& read();
-    /// The id of the desktop that is shown now, read afresh, but only as much as may have changed. Throws
+    /// Reads afresh, but only as much as may have changed. The reference holds until the next reading. Throws
     /// WindowManagerError.
-    SpaceID readCurrent();
+    const EwmhReading& read();
     /// The last reading; no desktops before the first. The reference holds until the next one.
     const EwmhReading& lastReading() const { return lastReading_; }
     /// Shows the user's names (by uuid) in place of the window manager's own, and those again where a name

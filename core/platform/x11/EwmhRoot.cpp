@@ -75,7 +75,7 @@ void EwmhRoot::noteArrival(const xcb_generic_event_t& event) {
     const auto& atoms = connection_->atoms();
     const auto atom = reinterpret_cast<const xcb_property_notify_event_t&>(event).atom;
     if (atom == atoms.netSupportingWmCheck || atom == atoms.netNumberOfDesktops ||
-        atom == atoms.lumnaraDesktopUuids)
+        atom == atoms.netDesktopNames || atom == atoms.lumnaraDesktopUuids)
         ++changes_;
 }
 

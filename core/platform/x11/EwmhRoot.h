@@ -56,7 +56,7 @@ private:
     /// The window whose end is the end of the window manager; none before the first reading and after it.
     xcb_window_t checkWindow_ = XCB_WINDOW_NONE;
     std::string windowManager_;
-    /// Counts the changes that make a reading old: all but those of names and the current desktop.
+    /// Counts the changes that make a reading old: all but those of the current desktop.
     std::uint64_t changes_ = 0;
     /// `changes_` as the last reading began; nothing when it failed.
     std::optional<std::uint64_t> changesRead_;

@@ -19,7 +19,8 @@ PropertyList EwmhWindowServer::managedDisplaySpaces() {
 std::optional<SpaceID> EwmhWindowServer::currentSpace(const DisplayID& display) {
     if (!display.isMain()) return std::nullopt;
     try {
-        return desktops_->readCurrent();
+        const auto& reading = desktops_->read();
+        return reading.desktops[reading.current].id;
     } catch (const Failure&) {
         return std::nullopt;
     }

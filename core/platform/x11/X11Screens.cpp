@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 #include <xcb/randr.h>
 
 namespace lumnara {
@@ -38,7 +39,7 @@ std::vector<ScreenInfo> X11Screens::screens() {
     std::sort(screens.begin(), screens.end(), [](const ScreenInfo& a, const ScreenInfo& b) {
         return std::tie(a.frame.x, a.frame.y) < std::tie(b.frame.x, b.frame.y);
     });
-    return screens;
+    return distinctlyNamed(std::move(screens));
 }
 
 std::optional<Point> X11Screens::pointer() {

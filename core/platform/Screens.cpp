@@ -1,0 +1,15 @@
+#include "core/platform/Screens.h"
+
+#include <algorithm>
+
+namespace lumnara {
+
+std::vector<ScreenInfo> distinctlyNamed(std::vector<ScreenInfo> screens) {
+    std::vector<std::string> names;
+    for (const ScreenInfo& screen : screens) names.push_back(screen.name);
+    for (ScreenInfo& screen : screens)
+        if (std::ranges::count(names, screen.name) > 1) screen.name += " (" + screen.connector + ")";
+    return screens;
+}
+
+} // namespace lumnara
