@@ -19,7 +19,7 @@ std::vector<std::string> numbered(int count) {
 }
 
 TEST(BoardView, forwardsKeysAndWhatAnInputMethodTypes) {
-    OpenBoard board({{"Mail", "Code"}});
+    OpenBoard board(Displays{{"Mail", "Code"}});
     board.key(Qt::Key_Alt);
     board.key(Qt::Key_Super_L);
     board.key(Qt::Key_A, "a");
@@ -37,7 +37,7 @@ TEST(BoardView, forwardsKeysAndWhatAnInputMethodTypes) {
 }
 
 TEST(BoardView, showsWhatAnInputMethodIsComposing) {
-    OpenBoard board({{"Mail", "Code"}});
+    OpenBoard board(Displays{{"Mail", "Code"}});
     const QImage before = board.drawn();
     QInputMethodEvent composing("に", {});
     QCoreApplication::sendEvent(&board.view, &composing);
@@ -84,7 +84,7 @@ TEST(BoardView, tellsClicksApart) {
 }
 
 TEST(BoardView, clicksTheFullSizeTileOrPutsItAway) {
-    OpenBoard board({{"Mail", "Code"}});
+    OpenBoard board(Displays{{"Mail", "Code"}});
     board.model.toggleExpanded();
     board.click({5, 5});
     EXPECT_FALSE(board.model.expandedKey());
@@ -95,7 +95,7 @@ TEST(BoardView, clicksTheFullSizeTileOrPutsItAway) {
 }
 
 TEST(BoardView, reportsTheTileUnderThePointer) {
-    OpenBoard board({{"Mail", "Code"}});
+    OpenBoard board(Displays{{"Mail", "Code"}});
     board.move(board.tile(1).center());
     board.move({5, 5});
     board.press(board.tile(0).center());
@@ -219,7 +219,7 @@ TEST(BoardView, drawsEverythingThatChanged) {
 }
 
 TEST(BoardView, tellsOncePerOpeningThatItIsPainted) {
-    OpenBoard board({{"Mail", "Code"}});
+    OpenBoard board(Displays{{"Mail", "Code"}});
     int painted = 0;
     board.view.onPainted = [&painted] { ++painted; };
     board.model.moveSelection(1, 0);

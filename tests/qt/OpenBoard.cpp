@@ -45,7 +45,7 @@ RecordingSurface::RecordingSurface() {
     onPointerEntered = [this] { ++entered; };
 }
 
-OpenBoard::OpenBoard(const std::vector<std::vector<std::string>>& displays, QSize size)
+OpenBoard::OpenBoard(const Displays& displays, QSize size)
     : provider(layoutOf(displays)),
       store(loop, folder / "desktops.json"),
       catalog(loop, provider, store),

@@ -33,12 +33,14 @@ public:
     int entered = 0;
 };
 
+/// The names of the desktops, display by display; an empty one leaves the desktop without a name.
+using Displays = std::vector<std::vector<std::string>>;
+
 /// A view that is open over a catalog in memory, drawn off screen in virtual time.
 class OpenBoard {
 public:
-    /// The names of the desktops, display by display; an empty one leaves the desktop without a name. The
-    /// first desktop of each display is the current one, and the Spaces are "1", "2" and so on.
-    explicit OpenBoard(const std::vector<std::vector<std::string>>& displays, QSize size = {1280, 800});
+    /// The first desktop of each display is the current one, and the Spaces are "1", "2" and so on.
+    explicit OpenBoard(const Displays& displays, QSize size = {1280, 800});
     ~OpenBoard();
 
     /// Opens the view anew, as it is when the Board is opened.
