@@ -4,12 +4,6 @@
 
 namespace lumnara::testing {
 
-void ScriptedProvider::show(SpaceID space) {
-    for (DisplaySpaces& display : current.displays)
-        for (const Space& candidate : display.spaces)
-            if (candidate.id == space) display.currentID = space;
-}
-
 std::optional<SpaceID> ScriptedWindowServer::currentSpace(const DisplayID& display) {
     ++probes;
     const DisplaySpaces* shown = provider_.current.spacesOnDisplay(display.uuid);
@@ -61,7 +55,7 @@ ScriptedSession::ScriptedSession(std::vector<DisplaySpaces> displays) {
     SpaceSnapshot snapshot{std::move(displays), loop.date()};
     ownProvider_ = std::make_unique<ScriptedProvider>(std::move(snapshot), std::nullopt, std::nullopt, names);
     provider = ownProvider_.get();
-    provider->loop = &loop;
+    provider->clock = &loop;
     auto ownWindowServer = std::make_unique<ScriptedWindowServer>(*provider);
     auto ownWorkspace = std::make_unique<ScriptedWorkspace>();
     auto ownActivator = std::make_unique<ScriptedActivator>(*provider);

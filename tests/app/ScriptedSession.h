@@ -3,10 +3,10 @@
 #include "app/AppState.h"
 #include "core/async/TestLoop.h"
 #include "core/base/Log.h"
-#include "core/model/SnapshotSpaceProvider.h"
 #include "core/model/SpaceKitError.h"
 #include "core/platform/Platform.h"
 #include "core/platform/WindowManagerError.h"
+#include "tests/support/ScriptedProvider.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <exception>
@@ -18,24 +18,6 @@
 namespace lumnara::testing {
 
 using Texts = std::vector<std::string>;
-
-/// A window manager in memory: what it shows is `current`, what it can't do is thrown.
-class ScriptedProvider : public SnapshotSpaceProvider {
-public:
-    using SnapshotSpaceProvider::SnapshotSpaceProvider;
-    SpaceSnapshot snapshot() override {
-        ++readings;
-        if (failure) std::rethrow_exception(failure);
-        current.takenAt = loop ? loop->date() : current.takenAt;
-        return current;
-    }
-    /// Makes a Space the current one of its display.
-    void show(SpaceID space);
-
-    std::exception_ptr failure;
-    async::Loop* loop = nullptr;
-    int readings = 0;
-};
 
 /// Answers the quick probes from the provider, and counts them.
 class ScriptedWindowServer : public WindowServer {

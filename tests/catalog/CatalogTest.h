@@ -3,9 +3,9 @@
 #include "core/async/TestLoop.h"
 #include "core/base/Log.h"
 #include "core/catalog/DesktopCatalog.h"
-#include "core/model/SnapshotSpaceProvider.h"
 #include "core/names/NameStore.h"
 #include "tests/model/Layouts.h"
+#include "tests/support/ScriptedProvider.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <filesystem>
@@ -15,21 +15,6 @@
 #include <vector>
 
 namespace lumnara::testing {
-
-/// A provider whose readings a test can make fail.
-class ScriptedProvider : public SnapshotSpaceProvider {
-public:
-    using SnapshotSpaceProvider::SnapshotSpaceProvider;
-
-    SpaceSnapshot snapshot() override {
-        ++readings;
-        if (failure) std::rethrow_exception(failure);
-        return SnapshotSpaceProvider::snapshot();
-    }
-
-    std::exception_ptr failure;
-    int readings = 0;
-};
 
 /// A catalog over a provider that the test drives and a store in a folder of its own.
 class CatalogTest : public ::testing::Test {

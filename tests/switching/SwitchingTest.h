@@ -1,11 +1,11 @@
 #pragma once
 
 #include "core/async/TestLoop.h"
-#include "core/model/SnapshotSpaceProvider.h"
 #include "core/switching/SpaceSwitching.h"
 #include "core/switching/SwitchError.h"
 #include "core/switching/SwitchVerifier.h"
 #include "tests/model/Layouts.h"
+#include "tests/support/ScriptedProvider.h"
 
 #include <exception>
 #include <functional>
@@ -16,25 +16,6 @@
 #include <vector>
 
 namespace lumnara::testing {
-
-/// A recorded layout that counts its readings and fails while `failure` is set.
-class ScriptedProvider : public SnapshotSpaceProvider {
-public:
-    using SnapshotSpaceProvider::SnapshotSpaceProvider;
-
-    SpaceSnapshot snapshot() override {
-        ++readings;
-        if (failure) std::rethrow_exception(failure);
-        return current;
-    }
-    void show(const std::string& display, std::uint64_t space) {
-        for (DisplaySpaces& shown : current.displays)
-            if (shown.display.uuid == display) shown.currentID = {space};
-    }
-
-    int readings = 0;
-    std::exception_ptr failure;
-};
 
 /// A desktop with the uuid "U<id>"; 1 has none.
 inline Space desktop(std::uint64_t id) { return makeSpace(id, id == 1 ? "" : "U" + std::to_string(id)); }
