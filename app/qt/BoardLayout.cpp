@@ -34,7 +34,7 @@ BoardLayout::BoardLayout(const Input& input) : input_(input) {
     const double above = low ? 14 : metrics::margin;
     const double hintHeight = low ? 0 : 26;
     const double below = low ? 14 : hintHeight + 58;
-    const double underQuery = low ? 30 : 44;
+    const double underQuery = low ? 40 : 52;
     querySize_ = low || width < 480 ? 20 : 30;
     const double queryHeight = std::round(querySize_ * 1.65);
 
