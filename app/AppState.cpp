@@ -17,14 +17,16 @@ constexpr double startReportSeconds = 15;
 
 } // namespace
 
-AppState::AppState(async::Loop& loop, Platform& platform, std::unique_ptr<SpaceProvider> provider,
-                   const std::filesystem::path& dataFolder)
+AppState::AppState(async::Loop& loop, AppSettings& settings, Platform& platform,
+                   std::unique_ptr<SpaceProvider> provider, const std::filesystem::path& dataFolder)
     : loop_(loop),
+      settings_(settings),
       platform_(platform),
       store_(loop, dataFolder / "desktops.json"),
       provider_(std::move(provider)),
-      catalog_(loop, *provider_, store_),
-      switcher_(*provider_) {
+      catalog_(loop, *provider_, store_, *settings.displayLinkMode),
+      switcher_(*provider_, {.instantSwitching = *settings.instantSwitching}),
+      linkedSwitching_(loop, *provider_, catalog_, switcher_, notices_, platform.spaceActivator.get()) {
     connectSwitcher();
     reportStart();
     displaysChanged_ = catalog_.displays.subscribe([this](const auto&) { publishNames(); });
@@ -32,6 +34,7 @@ AppState::AppState(async::Loop& loop, Platform& platform, std::unique_ptr<SpaceP
     if (const auto& first = catalog_.snapshot.get()) handleRefresh(*first);
     if (Workspace* workspace = platform_.workspace.get())
         catalog_.startObserving([workspace](auto onEvent) { return workspace->observe(std::move(onEvent)); });
+    followSettings();
 }
 
 AppState::~AppState() {
@@ -54,6 +57,13 @@ void AppState::connectSwitcher() {
     SwitchVerifier::animationReader = [server](const DisplayID& display) {
         return server->isAnimating(display);
     };
+}
+
+void AppState::followSettings() {
+    settingsChanged_.push_back(settings_.instantSwitching.subscribe(
+        [this](bool instant) { switcher_.settings.instantSwitching = instant; }));
+    settingsChanged_.push_back(settings_.displayLinkMode.subscribe(
+        [this](DisplayLinkMode mode) { catalog_.setLinkMode(mode); }));
 }
 
 void AppState::stop() {
@@ -114,17 +124,24 @@ void AppState::publishNames() {
 }
 
 void AppState::switchTo(const Desktop& desktop) {
-    switching_ = async::spawn(loop_, runSwitch(desktop.spaceKey));
+    switching_ = async::spawn(loop_, runSwitch(desktop.key));
 }
 
 void AppState::switchBack() { switching_ = async::spawn(loop_, runSwitch(std::nullopt)); }
 
-async::Task<> AppState::runSwitch(std::optional<std::string> spaceKey) {
+async::Task<SwitchResult> AppState::switchToDesktop(std::string key) {
+    const std::vector<Desktop> members = catalog_.linkedMembers(key);
+    if (members.size() > 1) co_return co_await linkedSwitching_.run(members);
+    const std::string spaceKey = members.empty() ? key : members.front().spaceKey;
+    co_return co_await switcher_.switchToDesktop(spaceKey);
+}
+
+async::Task<> AppState::runSwitch(std::optional<std::string> key) {
     const auto context = co_await async::currentContext();
     std::exception_ptr failure;
     try {
-        if (spaceKey)
-            co_await switcher_.switchToDesktop(*spaceKey);
+        if (key)
+            co_await switchToDesktop(*key);
         else
             co_await switcher_.switchBack();
     } catch (...) {

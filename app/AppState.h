@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/AppSettings.h"
+#include "app/LinkedSwitching.h"
 #include "app/Notices.h"
 #include "core/async/Loop.h"
 #include "core/async/Signal.h"
@@ -16,6 +18,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace lumnara {
 
@@ -23,27 +26,35 @@ namespace lumnara {
 /// object that every surface holds. Built once, on the main thread, and lives as long as the program.
 class AppState {
 public:
-    /// `dataFolder` holds desktops.json and is created at the first save. The loop and the platform outlive
-    /// this object, and the loop turns no more once it is gone. `provider` reads the platform's session.
-    AppState(async::Loop& loop, Platform& platform, std::unique_ptr<SpaceProvider> provider,
-             const std::filesystem::path& dataFolder);
+    /// `dataFolder` holds desktops.json and is created at the first save. The loop, the platform and the
+    /// settings outlive this object, and the loop turns no more once it is gone. `provider` reads the
+    /// platform's session.
+    AppState(async::Loop& loop, AppSettings& settings, Platform& platform,
+             std::unique_ptr<SpaceProvider> provider, const std::filesystem::path& dataFolder);
     ~AppState();
     AppState(const AppState&) = delete;
     AppState& operator=(const AppState&) = delete;
 
     async::Loop& loop() { return loop_; }
+    AppSettings& settings() { return settings_; }
     Platform& platform() { return platform_; }
     NameStore& store() { return store_; }
     DesktopCatalog& catalog() { return catalog_; }
     SpaceSwitcher& switcher() { return switcher_; }
     Notices& notices() { return notices_; }
 
-    /// The one entry for a surface that wants a desktop shown. Returns at once; the switch runs as a task.
-    /// A later request takes over from one that is still under way. Being there already is silent; any other
-    /// failure is shown as a notice.
+    /// What every surface calls that wants a desktop shown: switchToDesktop as a task of its own. A later
+    /// request takes over from one that is still under way. Being there already is silent; any other failure
+    /// is shown as a notice.
     void switchTo(const Desktop& desktop);
     /// Back to the desktop that the display under the pointer showed before; the rest as in switchTo.
     void switchBack();
+
+    /// Shows the desktop of a key, and with it every desktop that is linked with it on its own display.
+    /// Throws SwitchError, or what the provider or the last engine failed with.
+    async::Task<SwitchResult> switchToDesktop(std::string key);
+    /// The outcome of the last switch of a link group, a second later.
+    LinkedSwitching& linkedSwitching() { return linkedSwitching_; }
 
     /// The current desktop of a display changed, to this one.
     async::Signal<const Desktop&> onDesktopSwitched;
@@ -55,15 +66,17 @@ public:
 
 private:
     void connectSwitcher();
+    void followSettings();
     void reportStart();
     void handleRefresh(const SpaceSnapshot& snapshot);
     void announceChanges();
     void publishNames();
-    /// To the desktop of that Space key, or back without one.
-    async::Task<> runSwitch(std::optional<std::string> spaceKey);
+    /// To the desktop of that key, or back without one.
+    async::Task<> runSwitch(std::optional<std::string> key);
     void reportSwitch(std::exception_ptr failure);
 
     async::Loop& loop_;
+    AppSettings& settings_;
     Platform& platform_;
     Notices notices_;
     NameStore store_;
@@ -71,9 +84,11 @@ private:
     DesktopCatalog catalog_;
     std::unique_ptr<WindowManagerEngine> engine_;
     SpaceSwitcher switcher_;
+    LinkedSwitching linkedSwitching_;
     std::map<std::string, std::string> lastCurrentKeys_;
     std::optional<std::string> lastAnnouncedKey_;
     async::Subscription displaysChanged_;
+    std::vector<async::Subscription> settingsChanged_;
     async::TaskHandle switching_;
 };
 

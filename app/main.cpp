@@ -106,9 +106,9 @@ int run(int& count, char** arguments) {
     text::warmUp();
 
     JsonDefaultsStore defaults(loop, folders.config / "settings.json");
-    const AppSettings settings(defaults);
+    AppSettings settings(defaults);
     Platform platform = choosePlatform(loop, windowSystem, environment, folders.data);
-    AppState state(loop, platform,
+    AppState state(loop, settings, platform,
                    std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens),
                    folders.data);
     if (const auto& error = defaults.loadError()) state.notices().show(error->sentence());

@@ -15,6 +15,9 @@ public:
     /// workspace again when the window manager has forgotten an empty one. Throws a Failure when the
     /// window manager can't be asked. The arguments must live until the task ends.
     virtual async::Task<> activate(const Space& target, const DisplayID& display) = 0;
+
+    /// Gives the keyboard to a display, where displays have it apart. The rest as in activate().
+    virtual async::Task<> focus(const DisplayID&) { co_return; }
 };
 
 } // namespace lumnara

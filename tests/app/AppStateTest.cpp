@@ -197,8 +197,10 @@ TEST(AppState, getsByWithoutAPlatform) {
     async::TestLoop loop;
     TemporaryFolder folder;
     Platform nothing;
+    MemoryDefaultsStore defaults;
+    AppSettings settings(defaults);
     auto provider = std::make_unique<SnapshotSpaceProvider>(SpaceSnapshot{twoDisplays(), loop.date()});
-    AppState state(loop, nothing, std::move(provider), folder.path());
+    AppState state(loop, settings, nothing, std::move(provider), folder.path());
     std::vector<Notice> notices;
     const auto listening =
         state.notices().subscribe([&](const Notice& notice) { notices.push_back(notice); });

@@ -10,11 +10,18 @@ std::optional<SpaceID> ScriptedWindowServer::currentSpace(const DisplayID& displ
     return shown ? std::optional(shown->currentID) : std::nullopt;
 }
 
-async::Task<> ScriptedActivator::activate(const Space& target, const DisplayID&) {
+async::Task<> ScriptedActivator::activate(const Space& target, const DisplayID& display) {
     asked.push_back(target.id);
     co_await async::sleepFor(0.001);
     if (failure) std::rethrow_exception(failure);
+    if (display.uuid == stubborn)
+        throw WindowManagerError(WindowManagerError::Case::refused, "i3", stubborn + " is stuck");
     if (obeys) provider_.show(target.id);
+}
+
+async::Task<> ScriptedActivator::focus(const DisplayID& display) {
+    focused.push_back(display.uuid);
+    co_return;
 }
 
 std::vector<std::string> RecordingPublisher::lastNames() const {
@@ -79,7 +86,7 @@ ScriptedSession::~ScriptedSession() {
 }
 
 AppState& ScriptedSession::start() {
-    state_ = std::make_unique<AppState>(loop, platform, std::move(ownProvider_), folder.path());
+    state_ = std::make_unique<AppState>(loop, settings, platform, std::move(ownProvider_), folder.path());
     listening_ = state_->notices().subscribe([this](const Notice& notice) { notices.push_back(notice); });
     return *state_;
 }

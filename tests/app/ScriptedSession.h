@@ -6,6 +6,7 @@
 #include "core/model/SpaceKitError.h"
 #include "core/platform/Platform.h"
 #include "core/platform/WindowManagerError.h"
+#include "tests/support/MemoryDefaultsStore.h"
 #include "tests/support/ScriptedProvider.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -58,8 +59,12 @@ class ScriptedActivator : public SpaceActivator {
 public:
     explicit ScriptedActivator(ScriptedProvider& provider) : provider_(provider) {}
     async::Task<> activate(const Space& target, const DisplayID& display) override;
+    async::Task<> focus(const DisplayID& display) override;
 
     std::vector<SpaceID> asked;
+    std::vector<std::string> focused;
+    /// A display that can't be switched.
+    std::string stubborn;
     std::exception_ptr failure;
     bool obeys = true;
 
@@ -101,6 +106,8 @@ public:
 
     TemporaryFolder folder;
     async::TestLoop loop;
+    MemoryDefaultsStore defaults;
+    AppSettings settings{defaults};
     Platform platform;
     ScriptedProvider* provider = nullptr;
     ScriptedWindowServer* windowServer = nullptr;

@@ -96,17 +96,27 @@ void IpcSession::activate(SpaceID space, const DisplayID& display, I3Ipc::OnOutc
     });
 }
 
+void IpcSession::focus(const DisplayID& display, I3Ipc::OnOutcomes onOutcomes) {
+    ipc_.run(focusing(display), std::move(onOutcomes));
+}
+
 std::string IpcSession::activation(SpaceID space, const DisplayID& display) const {
     const RegisteredDesktop* desktop = registry_.find(space);
+    if (!desktop)
+        throw WindowManagerError(WindowManagerError::Case::refused, ipc_.windowManager(),
+                                 "it has no such workspace");
+    // Without the output in front, a workspace that is gone would be made on the focused one.
+    return focusing(display) + "; workspace --no-auto-back-and-forth " +
+           quoted(dialect_, desktop->nextName());
+}
+
+std::string IpcSession::focusing(const DisplayID& display) const {
     const auto connector = std::ranges::find_if(
         connectors_, [&](const auto& entry) { return text::equalsIgnoringCase(entry.first, display.uuid); });
-    if (!desktop || connector == connectors_.end()) {
+    if (connector == connectors_.end())
         throw WindowManagerError(WindowManagerError::Case::refused, ipc_.windowManager(),
-                                 desktop ? "it has no such output" : "it has no such workspace");
-    }
-    // Without the output in front, a workspace that is gone would be made on the focused one.
-    return "focus output " + quoted(dialect_, connector->second) + "; workspace --no-auto-back-and-forth " +
-           quoted(dialect_, desktop->nextName());
+                                 "it has no such output");
+    return "focus output " + quoted(dialect_, connector->second);
 }
 
 void IpcSession::publish(const std::vector<PublishedDesktop>& desktops) {

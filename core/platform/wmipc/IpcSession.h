@@ -52,6 +52,10 @@ public:
     /// for nothing. Throws WindowManagerError, also when nobody knows the desktop.
     void activate(SpaceID space, const DisplayID& display, I3Ipc::OnOutcomes onOutcomes);
 
+    /// Sends the command that gives the keyboard to a display. Throws WindowManagerError, also for a display
+    /// that nobody knows.
+    void focus(const DisplayID& display, I3Ipc::OnOutcomes onOutcomes);
+
     /// Takes in which desktops have records, and puts their names on the workspaces: now, or once the window
     /// manager can be asked. Doesn't wait for it.
     void publish(const std::vector<PublishedDesktop>& desktops);
@@ -70,6 +74,7 @@ private:
     void onWorkspaceEvent(const IpcWorkspaceEvent& event);
 
     std::string activation(SpaceID space, const DisplayID& display) const;
+    std::string focusing(const DisplayID& display) const;
     std::vector<IpcWorkspaceReply> readWorkspaces();
     void readDisplays();
     std::vector<Display> identified(std::vector<IpcOutputReply> outputs) const;
