@@ -1,6 +1,7 @@
 #include "core/catalog/CatalogMerge.h"
 
 #include "core/catalog/DesktopOrder.h"
+#include "core/names/DisplayLink.h"
 #include "core/text/Text.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ namespace {
 
 using KeySet = std::unordered_set<std::string_view>;
 
-bool isLinkKey(std::string_view key) { return key.starts_with("link:"); }
+bool isLinkKey(std::string_view key) { return DisplayLink::id(key).has_value(); }
 bool isFullscreenKey(std::string_view key) { return key.starts_with("fullscreen:"); }
 
 /// The stable key of the Space that now stands where the record was last seen; null unless the place can be
@@ -34,13 +35,13 @@ const std::string* keyAtLastPlace(const Reading& reading, const LastSeen& seen) 
     return key ? &*key : nullptr;
 }
 
-Desktop makeDesktop(const Reading& reading, const NameStoreFile& file, std::size_t display,
-                    std::size_t place) {
+Desktop makeDesktop(const Reading& reading, const NameStoreFile& file, const LinkKeys& links,
+                    std::size_t display, std::size_t place) {
     const DisplaySpaces& spaces = reading.snapshot.displays[display];
     Desktop desktop;
     desktop.spaceKey = reading.spaceKey(display, place);
-    // A member of a link group gets the group's key here.
-    desktop.key = desktop.spaceKey;
+    const auto link = links.find(desktop.spaceKey);
+    desktop.key = link == links.end() ? desktop.spaceKey : link->second;
     desktop.space = spaces.spaces[place];
     desktop.display = spaces.display;
     if (const DesktopRecord* record = file.record(desktop.key)) desktop.record = *record;
@@ -73,6 +74,14 @@ std::string Reading::spaceKey(std::size_t display, std::size_t place) const {
     return key ? *key : "unkeyed:" + snapshot.displays[display].spaces[place].id.text();
 }
 
+std::unordered_set<std::string> Reading::spaceKeys() const {
+    std::unordered_set<std::string> keys;
+    for (std::size_t display = 0; display < stableKeys.size(); ++display)
+        for (std::size_t place = 0; place < stableKeys[display].size(); ++place)
+            keys.insert(spaceKey(display, place));
+    return keys;
+}
+
 std::vector<Reattachment> reattachments(const Reading& reading, const NameStoreFile& file) {
     KeySet live;
     for (const auto& keys : reading.stableKeys)
@@ -94,14 +103,45 @@ std::vector<Reattachment> reattachments(const Reading& reading, const NameStoreF
     return found;
 }
 
-NameStoreFile::Map<LastSeen> places(const Reading& reading, const NameStoreFile& file, Date now) {
+LinkKeys linkKeys(const Reading& reading, const NameStoreFile& file) {
+    LinkKeys keys;
+    if (!file.links || reading.snapshot.isSharedMain()) return keys;
+    struct Membership {
+        std::string_view id;
+        std::string_view displayUuid;
+    };
+    std::unordered_map<std::string_view, Membership> memberships;
+    for (const auto& [id, members] : *file.links)
+        for (const auto& [displayUuid, spaceKey] : members)
+            memberships.try_emplace(spaceKey, Membership{id, displayUuid});
+
+    for (std::size_t i = 0; i < reading.snapshot.displays.size(); ++i) {
+        const DisplaySpaces& display = reading.snapshot.displays[i];
+        KeySet held; // ids
+        for (const bool atHome : {true, false}) {
+            for (std::size_t place = 0; place < display.spaces.size(); ++place) {
+                std::string spaceKey = reading.spaceKey(i, place);
+                const auto found = memberships.find(spaceKey);
+                if (found == memberships.end()) continue;
+                const auto& [id, displayUuid] = found->second;
+                if (text::equalsIgnoringCase(displayUuid, display.display.uuid) == atHome &&
+                    held.insert(id).second)
+                    keys.emplace(std::move(spaceKey), DisplayLink::key(id));
+            }
+        }
+    }
+    return keys;
+}
+
+NameStoreFile::Map<LastSeen> places(const Reading& reading, const NameStoreFile& file, const LinkKeys& links,
+                                    Date now) {
     NameStoreFile::Map<LastSeen> found;
     for (std::size_t i = 0; i < reading.snapshot.displays.size(); ++i) {
         const DisplaySpaces& display = reading.snapshot.displays[i];
         for (std::size_t place = 0; place < display.spaces.size(); ++place) {
             std::string key = reading.spaceKey(i, place);
             const DesktopRecord* record = file.record(key);
-            if (!record) continue;
+            if (!record || links.contains(key)) continue;
             LastSeen seen{display.display.uuid, reading.displayNames[i], display.spaces[place].indexOnDisplay,
                           now, static_cast<int>(display.spaces.size())};
             if (!record->lastSeen || !record->lastSeen->samePlace(seen))
@@ -111,7 +151,8 @@ NameStoreFile::Map<LastSeen> places(const Reading& reading, const NameStoreFile&
     return found;
 }
 
-std::vector<DisplayDesktops> displays(const Reading& reading, const NameStoreFile& file) {
+std::vector<DisplayDesktops> displays(const Reading& reading, const NameStoreFile& file,
+                                      const LinkKeys& links) {
     std::vector<DisplayDesktops> made;
     made.reserve(reading.snapshot.displays.size());
     for (std::size_t i = 0; i < reading.snapshot.displays.size(); ++i) {
@@ -119,7 +160,7 @@ std::vector<DisplayDesktops> displays(const Reading& reading, const NameStoreFil
         std::vector<Desktop> desktops;
         desktops.reserve(display.spaces.size());
         for (std::size_t place = 0; place < display.spaces.size(); ++place)
-            desktops.push_back(makeDesktop(reading, file, i, place));
+            desktops.push_back(makeDesktop(reading, file, links, i, place));
         if (const std::vector<std::string>* order = file.orderOf(display.display.uuid))
             desktops = DesktopOrder::apply(std::move(desktops), *order);
         number(desktops);
@@ -128,15 +169,21 @@ std::vector<DisplayDesktops> displays(const Reading& reading, const NameStoreFil
     return made;
 }
 
+int activeLinkCount(const LinkKeys& links) {
+    std::unordered_map<std::string_view, int> desktops; // by link key
+    for (const auto& [spaceKey, linkKey] : links) ++desktops[linkKey];
+    return static_cast<int>(
+        std::count_if(desktops.begin(), desktops.end(), [](const auto& group) { return group.second >= 2; }));
+}
+
 std::vector<Orphan> orphans(const std::vector<DisplayDesktops>& displays, const NameStoreFile& file) {
-    KeySet attached;
+    KeySet live;
     for (const DisplayDesktops& display : displays)
-        for (const Desktop& desktop : display.desktops)
-            if (desktop.record) attached.insert(desktop.key);
+        for (const Desktop& desktop : display.desktops) live.insert(desktop.spaceKey);
 
     std::vector<Orphan> found;
     for (const auto& [key, record] : file.desktops)
-        if (!attached.contains(key) && !isLinkKey(key)) found.push_back({key, record});
+        if (!live.contains(key) && !isLinkKey(key)) found.push_back({key, record});
     std::sort(found.begin(), found.end(), [](const Orphan& a, const Orphan& b) {
         const auto byName = text::compareLocalized(a.record.name, b.record.name);
         return byName != 0 ? byName < 0 : a.key < b.key;

@@ -6,6 +6,8 @@
 
 #include <optional>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 /// How the catalog makes its model from a reading and the stored records. Pure functions.
@@ -24,6 +26,7 @@ struct Reading {
 
     /// The stable key, or "unkeyed:<raw id>".
     std::string spaceKey(std::size_t display, std::size_t place) const;
+    std::unordered_set<std::string> spaceKeys() const;
 };
 
 /// A record to be moved to the key that its desktop has now.
@@ -41,13 +44,28 @@ struct Reattachment {
 /// last seen has as many Spaces as then, so that the one at their place must be theirs.
 std::vector<Reattachment> reattachments(const Reading& reading, const NameStoreFile& file);
 
-/// Where the desktops stand that have a record of their own and were last seen elsewhere.
-NameStoreFile::Map<LastSeen> places(const Reading& reading, const NameStoreFile& file, Date now);
+/// By Space key: the "link:" key under which the record of a linked desktop stands.
+using LinkKeys = std::unordered_map<std::string, std::string>;
+
+/// The link groups of the file as they apply to the reading; none under a shared arrangement. When Spaces of
+/// one group have come together on a display, one of them bears the group's key: the one that the group has
+/// for that display, if it is among them. No key stands twice on a display that way.
+LinkKeys linkKeys(const Reading& reading, const NameStoreFile& file);
+
+/// Where the desktops stand that have a record of their own and were last seen elsewhere. A linked desktop
+/// isn't tied to one place.
+NameStoreFile::Map<LastSeen> places(const Reading& reading, const NameStoreFile& file, const LinkKeys& links,
+                                    Date now);
 
 /// The desktops of each display in the user's order, numbered.
-std::vector<DisplayDesktops> displays(const Reading& reading, const NameStoreFile& file);
+std::vector<DisplayDesktops> displays(const Reading& reading, const NameStoreFile& file,
+                                      const LinkKeys& links);
 
-/// The records, but for those of link groups, that none of the displays' desktops has; sorted by name.
+/// How many link groups hold two or more desktops together.
+int activeLinkCount(const LinkKeys& links);
+
+/// The records whose Space isn't there, but for those of link groups; sorted by name. The own record of a
+/// linked desktop waits for the end of the link and is none.
 std::vector<Orphan> orphans(const std::vector<DisplayDesktops>& displays, const NameStoreFile& file);
 
 } // namespace lumnara::CatalogMerge

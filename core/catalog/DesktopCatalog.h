@@ -4,6 +4,8 @@
 #include "core/async/Signal.h"
 #include "core/async/Timer.h"
 #include "core/catalog/Desktop.h"
+#include "core/catalog/DisplayLinkMode.h"
+#include "core/catalog/LinkCandidates.h"
 #include "core/model/SpaceProvider.h"
 #include "core/model/WorkspaceEvent.h"
 #include "core/names/NameStore.h"
@@ -39,7 +41,8 @@ public:
     using EventSource = std::function<async::Subscription(std::function<void(WorkspaceEvent)>)>;
 
     /// Reads once at once.
-    DesktopCatalog(async::Loop& loop, SpaceProvider& provider, NameStore& store);
+    DesktopCatalog(async::Loop& loop, SpaceProvider& provider, NameStore& store,
+                   DisplayLinkMode linkMode = DisplayLinkMode::independent);
     DesktopCatalog(const DesktopCatalog&) = delete;
     DesktopCatalog& operator=(const DesktopCatalog&) = delete;
 
@@ -47,6 +50,8 @@ public:
     async::Observable<std::vector<DisplayDesktops>> displays;
     /// Records with no live Space, sorted by name.
     async::Observable<std::vector<Orphan>> orphans;
+    /// How many link groups hold two or more desktops together; 0 while links don't hold.
+    async::Observable<int> activeLinkCount;
     /// The last good reading.
     async::Observable<std::optional<SpaceSnapshot>> snapshot;
     /// The error of the last reading; cleared by a good one.
@@ -58,6 +63,8 @@ public:
     std::function<void(const SpaceSnapshot&)> onRefresh;
     /// Called with the desktop's key after a successful rename.
     std::function<void(const std::string& key)> onRenamed;
+    /// Called with the keys of two desktops that have been linked, as link() was given them.
+    std::function<void(const std::string& keyA, const std::string& keyB)> onLinked;
 
     SpaceProvider& provider() const { return provider_; }
     NameStore& store() const { return store_; }
@@ -78,6 +85,7 @@ public:
     // The following point into `displays` and are valid until the next refresh or edit; null for none.
     const DisplayDesktops* display(std::string_view uuid) const;
     const Desktop* desktop(std::string_view key) const;
+    const Desktop* desktopOfSpace(std::string_view spaceKey) const;
     const Desktop* currentDesktop(std::string_view displayUuid) const;
     /// The current desktop of the display with the active menu bar, else of the first display.
     const Desktop* focusedDesktop() const;
@@ -86,13 +94,36 @@ public:
     /// A record exists and has a name.
     bool isNamed(std::string_view key) const;
 
-    // The edits. Those that may fail throw NameError and leave everything as it was.
+    DisplayLinkMode linkMode() const { return linkMode_; }
+    void setLinkMode(DisplayLinkMode mode);
+    /// Links hold and there are displays of their own to link.
+    bool isLinkAvailable() const;
+
+    // A key of the following is that of a desktop's Space, or a group's "link:<id>".
+
+    /// Makes one of two desktops on different displays: they share the first one's record, else the
+    /// second's, and keep their own for the end of the link. Either first leaves the group it is in. Whether
+    /// they are linked now; a refusal is logged and changes nothing.
+    bool link(std::string keyA, std::string keyB);
+    /// Dissolves the group, for this reason in the log. Its desktops have their own records again.
+    void unlink(const std::string& key, std::string_view reason);
+    /// The live desktops of a group, in display order; none when no link holds. Copies.
+    std::vector<Desktop> linkedMembers(std::string_view key) const;
+    /// The group's desktop on a display, or null. Points into `displays`, like the above.
+    const Desktop* linkedDesktop(std::string_view key, std::string_view onDisplay) const;
+    /// Unlinked desktops of different displays that have the same name.
+    std::vector<LinkCandidate> linkCandidates() const;
+    /// Links all of them.
+    void linkAll();
+
+    // The edits. Those that may fail throw NameError and leave everything as it was. The key of a link group
+    // edits the record of all its desktops; nothing happens once the group is gone.
     void rename(std::string key, std::string_view name);
     void setAliases(const std::string& key, const std::vector<std::string>& aliases);
     void setIcon(const std::string& key, std::optional<std::string> symbol);
     void setColor(const std::string& key, std::optional<std::string> colorName);
     void setDimmed(const std::string& key, bool isDimmed);
-    /// Removes the record; the only edit that loses a name.
+    /// Removes the record, and the group of a "link:" key with it; the only edit that loses a name.
     void forget(const std::string& key);
     /// Gives an orphan's record to a live desktop, in place of a record there. Throws NameError. Nothing
     /// happens when the one isn't an orphan or the other isn't live.
@@ -107,13 +138,17 @@ private:
     std::vector<std::string> displayNames() const;
     void requireUnique(const std::string& key, const std::string& name,
                        const std::vector<std::string>& aliases) const;
-    void requireRecord(const std::string& key);
+    bool requireRecord(const std::string& key);
+    const Desktop* desktopNamed(std::string_view key) const;
+    void leaveGroups(const NameStoreFile& before, const std::string& a, const std::string& b);
 
     async::Loop& loop_;
     SpaceProvider& provider_;
     NameStore& store_;
-    /// The layout differs from the one that was last built from.
-    bool layoutChanged_ = true;
+    DisplayLinkMode linkMode_;
+    /// The layout or the link mode differs from that which was last built from, or a missing member of a
+    /// link group has its time running.
+    bool mustBuild_ = true;
     /// What else the published model was built from.
     std::vector<std::string> builtNames_;
     std::shared_ptr<const NameStoreFile> builtFile_;

@@ -10,7 +10,10 @@ std::vector<Desktop> apply(std::vector<Desktop> desktops, const std::vector<std:
     if (order.empty()) return desktops;
 
     std::unordered_map<std::string_view, std::size_t> byKey;
-    for (std::size_t i = 0; i < desktops.size(); ++i) byKey.try_emplace(desktops[i].key, i);
+    for (std::size_t i = 0; i < desktops.size(); ++i) {
+        byKey.try_emplace(desktops[i].key, i);
+        byKey.try_emplace(desktops[i].spaceKey, i);
+    }
 
     std::vector<std::size_t> places;
     std::vector<bool> used(desktops.size());

@@ -1,9 +1,11 @@
 #include "core/names/NameStore.h"
 
 #include "core/base/Files.h"
+#include "core/base/Log.h"
 #include "core/names/NameStoreCodec.h"
 
 #include <exception>
+#include <fmt/format.h>
 #include <system_error>
 #include <utility>
 
@@ -112,6 +114,43 @@ void NameStore::updateLastSeen(const NameStoreFile::Map<LastSeen>& places) {
     changeLocked([&](NameStoreFile& file) {
         for (const auto& place : moved) file.record(place->first)->lastSeen = place->second;
     });
+}
+
+void NameStore::setLink(const std::string& id, DisplayLink::Members members) {
+    std::lock_guard guard(lock_);
+    if (const auto* before = DisplayLink::members(*file_, id); before && *before == members) return;
+    changeLocked([&](NameStoreFile& file) {
+        if (!file.links) file.links.emplace();
+        file.links->insert_or_assign(id, std::move(members));
+    });
+}
+
+void NameStore::removeLink(const std::string& id, std::string_view reason) {
+    {
+        std::lock_guard guard(lock_);
+        if (!DisplayLink::members(*file_, id)) return;
+        changeLocked([&](NameStoreFile& file) { DisplayLink::remove(file, id); });
+    }
+    log(fmt::format("Lumnara link {}: {}", id, reason));
+}
+
+bool NameStore::pruneLinks(const LinkPruning::LiveKeys& liveKeys, Date now) {
+    LinkPruning pruning;
+    {
+        std::lock_guard guard(lock_);
+        if (file_->links) pruning = LinkPruning::of(*file_->links, liveKeys, missingSince_, now);
+        missingSince_ = pruning.missingSince;
+        if (!pruning.changed.empty())
+            changeLocked([&](NameStoreFile& file) {
+                for (auto& [id, left] : pruning.changed)
+                    if (DisplayLink::isGroup(left))
+                        file.links->insert_or_assign(id, std::move(left));
+                    else
+                        DisplayLink::remove(file, id);
+            });
+    }
+    for (const std::string& line : pruning.lines) log(line);
+    return !pruning.missingSince.empty();
 }
 
 void NameStore::change(const Edit& edit) {

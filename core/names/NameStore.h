@@ -3,6 +3,7 @@
 #include "core/async/Loop.h"
 #include "core/async/Queue.h"
 #include "core/async/Timer.h"
+#include "core/names/LinkPruning.h"
 #include "core/names/NameStoreError.h"
 #include "core/names/NameStoreFile.h"
 
@@ -56,6 +57,15 @@ public:
     /// none, change; otherwise nothing is written.
     void updateLastSeen(const NameStoreFile::Map<LastSeen>& places);
 
+    /// Makes a link group, or replaces it.
+    void setLink(const std::string& id, DisplayLink::Members members);
+    /// Removes a link group with its record, and logs why. Nothing happens when there is no such group.
+    void removeLink(const std::string& id, std::string_view reason);
+    /// Takes those out of the link groups whose Spaces have been missing for LinkPruning::graceSeconds, and
+    /// then the groups of fewer than two. Whether members are missing that may yet come back: then the
+    /// groups have to be pruned again.
+    bool pruneLinks(const LinkPruning::LiveKeys& liveKeys, Date now);
+
     using Edit = std::function<void(NameStoreFile&)>;
     /// Several changes as one: `edit` runs on a copy under the lock, which it must not take again, and the
     /// copy then becomes the contents. An exception leaves the contents as they were.
@@ -87,6 +97,8 @@ private:
 
     mutable std::mutex lock_;
     std::shared_ptr<const NameStoreFile> file_;
+    /// Never saved: every start gives the members their time anew.
+    LinkPruning::MissingSince missingSince_;
     /// The main thread has been asked to start the debounce time anew, and hasn't yet.
     bool saveAsked_ = false;
 
