@@ -408,6 +408,20 @@ void XSession::pressKey(std::uint32_t keysym, const std::vector<std::uint32_t>& 
         holdKey(*modifier, false);
 }
 
+bool XSession::awaitFreeKeyboard() const {
+    return waitUntil([this] {
+        const auto grab =
+            owned(xcb_grab_keyboard_reply(connection_,
+                                          xcb_grab_keyboard(connection_, 0, root_, XCB_CURRENT_TIME,
+                                                            XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                          nullptr));
+        const bool free = grab && grab->status == XCB_GRAB_STATUS_SUCCESS;
+        if (free) xcb_ungrab_keyboard(connection_, XCB_CURRENT_TIME);
+        xcb_flush(connection_);
+        return free;
+    });
+}
+
 void XSession::movePointer(int x, int y) { fake(XCB_MOTION_NOTIFY, 0, x, y); }
 
 void XSession::click(int x, int y, int button) {
