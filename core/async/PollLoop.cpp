@@ -24,6 +24,11 @@ PollDriver::PollDriver() : wakeFd_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
 PollDriver::~PollDriver() { ::close(wakeFd_); }
 
 void PollDriver::wakeUp() {
+    // The loop's own thread is awake; it only must not wait before it has turned.
+    if (std::this_thread::get_id() == home_) {
+        awake_ = true;
+        return;
+    }
     // Fails only when the counter is full, and then it is readable as it should be.
     const std::uint64_t one = 1;
     while (::write(wakeFd_, &one, sizeof one) < 0 && errno == EINTR) {
@@ -36,7 +41,8 @@ std::unique_ptr<FdWatch> PollDriver::watchReadable(int fd, std::function<void()>
 
 void PollDriver::waitUntil(Nanos deadline) {
     const Nanos end = due_ ? std::min(*due_, deadline) : deadline;
-    watches_.poll(std::max(end - now(), Nanos::zero()));
+    const bool isAwake = std::exchange(awake_, false);
+    watches_.poll(isAwake ? Nanos::zero() : std::max(end - now(), Nanos::zero()));
 }
 
 } // namespace detail

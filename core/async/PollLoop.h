@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <thread>
 
 namespace lumnara::async {
 
@@ -28,6 +29,9 @@ protected:
     void waitUntil(Nanos deadline);
 
 private:
+    const std::thread::id home_ = std::this_thread::get_id();
+    /// Asked to turn by its own thread since it last waited.
+    bool awake_ = false;
     int wakeFd_;
     PollSet watches_;
     std::unique_ptr<FdWatch> wakeWatch_;

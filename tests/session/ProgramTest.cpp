@@ -73,6 +73,7 @@ void nameCurrent(XSession& session, const Program& program, const std::string& n
     typeText(session, name);
     session.pressKey(XK_Return);
     session.pressKey(XK_Escape);
+    EXPECT_TRUE(session.awaitFreeKeyboard());
 }
 
 void goTo(XSession& session, const Program& program, const std::string& letters) {

@@ -357,8 +357,10 @@ void XSession::unplug(const std::string& monitor) {
 
 std::optional<std::uint32_t> XSession::mapWindow(const std::string& title, double seconds) {
     const xcb_window_t window = xcb_generate_id(connection_);
+    // Nobody draws the window: without a ground it would go on showing what covered it.
+    const std::uint32_t ground = 0x303840;
     xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, 50, 50, 300, 200, 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL, &ground);
     const auto length = static_cast<std::uint32_t>(title.size());
     for (const char* name : {"WM_NAME", "_NET_WM_NAME"})
         xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(name), atom("UTF8_STRING"), 8,
@@ -406,6 +408,20 @@ void XSession::pressKey(std::uint32_t keysym, const std::vector<std::uint32_t>& 
     holdKey(keysym, false);
     for (auto modifier = modifiers.rbegin(); modifier != modifiers.rend(); ++modifier)
         holdKey(*modifier, false);
+}
+
+bool XSession::awaitFreeKeyboard() const {
+    return waitUntil([this] {
+        const auto grab =
+            owned(xcb_grab_keyboard_reply(connection_,
+                                          xcb_grab_keyboard(connection_, 0, root_, XCB_CURRENT_TIME,
+                                                            XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                          nullptr));
+        const bool free = grab && grab->status == XCB_GRAB_STATUS_SUCCESS;
+        if (free) xcb_ungrab_keyboard(connection_, XCB_CURRENT_TIME);
+        xcb_flush(connection_);
+        return free;
+    });
 }
 
 void XSession::movePointer(int x, int y) { fake(XCB_MOTION_NOTIFY, 0, x, y); }

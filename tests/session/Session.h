@@ -122,6 +122,9 @@ public:
     /// Presses and releases the key that produces the keysym (XK_space), with the modifiers' keys held.
     void pressKey(std::uint32_t keysym, const std::vector<std::uint32_t>& modifiers = {});
     void holdKey(std::uint32_t keysym, bool down);
+    /// Waits until no window holds the keyboard for itself: what is typed earlier, on the heels of the key
+    /// that closes a surface, still goes there. False when it is held on.
+    bool awaitFreeKeyboard() const;
     void movePointer(int x, int y);
     void click(int x, int y, int button = 1);
 

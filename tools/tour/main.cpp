@@ -108,6 +108,7 @@ private:
         }
         picture("named on " + monitor);
         session_.pressKey(XK_Escape);
+        expect([this] { return session_.awaitFreeKeyboard(); }, "the Board is closed");
     }
 
     /// From the Board under the pointer, or from the next monitor's.
