@@ -106,11 +106,14 @@ int run(int& count, char** arguments) {
     text::warmUp();
 
     JsonDefaultsStore defaults(loop, folders.config / "settings.json");
-    const AppSettings settings(defaults);
+    AppSettings settings(defaults);
     Platform platform = choosePlatform(loop, windowSystem, environment, folders.data);
     AppState state(loop, platform,
                    std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens),
                    folders.data);
+    state.catalog().setLinkMode(*settings.displayLinkMode);
+    const auto linkModeChanged = settings.displayLinkMode.subscribe(
+        [&state](DisplayLinkMode mode) { state.catalog().setLinkMode(mode); });
     if (const auto& error = defaults.loadError()) state.notices().show(error->sentence());
     Surfaces surfaces(state, boardSettings(settings));
     surfaces.onQuit = [] { QApplication::quit(); };
