@@ -1,0 +1,82 @@
+#pragma once
+
+#include "core/async/Task.h"
+#include "core/base/Failure.h"
+#include "core/catalog/DesktopCatalog.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace lumnara {
+
+/// What a gesture on the Board asks for.
+struct LinkRequest {
+    enum class Kind {
+        create, ///< a new desktop on the other display, linked to this one
+        with,   ///< this desktop and the one of that Space
+        unlink, ///< an end of this desktop's link
+    };
+
+    static LinkRequest create(Desktop desktop) { return {Kind::create, std::move(desktop), {}}; }
+    static LinkRequest with(Desktop desktop, std::string spaceKey) {
+        return {Kind::with, std::move(desktop), std::move(spaceKey)};
+    }
+    static LinkRequest unlink(Desktop desktop) { return {Kind::unlink, std::move(desktop), {}}; }
+
+    Kind kind;
+    Desktop desktop;
+    /// Of `with`.
+    std::string spaceKey;
+
+    bool operator==(const LinkRequest&) const = default;
+};
+
+/// Makes and dissolves links for the surfaces. Main thread.
+class DesktopLinker {
+public:
+    /// Why a request came to nothing.
+    class Failure : public lumnara::Failure {
+    public:
+        enum class Case {
+            notFound,       ///< a desktop of the request isn't live any more
+            sameDisplay,    ///< both desktops are on one display
+            notLinked,      ///< there is no link to end
+            noOtherDisplay, ///< there is none to make a desktop on
+            cannotCreate,   ///< this system can't add desktops
+            notIdentified,  ///< a desktop was added, but it can't be told which
+        };
+        Failure(Case which, std::string sentence);
+
+        Case which() const { return which_; }
+        bool operator==(const Failure& other) const {
+            return which_ == other.which_ && sentence() == other.sentence();
+        }
+
+    private:
+        Case which_;
+    };
+
+    /// Adds a desktop to a display; gives its Space, or nothing when it can't be told which one it is. May
+    /// throw, which goes on to whoever asked for the link.
+    using DesktopCreator = std::function<async::Task<std::optional<SpaceID>>(DisplayID)>;
+
+    /// `creator` is empty where the platform can't add desktops. The catalog outlives this object.
+    explicit DesktopLinker(DesktopCatalog& catalog, DesktopCreator creator = {});
+
+    /// Carries the request out and gives the text that the user is told. Throws Failure. This object has to
+    /// stand until the task has ended.
+    async::Task<std::string> carryOut(LinkRequest request);
+
+private:
+    async::Task<std::string> create(Desktop requested);
+    std::string link(const Desktop& requested, const std::string& spaceKey);
+    std::string unlink(const Desktop& requested);
+    const Desktop& live(const std::string& spaceKey) const;
+
+    DesktopCatalog& catalog_;
+    const DesktopCreator creator_;
+};
+
+} // namespace lumnara
