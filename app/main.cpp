@@ -111,9 +111,6 @@ int run(int& count, char** arguments) {
     AppState state(loop, settings, platform,
                    std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens),
                    folders.data);
-    state.catalog().setLinkMode(*settings.displayLinkMode);
-    const auto linkModeChanged = settings.displayLinkMode.subscribe(
-        [&state](DisplayLinkMode mode) { state.catalog().setLinkMode(mode); });
     if (const auto& error = defaults.loadError()) state.notices().show(error->sentence());
     Surfaces surfaces(state, boardSettings(settings));
     surfaces.onQuit = [] { QApplication::quit(); };
