@@ -107,14 +107,7 @@ void measureI3(Report& report) {
     }
     SwitchVerifier::currentSpaceReader = nullptr;
 
-    const double verified = medianOf(std::move(ours));
-    const double plain = medianOf(std::move(bares));
-    const double spawned = medianOf(std::move(spawns));
-    report.line("i3 verified, us", verified);
-    report.line("i3 bare, us", plain);
-    report.line("i3 spawned, us", spawned);
-    report.add("i3_verified_vs_bare", verified / plain, "at most 1.5");
-    report.add("i3_vs_spawned", verified / spawned);
+    reportSwitches(report, "i3", std::move(ours), std::move(bares), std::move(spawns));
 }
 
 } // namespace

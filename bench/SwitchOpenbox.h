@@ -83,6 +83,19 @@ inline double medianOf(std::vector<double> times) {
     return *middle;
 }
 
+/// The times of our verified switches, of bare ones and of spawned programs, in microseconds.
+inline void reportSwitches(Report& report, const std::string& windowManager, std::vector<double> ours,
+                           std::vector<double> bares, std::vector<double> spawns) {
+    const double verified = medianOf(std::move(ours));
+    const double plain = medianOf(std::move(bares));
+    const double spawned = medianOf(std::move(spawns));
+    report.line(windowManager + " verified, us", verified);
+    report.line(windowManager + " bare, us", plain);
+    report.line(windowManager + " spawned, us", spawned);
+    report.add(windowManager + "_verified_vs_bare", verified / plain, "at most 1.5");
+    report.add(windowManager + "_vs_spawned", verified / spawned);
+}
+
 inline async::Task<> switchThroughTheDoor(SpaceSwitcher& switcher, std::string key, bool& done) {
     co_await switcher.switchToDesktop(std::move(key));
     done = true;
@@ -139,14 +152,7 @@ inline void measureOpenbox(Report& report) {
     }
     SwitchVerifier::currentSpaceReader = nullptr;
 
-    const double verified = medianOf(std::move(ours));
-    const double plain = medianOf(std::move(bares));
-    const double spawned = medianOf(std::move(spawns));
-    report.line("openbox verified, us", verified);
-    report.line("openbox bare, us", plain);
-    report.line("openbox spawned, us", spawned);
-    report.add("openbox_verified_vs_bare", verified / plain, "at most 1.5");
-    report.add("openbox_vs_spawned", verified / spawned);
+    reportSwitches(report, "openbox", std::move(ours), std::move(bares), std::move(spawns));
 }
 
 } // namespace lumnara::bench
