@@ -62,8 +62,8 @@ void AppState::connectSwitcher() {
 void AppState::followSettings() {
     settingsChanged_.push_back(settings_.instantSwitching.subscribe(
         [this](bool instant) { switcher_.settings.instantSwitching = instant; }));
-    settingsChanged_.push_back(settings_.displayLinkMode.subscribe(
-        [this](DisplayLinkMode mode) { catalog_.setLinkMode(mode); }));
+    settingsChanged_.push_back(
+        settings_.displayLinkMode.subscribe([this](DisplayLinkMode mode) { catalog_.setLinkMode(mode); }));
 }
 
 void AppState::stop() {
@@ -123,9 +123,7 @@ void AppState::publishNames() {
     platform_.namePublisher->publish(recorded);
 }
 
-void AppState::switchTo(const Desktop& desktop) {
-    switching_ = async::spawn(loop_, runSwitch(desktop.key));
-}
+void AppState::switchTo(const Desktop& desktop) { switching_ = async::spawn(loop_, runSwitch(desktop.key)); }
 
 void AppState::switchBack() { switching_ = async::spawn(loop_, runSwitch(std::nullopt)); }
 

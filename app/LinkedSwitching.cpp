@@ -103,9 +103,9 @@ void LinkedSwitching::noteAlreadyThere(const Desktop& member, Run& run) {
     ++run.alreadyThere;
     run.expected.emplace_back(member.display, member.space.id);
     const auto shown = shownOn(member.display);
-    const std::string doubt =
-        shown == member.space.id ? std::string()
-                                 : " by the snapshot, but the window server shows " + describeShown(shown);
+    const std::string doubt = shown == member.space.id
+                                  ? std::string()
+                                  : " by the snapshot, but the window server shows " + describeShown(shown);
     log(fmt::format("Lumnara linked switch: {}: already on {}{}", nameOf(member.display),
                     member.displayName(), doubt));
 }
@@ -136,8 +136,8 @@ void LinkedSwitching::watch(const Run& run, const Desktop& asked) {
 
 void LinkedSwitching::measure(double delay, const Run& run, const Desktop& asked) {
     if (run.serial != linkedSwitchSerial_) return;
-    const auto entries = SwitchSettle::entries(
-        run.expected, [this](const DisplayID& display) { return shownOn(display); });
+    const auto entries =
+        SwitchSettle::entries(run.expected, [this](const DisplayID& display) { return shownOn(display); });
     std::vector<std::string> descriptions;
     for (const SwitchSettle::Entry& entry : entries) descriptions.push_back(describe(entry));
     log(fmt::format("Lumnara linked switch settle +{:.0f}s: {}", delay, fmt::join(descriptions, "; ")));

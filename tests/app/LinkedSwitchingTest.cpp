@@ -17,10 +17,9 @@ protected:
         session.start();
         session.catalog().rename("A-2", "Mail");
         session.logged.clear();
-        settled_ =
-            linked().onSettled.subscribe([this](const Desktop& asked, const auto& entries) {
-                settlements.emplace_back(asked.display.uuid, entries);
-            });
+        settled_ = linked().onSettled.subscribe([this](const Desktop& asked, const auto& entries) {
+            settlements.emplace_back(asked.display.uuid, entries);
+        });
     }
 
     LinkedSwitching& linked() { return session.state().linkedSwitching(); }

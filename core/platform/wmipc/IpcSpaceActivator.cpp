@@ -28,7 +28,8 @@ void takeOutcomes(ActivationAnswer& answer, const std::vector<IpcOutcome>* outco
 
 async::Task<> IpcSpaceActivator::activate(const Space& target, const DisplayID& display) {
     const auto answer = std::make_shared<ActivationAnswer>();
-    session_.activate(target.id, display, [answer](const auto* outcomes) { takeOutcomes(*answer, outcomes); });
+    session_.activate(target.id, display,
+                      [answer](const auto* outcomes) { takeOutcomes(*answer, outcomes); });
     co_await arrivalOf(answer);
 }
 

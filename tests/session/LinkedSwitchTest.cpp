@@ -1,0 +1,126 @@
+#include "app/AppState.h"
+#include "tests/session/IpcFixture.h"
+#include "tests/support/MemoryDefaultsStore.h"
+
+#include <memory>
+
+namespace lumnara::testing {
+namespace {
+
+/// i3's own, but for one display, of which it refuses everything.
+class RefusingActivator : public SpaceActivator {
+public:
+    explicit RefusingActivator(std::unique_ptr<SpaceActivator> real) : real_(std::move(real)) {}
+    async::Task<> activate(const Space& target, const DisplayID& display) override {
+        if (display.uuid == refused)
+            throw WindowManagerError(WindowManagerError::Case::refused, "i3", "not there");
+        co_await real_->activate(target, display);
+    }
+    async::Task<> focus(const DisplayID& display) override { co_await real_->focus(display); }
+
+    std::string refused;
+
+private:
+    std::unique_ptr<SpaceActivator> real_;
+};
+
+/// The shell without its surfaces on a real i3 with two monitors.
+class LinkedSwitchTest : public ::testing::Test {
+protected:
+    LinkedSwitchTest() {
+        auto& activator = at.platform().spaceActivator;
+        activator = std::make_unique<RefusingActivator>(std::move(activator));
+        settings.displayLinkMode.set(DisplayLinkMode::linked);
+        EXPECT_TRUE(at.answers());
+        state = std::make_unique<AppState>(
+            at.loop, settings, at.platform(),
+            std::make_unique<LiveSpaceProvider>(at.loop, *at.platform().windowServer, *at.platform().screens),
+            at.folder.path());
+        listening =
+            state->notices().subscribe([this](const Notice& notice) { notices.push_back(notice.text); });
+    }
+
+    /// Shows two workspaces, links them under a name, and goes elsewhere on both.
+    void linkAs(const std::string& name, const std::string& onL, const std::string& onR) {
+        const std::string left = show("L", onL);
+        const std::string right = show("R", onR);
+        ASSERT_TRUE(state->catalog().link(left, right));
+        state->catalog().rename(desktopOn("L").key, name);
+        show("R", "2");
+        show("L", "1");
+    }
+    std::string show(const std::string& output, const std::string& workspace) {
+        at.command("focus output " + output + "; workspace " + workspace);
+        EXPECT_TRUE(at.runUntil([&] {
+            return at.workspaces(output).find(workspace + "* ") != std::string::npos;
+        })) << at.workspaces(output);
+        state->catalog().refresh();
+        return desktopOn(output).spaceKey;
+    }
+    Desktop desktopOn(const std::string& output) {
+        const Desktop* current = state->catalog().currentDesktop(output);
+        EXPECT_TRUE(current) << output;
+        return current ? *current : Desktop{};
+    }
+    Desktop named(const std::string& name) {
+        for (const Desktop& desktop : state->catalog().desktops())
+            if (desktop.displayName() == name) return desktop;
+        ADD_FAILURE() << "no desktop " << name;
+        return {};
+    }
+    std::string focusedWorkspace() {
+        for (const auto& each : nlohmann::json::parse(at.x().run({"i3-msg", "-t", "get_workspaces"}).text))
+            if (each.at("focused")) return each.at("name");
+        return {};
+    }
+
+    IpcFixture at{IpcWindowManager::i3};
+    MemoryDefaultsStore defaults;
+    AppSettings settings{defaults};
+    std::unique_ptr<AppState> state;
+    std::vector<std::string> notices;
+    async::Subscription listening;
+};
+
+TEST_F(LinkedSwitchTest, BothScreensGoThereAndTheKeyboardStaysWithTheUser) {
+    linkAs("Mail", "3", "4");
+    std::vector<std::string> announced;
+    const auto announcing = state->onDesktopSwitched.subscribe(
+        [&](const Desktop& desktop) { announced.push_back(desktop.displayName()); });
+    std::vector<SwitchSettle::Entry> settled;
+    const auto settling = state->linkedSwitching().onSettled.subscribe(
+        [&](const Desktop&, const auto& entries) { settled = entries; });
+
+    at.x().movePointer(1900, 400);
+    state->switchTo(named("Mail"));
+    EXPECT_TRUE(at.shows("L", "3: Mail* "));
+    EXPECT_TRUE(at.shows("R", "4: Mail* "));
+    EXPECT_TRUE(at.runUntil([&] { return focusedWorkspace() == "4: Mail"; })) << focusedWorkspace();
+    EXPECT_TRUE(at.runUntil([&] { return !settled.empty(); }));
+    EXPECT_EQ(settled.size(), 2u);
+    EXPECT_TRUE(SwitchSettle::unsettled(settled).empty());
+    EXPECT_EQ(announced, std::vector<std::string>{"Mail"}) << "one change is told once";
+    EXPECT_TRUE(notices.empty());
+}
+
+TEST_F(LinkedSwitchTest, AScreenThatRefusesStopsNoOther) {
+    linkAs("Mail", "3", "4");
+    at.x().movePointer(1900, 400);
+    static_cast<RefusingActivator&>(*at.platform().spaceActivator).refused = "R";
+    state->switchTo(named("Mail"));
+    ASSERT_TRUE(at.runUntil([&] { return !notices.empty(); }));
+    EXPECT_EQ(notices, std::vector<std::string>{"R did not follow: i3 refused a command: not there."});
+    EXPECT_TRUE(at.shows("L", "3: Mail* "));
+    EXPECT_EQ(at.workspaces("R"), "2* ");
+
+    // A screen that is gone takes its desktop along, and the name goes on working.
+    show("L", "1");
+    at.x().unplug("R");
+    ASSERT_TRUE(at.runUntil([&] { return state->catalog().displays->size() == 1; }));
+    state->switchTo(named("Mail"));
+    EXPECT_TRUE(at.runUntil([&] { return focusedWorkspace() == "3: Mail"; })) << focusedWorkspace();
+    EXPECT_EQ(notices.size(), 1u) << notices.back();
+}
+
+} // namespace
+} // namespace lumnara::testing
