@@ -106,13 +106,13 @@ int run(int& count, char** arguments) {
     text::warmUp();
 
     JsonDefaultsStore defaults(loop, folders.config / "settings.json");
-    const AppSettings settings(defaults);
+    AppSettings settings(defaults);
     Platform platform = choosePlatform(loop, windowSystem, environment, folders.data);
     AppState state(loop, platform,
                    std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens),
                    folders.data);
     if (const auto& error = defaults.loadError()) state.notices().show(error->sentence());
-    Surfaces surfaces(state, boardSettings(settings));
+    Surfaces surfaces(state, settings);
     surfaces.onQuit = [] { QApplication::quit(); };
     const TerminationSignals signals(loop, [] { QApplication::quit(); });
 
