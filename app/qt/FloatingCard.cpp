@@ -38,9 +38,11 @@ void FloatingCard::roundCorners(QSize size) {
 }
 
 void FloatingCard::drawGround(QPainter& painter, const Theme& theme) const {
+    // Up to the shape's edge: half of a pixel of ours would let black through where nothing is blended.
+    painter.fillRect(rect(), theme.notice);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(theme.noticeBorder, 1));
-    painter.setBrush(theme.notice);
+    painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius_, cornerRadius_);
 }
 
