@@ -37,6 +37,10 @@ QuickSwitcherController::~QuickSwitcherController() {
     close();
 }
 
+bool QuickSwitcherController::covers(const ScreenInfo& screen) const {
+    return std::ranges::any_of(shown_, [&](const Panel* panel) { return panel->screen.uuid == screen.uuid; });
+}
+
 void QuickSwitcherController::toggle() {
     if (isOpen())
         close();

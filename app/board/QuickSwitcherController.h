@@ -24,6 +24,8 @@ public:
     QuickSwitcherController& operator=(const QuickSwitcherController&) = delete;
 
     bool isOpen() const { return !shown_.empty(); }
+    /// One of its panels covers that screen.
+    bool covers(const ScreenInfo& screen) const;
     /// Opens the Board, or closes it when it is open.
     void toggle();
     void open();

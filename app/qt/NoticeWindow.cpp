@@ -3,7 +3,6 @@
 #include "app/qt/TextFit.h"
 #include "app/qt/Theme.h"
 
-#include <QBitmap>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QPainter>
@@ -28,52 +27,31 @@ QFont noticeFont() { return interfaceFont(textSize, QFont::Medium); }
 } // namespace
 
 NoticeWindow::NoticeWindow(async::Loop& loop)
-    : QWidget(nullptr, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
-                           Qt::BypassWindowManagerHint | Qt::WindowTransparentForInput |
-                           Qt::WindowDoesNotAcceptFocus),
-      loop_(loop) {
-    setAttribute(Qt::WA_ShowWithoutActivating);
-    setAttribute(Qt::WA_TranslucentBackground);
-    setWindowTitle(QStringLiteral("Lumnara notice"));
-}
+    : FloatingCard(QStringLiteral("Lumnara notice"), cornerRadius),
+      loop_(loop) {}
 
 void NoticeWindow::showNotice(const Notice& notice) {
     text_ = QString::fromStdString(notice.text);
-    place();
-    show();
-    raise();
-    update();
+    putUp(place());
     end_ = std::make_unique<async::Delayed>(loop_, notice.seconds, [this] { hide(); });
 }
 
-void NoticeWindow::place() {
+QRect NoticeWindow::place() const {
     const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
     if (!screen) screen = QGuiApplication::primaryScreen();
     const QRect area = screen->geometry();
     const double room = std::min(mostTextWidth, area.width() - 2 * sidePadding - 32);
     const QSize size =
         fittedSize(text_, noticeFont(), room, mostLines).toSize() + QSize(2 * sidePadding, 2 * heightPadding);
-    setGeometry(QRect({area.center().x() - size.width() / 2,
-                       area.bottom() - static_cast<int>(area.height() * bottomPart) - size.height()},
-                      size));
-    // Without a compositor the corners would be black.
-    QBitmap shape(size);
-    shape.clear();
-    QPainter painter(&shape);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Qt::color1);
-    painter.drawRoundedRect(QRect({}, size), cornerRadius, cornerRadius);
-    painter.end();
-    setMask(shape);
+    return QRect({area.center().x() - size.width() / 2,
+                  area.bottom() - static_cast<int>(area.height() * bottomPart) - size.height()},
+                 size);
 }
 
 void NoticeWindow::paintEvent(QPaintEvent*) {
     const Theme& theme = Theme::of(sessionAppearance());
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(theme.noticeBorder, 1));
-    painter.setBrush(theme.notice);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+    drawGround(painter, theme);
     painter.setPen(theme.text);
     drawFitted(painter, rect().adjusted(sidePadding, heightPadding, -sidePadding, -heightPadding), text_,
                noticeFont(), mostLines);

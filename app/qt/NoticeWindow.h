@@ -1,17 +1,15 @@
 #pragma once
 
 #include "app/Notices.h"
+#include "app/qt/FloatingCard.h"
 #include "core/async/Timer.h"
-
-#include <QWidget>
 
 #include <memory>
 
 namespace lumnara {
 
-/// Shows a notice near the bottom of the screen under the pointer, over everything. It takes no focus, no
-/// key and no click. A later notice replaces an earlier one.
-class NoticeWindow final : public QWidget {
+/// Shows a notice near the bottom of the screen under the pointer. A later notice replaces an earlier one.
+class NoticeWindow final : public FloatingCard {
 public:
     explicit NoticeWindow(async::Loop& loop);
 
@@ -21,7 +19,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void place();
+    QRect place() const;
 
     async::Loop& loop_;
     QString text_;

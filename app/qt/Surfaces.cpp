@@ -1,17 +1,25 @@
 #include "app/qt/Surfaces.h"
 
+#include "app/qt/OverlayWindow.h"
 #include "app/qt/WindowSystem.h"
 
 #include <QApplication>
 
 namespace lumnara {
 
-Surfaces::Surfaces(AppState& state, BoardSettings settings, std::function<bool()> isComposited)
+Surfaces::Surfaces(AppState& state, AppSettings& settings, std::function<bool()> isComposited)
     : windows_(state.loop(), std::move(isComposited)),
-      board_(state, windows_, std::move(settings)),
+      board_(state, windows_, boardSettings(settings)),
       tray_(state.loop(), state.catalog()),
-      notice_(state.loop()) {
+      notice_(state.loop()),
+      overlay_(
+          {state.loop(), state.catalog(), settings, state.platform().screens.get(), state.notices(),
+           state.onDesktopSwitched, settled_},
+          [] { return std::make_unique<OverlayWindow>(); },
+          // Where the compositor places windows, there is no card: it would be tiled like any other.
+          [this](const ScreenInfo& screen) { return placesOwnWindows() && !board_.covers(screen); }) {
     QApplication::setQuitOnLastWindowClosed(false);
+    board_.onShown = [this] { overlay_.giveWay(); };
     tray_.onSwitch = [&state](const Desktop& desktop) { state.switchTo(desktop); };
     tray_.onOpenBoard = [this] { board_.toggle(); };
     tray_.onQuit = [this] {

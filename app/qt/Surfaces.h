@@ -1,7 +1,9 @@
 #pragma once
 
+#include "app/AppSettings.h"
 #include "app/AppState.h"
 #include "app/board/QuickSwitcherController.h"
+#include "app/overlay/SwitchOverlayController.h"
 #include "app/qt/BoardWindows.h"
 #include "app/qt/NoticeWindow.h"
 #include "app/qt/TrayIcon.h"
@@ -10,12 +12,13 @@
 
 namespace lumnara {
 
-/// All that the user sees: the Board, the tray icon, the notices. Built after AppState and taken down before
-/// it, while the application object lives.
+/// All that the user sees: the Board, the tray icon, the notices, the cards at a switch. Built after AppState
+/// and taken down before it, while the application object lives.
 class Surfaces {
 public:
-    /// `isComposited` tells whether a compositor blends windows now; none means that nothing is known of one.
-    explicit Surfaces(AppState& state, BoardSettings settings = {}, std::function<bool()> isComposited = {});
+    /// The settings outlive this object. `isComposited` tells whether a compositor blends windows now; none
+    /// means that nothing is known of one.
+    Surfaces(AppState& state, AppSettings& settings, std::function<bool()> isComposited = {});
 
     QuickSwitcherController& board() { return board_; }
 
@@ -32,6 +35,8 @@ private:
     QuickSwitcherController board_;
     TrayIcon tray_;
     NoticeWindow notice_;
+    SwitchOverlayController::SettledSignal settled_;
+    SwitchOverlayController overlay_;
     async::Subscription notices_;
 };
 

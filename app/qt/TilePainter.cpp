@@ -47,6 +47,19 @@ void drawShadow(QPainter& painter, const Theme& theme, const QRectF& place, doub
 
 } // namespace
 
+void drawChip(QPainter& painter, const Theme& theme, const QRectF& place, const QString& symbol,
+              const QColor& color, bool isCurrent) {
+    const QColor shown = color.isValid() ? color : theme.neutral;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isCurrent ? shown
+                               : withAlpha(shown, theme.appearance == Appearance::dark ? 0.25 : 0.15));
+    const double radius = place.width() * 0.28;
+    painter.drawRoundedRect(place, radius, radius);
+    const double inset = place.width() * 0.225;
+    drawSymbol(painter, symbol, place.adjusted(inset, inset, -inset, -inset),
+               isCurrent ? QColor(Qt::white) : theme.legible(shown));
+}
+
 void drawKeycap(QPainter& painter, const Theme& theme, const QRectF& place, const QString& label) {
     painter.setPen(QPen(theme.hairline, 1));
     painter.setBrush(Qt::NoBrush);
@@ -129,18 +142,6 @@ void TilePainter::drawGround(QPainter& painter, const QRectF& place, TileStance 
     painter.drawRoundedRect(ring, metrics::tileRadius + ringDistance, metrics::tileRadius + ringDistance);
 }
 
-void TilePainter::drawChip(QPainter& painter, const QRectF& place, const TileContent& tile) const {
-    const bool dark = theme_->appearance == Appearance::dark;
-    const QColor color = colorOf(tile);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(tile.isCurrent ? color : withAlpha(color, dark ? 0.25 : 0.15));
-    const double radius = place.width() * 0.28;
-    painter.drawRoundedRect(place, radius, radius);
-    const double inset = place.width() * 0.225;
-    drawSymbol(painter, tile.symbol, place.adjusted(inset, inset, -inset, -inset),
-               tile.isCurrent ? QColor(Qt::white) : theme_->legible(color));
-}
-
 void TilePainter::drawCorner(QPainter& painter, const QRectF& place, const TileContent& tile) const {
     QRectF corner(place.right() - metrics::tilePadding - keycapSide + 2, place.top() + metrics::tilePadding,
                   keycapSide, keycapSide);
@@ -154,7 +155,8 @@ void TilePainter::drawCorner(QPainter& painter, const QRectF& place, const TileC
 void TilePainter::drawFace(QPainter& painter, const QRectF& place, const TileContent& tile) const {
     if (tile.isDimmed) painter.setOpacity(dimmedOpacity);
     const QRectF box = textBox(place);
-    drawChip(painter, {box.topLeft(), QSizeF(metrics::chip, metrics::chip)}, tile);
+    drawChip(painter, *theme_, {box.topLeft(), QSizeF(metrics::chip, metrics::chip)}, tile.symbol, tile.color,
+             tile.isCurrent);
     drawCorner(painter, place, tile);
     painter.setPen(tile.isNamed ? theme_->text : theme_->secondaryText);
     drawFitted(painter, box.adjusted(0, 0, 0, -detailHeight - 2), tile.name,
@@ -169,7 +171,8 @@ void TilePainter::paintRenaming(QPainter& painter, const QRectF& place, const Ti
     painter.drawPixmap(place.topLeft() - QPointF(metrics::tileBleed, metrics::tileBleed),
                        ground(TileStance::selected, place.size()));
     const QRectF box = textBox(place);
-    drawChip(painter, {box.topLeft(), QSizeF(metrics::chip, metrics::chip)}, tile);
+    drawChip(painter, *theme_, {box.topLeft(), QSizeF(metrics::chip, metrics::chip)}, tile.symbol, tile.color,
+             tile.isCurrent);
     const QFont font = interfaceFont(nameSize_, QFont::DemiBold);
     const TypedText typed(text, font, box.width() - 6, 2);
     const QRectF field(box.left() - 6, box.bottom() - typed.height() - 12, box.width() + 12,
@@ -196,7 +199,7 @@ void TilePainter::paintExpanded(QPainter& painter, const QRectF& place, const Ti
     painter.drawRoundedRect(place.adjusted(0.5, 0.5, -0.5, -0.5), expandedRadius, expandedRadius);
     const QRectF box = place.adjusted(36, 36, -36, -32);
     const double chip = std::min(104.0, box.height() * 0.36);
-    drawChip(painter, {box.topLeft(), QSizeF(chip, chip)}, tile);
+    drawChip(painter, *theme_, {box.topLeft(), QSizeF(chip, chip)}, tile.symbol, tile.color, tile.isCurrent);
     double bottom = box.bottom();
     const auto line = [&](const QString& text, const QFont& font, const QColor& color, int lines) {
         if (text.isEmpty()) return;

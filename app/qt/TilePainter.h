@@ -50,7 +50,6 @@ private:
     QPixmap blank(QSizeF tileSize) const;
     void drawFace(QPainter& painter, const QRectF& place, const TileContent& tile) const;
     void drawGround(QPainter& painter, const QRectF& place, TileStance stance) const;
-    void drawChip(QPainter& painter, const QRectF& place, const TileContent& tile) const;
     void drawCorner(QPainter& painter, const QRectF& place, const TileContent& tile) const;
     QColor colorOf(const TileContent& tile) const;
 
@@ -61,6 +60,11 @@ private:
     /// What all tiles of a stance and size have in common, and what takes the longest to draw.
     std::vector<Ground> grounds_;
 };
+
+/// A desktop's symbol on a rounded square in its colour, an invalid one standing for none; strong for a
+/// desktop that its display shows.
+void drawChip(QPainter& painter, const Theme& theme, const QRectF& place, const QString& symbol,
+              const QColor& color, bool isCurrent);
 
 /// The outline of a key with its label in the middle.
 void drawKeycap(QPainter& painter, const Theme& theme, const QRectF& place, const QString& label);

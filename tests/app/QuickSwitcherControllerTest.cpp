@@ -98,6 +98,8 @@ TEST(QuickSwitcherController, putsUpOneSurfaceWhereThatIsEnough) {
     chosen.session.screens->under = "B";
     chosen.controller.open();
     EXPECT_EQ(chosen.events(), (Texts{"B show", "B keyboard"}));
+    EXPECT_TRUE(chosen.controller.covers(chosen.session.screens->list[1]));
+    EXPECT_FALSE(chosen.controller.covers(chosen.session.screens->list[0]));
     EXPECT_EQ(chosen.on("B").model.results().size(), 5u);
     EXPECT_TRUE(chosen.on("B").model.canCycleScope());
 
