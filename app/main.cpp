@@ -112,7 +112,7 @@ int run(int& count, char** arguments) {
                    std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens),
                    folders.data);
     if (const auto& error = defaults.loadError()) state.notices().show(error->sentence());
-    Surfaces surfaces(state, settings);
+    Surfaces surfaces(state);
     surfaces.onQuit = [] { QApplication::quit(); };
     const TerminationSignals signals(loop, [] { QApplication::quit(); });
 

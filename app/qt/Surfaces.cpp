@@ -7,14 +7,14 @@
 
 namespace lumnara {
 
-Surfaces::Surfaces(AppState& state, AppSettings& settings, std::function<bool()> isComposited)
+Surfaces::Surfaces(AppState& state, std::function<bool()> isComposited)
     : windows_(state.loop(), std::move(isComposited)),
-      board_(state, windows_, boardSettings(settings)),
+      board_(state, windows_, boardSettings(state.settings())),
       tray_(state.loop(), state.catalog()),
       notice_(state.loop()),
       overlay_(
-          {state.loop(), state.catalog(), settings, state.platform().screens.get(), state.notices(),
-           state.onDesktopSwitched, settled_},
+          {state.loop(), state.catalog(), state.settings(), state.platform().screens.get(), state.notices(),
+           state.onDesktopSwitched, state.linkedSwitching().onSettled},
           [] { return std::make_unique<OverlayWindow>(); },
           // Where the compositor places windows, there is no card: it would be tiled like any other.
           [this](const ScreenInfo& screen) { return placesOwnWindows() && !board_.covers(screen); }) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "app/AppSettings.h"
 #include "app/AppState.h"
 #include "app/board/QuickSwitcherController.h"
 #include "app/overlay/SwitchOverlayController.h"
@@ -16,9 +15,8 @@ namespace lumnara {
 /// and taken down before it, while the application object lives.
 class Surfaces {
 public:
-    /// The settings outlive this object. `isComposited` tells whether a compositor blends windows now; none
-    /// means that nothing is known of one.
-    Surfaces(AppState& state, AppSettings& settings, std::function<bool()> isComposited = {});
+    /// `isComposited` tells whether a compositor blends windows now; none means that nothing is known of one.
+    explicit Surfaces(AppState& state, std::function<bool()> isComposited = {});
 
     QuickSwitcherController& board() { return board_; }
 
@@ -35,7 +33,6 @@ private:
     QuickSwitcherController board_;
     TrayIcon tray_;
     NoticeWindow notice_;
-    SwitchOverlayController::SettledSignal settled_;
     SwitchOverlayController overlay_;
     async::Subscription notices_;
 };
