@@ -7,9 +7,17 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace lumnara::bench {
+
+/// The middle one of these; at least one.
+inline double medianOf(std::vector<double> times) {
+    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
+    std::nth_element(times.begin(), middle, times.end());
+    return *middle;
+}
 
 /// The median of `rounds` timings of one call, in microseconds.
 template <class F> double medianMicroseconds(int rounds, F&& call) {
@@ -21,9 +29,7 @@ template <class F> double medianMicroseconds(int rounds, F&& call) {
         const auto end = std::chrono::steady_clock::now();
         times.push_back(std::chrono::duration<double, std::micro>(end - start).count());
     }
-    const auto middle = times.begin() + rounds / 2;
-    std::nth_element(times.begin(), middle, times.end());
-    return *middle;
+    return medianOf(std::move(times));
 }
 
 /// One group's figures: a table on standard output, and build/bench/<group>.json at the end.

@@ -1,18 +1,25 @@
+#include "app/AppState.h"
+#include "bench/BareI3Client.h"
 #include "bench/Bench.h"
 #include "core/async/PollLoop.h"
+#include "core/base/Log.h"
 #include "core/catalog/DesktopCatalog.h"
 #include "core/model/SnapshotSpaceProvider.h"
 #include "core/names/NameStore.h"
+#include "core/platform/linux/JsonDefaultsStore.h"
+#include "tests/session/IpcFixture.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
+namespace lumnara {
 namespace {
-
-using namespace lumnara;
 
 constexpr int desktopsEach = 16;
 
@@ -85,15 +92,101 @@ RefreshTimes measureRefresh(int groups) {
     return times;
 }
 
-} // namespace
+async::Task<> switchTo(AppState& state, std::string key, bool& done) {
+    co_await state.switchToDesktop(key);
+    done = true;
+}
 
-int main() {
-    bench::Report report("linked");
+/// Two linked pairs on two monitors of a real i3, gone to in turn: both screens verified, beside two bare
+/// verified switches on a socket and two spawned message programs.
+void measureI3(bench::Report& report) {
+    testing::IpcFixture at(testing::IpcWindowManager::i3);
+    bench::BareI3Client bare(at.x().i3Socket());
+    JsonDefaultsStore defaults(at.loop, at.folder / "settings.json");
+    AppSettings settings(defaults);
+    settings.displayLinkMode.set(DisplayLinkMode::linked);
+    AppState state(
+        at.loop, settings, at.platform(),
+        std::make_unique<LiveSpaceProvider>(at.loop, *at.platform().windowServer, *at.platform().screens),
+        at.folder.path());
+    const std::vector<std::pair<std::string, std::string>> pairs{{"3", "4"}, {"1", "2"}};
+    std::vector<std::string> keys;
+    for (const auto& [left, right] : pairs) {
+        at.command("focus output R; workspace " + right);
+        at.command("focus output L; workspace " + left);
+        if (!testing::waitUntil([&] { return bare.shows(left) && bare.shows(right); }))
+            throw std::runtime_error("the workspaces are not shown");
+        at.x().openWindow("on L");
+        at.command("focus output R");
+        at.x().openWindow("on R");
+        state.catalog().refresh();
+        if (!state.catalog().link(state.catalog().currentDesktop("L")->spaceKey,
+                                  state.catalog().currentDesktop("R")->spaceKey))
+            throw std::runtime_error("the desktops are not linked");
+        keys.push_back(state.catalog().currentDesktop("L")->key);
+    }
+    at.x().movePointer(100, 700);
+
+    const LogSink before = setLogSink([](std::string_view) {});
+    std::vector<double> ours, bares, spawns;
+    std::size_t target = 1;
+    const auto landed = [&] { return bare.shows(pairs[target].first) && bare.shows(pairs[target].second); };
+    for (int round = 0; round < 151; ++round) {
+        target = 1 - target;
+        ours.push_back(bench::medianMicroseconds(1, [&] {
+            bool done = false;
+            const auto handle = async::spawn(at.loop, switchTo(state, keys[target], done));
+            at.loop.runUntil([&done] { return done; }, 5);
+        }));
+        if (!landed()) throw std::runtime_error("the linked switch did not land");
+        target = 1 - target;
+        bares.push_back(bench::medianMicroseconds(1, [&] {
+            bare.switchTo(pairs[target].first);
+            bare.switchTo(pairs[target].second);
+        }));
+        at.loop.runUntil([] { return false; }, 0.002); // what it announced to us
+    }
+    for (int round = 0; round < 31; ++round) {
+        target = 1 - target;
+        spawns.push_back(bench::medianMicroseconds(1, [&] {
+            for (const auto& name : {pairs[target].first, pairs[target].second})
+                at.x().start({"i3-msg", "-q", "-s", at.x().i3Socket(), "workspace", name})->waitForExit();
+        }));
+    }
+    setLogSink(before);
+    report.line("i3 linked, us", bench::medianOf(ours));
+    report.line("i3 two bare, us", bench::medianOf(bares));
+    report.line("i3 two spawned, us", bench::medianOf(spawns));
+    report.add("i3_two_displays_vs_two_bare", bench::medianOf(ours) / bench::medianOf(bares));
+    report.add("i3_vs_two_spawned", bench::medianOf(ours) / bench::medianOf(spawns));
+}
+
+/// A setting that is changed, up to the last subscriber; the disk follows later and apart.
+void measureSettings(bench::Report& report) {
+    const testing::TemporaryFolder folder;
+    async::PollLoop loop;
+    JsonDefaultsStore defaults(loop, folder / "settings.json");
+    AppSettings settings(defaults);
+    double width = 140;
+    report.line("settings_write_us",
+                bench::medianMicroseconds(2000, [&] { settings.boardTileWidth.set(width += 0.1); }));
+}
+
+void measureRefreshes(bench::Report& report) {
     const RefreshTimes linked = measureRefresh(desktopsEach);
     const RefreshTimes unlinked = measureRefresh(0);
     report.add("refresh_16_groups_us", linked.unchanged, "2 displays of 16 desktops, all linked");
     report.line("refresh_no_groups_us", unlinked.unchanged, "the same, none linked");
     report.line("switched_16_groups_us", linked.switched, "a linked pair became current");
     report.line("switched_no_groups_us", unlinked.switched);
-    return EXIT_SUCCESS;
+}
+
+} // namespace
+} // namespace lumnara
+
+int main() {
+    lumnara::bench::Report report("linked");
+    lumnara::measureI3(report);
+    lumnara::measureSettings(report);
+    lumnara::measureRefreshes(report);
 }

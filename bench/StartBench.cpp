@@ -69,7 +69,7 @@ public:
             ready.push_back(start());
             if (i + 1 < starts) stop();
         }
-        report.add("ready_ms", median(ready), "from exec to the registered shortcut");
+        report.add("ready_ms", medianOf(ready), "from exec to the registered shortcut");
 
         session_.movePointer(640, 790);
         closed_ = boardArea(session_);
@@ -77,19 +77,14 @@ public:
         for (int i = 0; i < openings; ++i) paint.push_back(open());
         report.line("first_board_paint_ms", paint.front(), "the first opening after the start");
         paint.erase(paint.begin());
-        report.add("board_paint_ms", median(paint), "from the Option+1 key event to the painted Board, warm");
+        report.add("board_paint_ms", medianOf(paint),
+                   "from the Option+1 key event to the painted Board, warm");
         report.line("board_paint_worst_ms", *std::max_element(paint.begin(), paint.end()));
         report.add("rss_mib", residentMebibytes(), "after " + std::to_string(openings) + " openings");
         stop();
     }
 
 private:
-    static double median(std::vector<double> values) {
-        const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-        std::nth_element(values.begin(), middle, values.end());
-        return *middle;
-    }
-
     double start() {
         const auto before = readyLines();
         return millisecondsUntil([&] { child_ = session_.start({LUMNARA_PROGRAM}); },

@@ -77,12 +77,6 @@ private:
 
 template <class F> double microsecondsOf(F&& call) { return medianMicroseconds(1, std::forward<F>(call)); }
 
-inline double medianOf(std::vector<double> times) {
-    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-    std::nth_element(times.begin(), middle, times.end());
-    return *middle;
-}
-
 /// The times of our verified switches, of bare ones and of spawned programs, in microseconds.
 inline void reportSwitches(Report& report, const std::string& windowManager, std::vector<double> ours,
                            std::vector<double> bares, std::vector<double> spawns) {
