@@ -51,6 +51,8 @@ async::Task<SwitchResult> LinkedSwitching::run(std::vector<Desktop> members) {
     const async::Nanos start = loop_.now();
     Run run;
     run.serial = ++linkedSwitchSerial_;
+    const bool keepsFocus = activator_ && !members.empty();
+    const auto focus = keepsFocus ? activator_->keepFocusOn(members.front().display) : nullptr;
     for (const Desktop& member : members) co_await drive(member, run);
 
     log(fmt::format("Lumnara linked switch: {} displays, {} already there, {} failed, {:.0f} ms",
@@ -62,7 +64,6 @@ async::Task<SwitchResult> LinkedSwitching::run(std::vector<Desktop> members) {
     }
     const SwitchResult result = outcomeOf(run);
     watch(run, members.front());
-    if (members.size() > 1) co_await giveBackFocus(members.front().display);
     co_return result;
 }
 
@@ -115,16 +116,6 @@ SwitchResult LinkedSwitching::outcomeOf(const Run& run) const {
     if (!run.failures.empty()) std::rethrow_exception(run.failures.front().second);
     throw SwitchError(run.alreadyThere > 0 ? SwitchError::Case::alreadyThere
                                            : SwitchError::Case::targetNotInSnapshot);
-}
-
-/// Each member that moved has taken the keyboard to its display.
-async::Task<> LinkedSwitching::giveBackFocus(DisplayID display) {
-    if (!activator_) co_return;
-    try {
-        co_await activator_->focus(display);
-    } catch (const Failure& failure) {
-        log("Lumnara linked switch: the focus stays: " + failure.sentence());
-    }
 }
 
 void LinkedSwitching::watch(const Run& run, const Desktop& asked) {

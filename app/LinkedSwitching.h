@@ -28,7 +28,7 @@ public:
     LinkedSwitching(async::Loop& loop, SpaceProvider& provider, DesktopCatalog& catalog,
                     SpaceSwitcher& switcher, Notices& notices, SpaceActivator* activator);
 
-    /// The member under the pointer goes first and has the keyboard in the end. A member that doesn't follow
+    /// The member under the pointer goes first and keeps the keyboard. A member that doesn't follow
     /// stops no other: when any moved, the result is that of the first that did, and a notice tells of the
     /// first failure. When none moved, throws the first failure, SwitchError::alreadyThere when all are there
     /// already, or SwitchError::targetNotInSnapshot without members.
@@ -44,7 +44,6 @@ private:
     void putUnderPointerFirst(std::vector<Desktop>& members);
     async::Task<> drive(Desktop member, Run& run);
     void noteAlreadyThere(const Desktop& member, Run& run);
-    async::Task<> giveBackFocus(DisplayID display);
     SwitchResult outcomeOf(const Run& run) const;
     void watch(const Run& run, const Desktop& asked);
     void measure(double delay, const Run& run, const Desktop& asked);

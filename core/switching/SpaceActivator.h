@@ -3,6 +3,8 @@
 #include "core/async/Task.h"
 #include "core/model/SpaceSnapshot.h"
 
+#include <memory>
+
 namespace lumnara {
 
 /// Asks the window manager to show a Space. Owned by Platform, called on the main thread.
@@ -16,8 +18,9 @@ public:
     /// window manager can't be asked. The arguments must live until the task ends.
     virtual async::Task<> activate(const Space& target, const DisplayID& display) = 0;
 
-    /// Gives the keyboard to a display, where displays have it apart. The rest as in activate().
-    virtual async::Task<> focus(const DisplayID&) { co_return; }
+    /// While the result lives, and until the next call, activations leave the keyboard on this display, where
+    /// displays have it apart.
+    virtual std::shared_ptr<const DisplayID> keepFocusOn(const DisplayID&) { return nullptr; }
 };
 
 } // namespace lumnara

@@ -62,7 +62,7 @@ TEST_F(LinkedSwitchingTest, MovesThePointersMemberFirstAndLeavesTheKeyboardThere
     session.provider->cursor = DisplayID{"b"};
     EXPECT_EQ(run(pair()), "landed");
     EXPECT_EQ(session.activator->asked, (std::vector{SpaceID{12}, SpaceID{2}}));
-    EXPECT_EQ(session.activator->focused, Texts{"B"});
+    EXPECT_EQ(session.activator->focused, (Texts{"B", "B"}));
     EXPECT_TRUE(session.notices.empty());
     EXPECT_EQ(logged(), (Texts{": Monitor B: Desktop 1 -> Desktop 2 via windowManager, 1 attempt(s), 1 ms",
                                ": Monitor A: Desktop 1 -> Mail via windowManager, 1 attempt(s), 1 ms",
@@ -76,6 +76,9 @@ TEST_F(LinkedSwitchingTest, MovesThePointersMemberFirstAndLeavesTheKeyboardThere
     EXPECT_TRUE(SwitchSettle::unsettled(settlements[0].second).empty());
     session.loop.advance(2);
     EXPECT_EQ(settlements.size(), 1u) << "the second look is for the log alone";
+    session.state().switchTo(session.desktop("A-1"));
+    session.loop.advance(1);
+    EXPECT_EQ(session.activator->focused.size(), 2u) << "not kept for an ordinary switch";
     EXPECT_EQ(logged(), (Texts{" settle +1s: Monitor B on Desktop 2; Monitor A on Mail",
                                " settle +3s: Monitor B on Desktop 2; Monitor A on Mail"}));
 }

@@ -12,6 +12,7 @@ std::optional<SpaceID> ScriptedWindowServer::currentSpace(const DisplayID& displ
 
 async::Task<> ScriptedActivator::activate(const Space& target, const DisplayID& display) {
     asked.push_back(target.id);
+    if (const auto kept = focusKept_.lock()) focused.push_back(kept->uuid);
     co_await async::sleepFor(0.001);
     if (failure) std::rethrow_exception(failure);
     if (display.uuid == stubborn)
@@ -19,9 +20,10 @@ async::Task<> ScriptedActivator::activate(const Space& target, const DisplayID& 
     if (obeys) provider_.show(target.id);
 }
 
-async::Task<> ScriptedActivator::focus(const DisplayID& display) {
-    focused.push_back(display.uuid);
-    co_return;
+std::shared_ptr<const DisplayID> ScriptedActivator::keepFocusOn(const DisplayID& display) {
+    auto kept = std::make_shared<const DisplayID>(display);
+    focusKept_ = kept;
+    return kept;
 }
 
 std::vector<std::string> RecordingPublisher::lastNames() const {

@@ -59,9 +59,10 @@ class ScriptedActivator : public SpaceActivator {
 public:
     explicit ScriptedActivator(ScriptedProvider& provider) : provider_(provider) {}
     async::Task<> activate(const Space& target, const DisplayID& display) override;
-    async::Task<> focus(const DisplayID& display) override;
+    std::shared_ptr<const DisplayID> keepFocusOn(const DisplayID& display) override;
 
     std::vector<SpaceID> asked;
+    /// Where the keyboard was kept, at each activation.
     std::vector<std::string> focused;
     /// A display that can't be switched.
     std::string stubborn;
@@ -70,6 +71,7 @@ public:
 
 private:
     ScriptedProvider& provider_;
+    std::weak_ptr<const DisplayID> focusKept_;
 };
 
 class RecordingPublisher : public DesktopNamePublisher {

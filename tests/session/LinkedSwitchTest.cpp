@@ -16,7 +16,9 @@ public:
             throw WindowManagerError(WindowManagerError::Case::refused, "i3", "not there");
         co_await real_->activate(target, display);
     }
-    async::Task<> focus(const DisplayID& display) override { co_await real_->focus(display); }
+    std::shared_ptr<const DisplayID> keepFocusOn(const DisplayID& display) override {
+        return real_->keepFocusOn(display);
+    }
 
     std::string refused;
 

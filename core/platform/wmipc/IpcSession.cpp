@@ -85,9 +85,13 @@ std::vector<IpcSession::Display> IpcSession::identified(std::vector<IpcOutputRep
     return displays;
 }
 
-void IpcSession::activate(SpaceID space, const DisplayID& display, I3Ipc::OnOutcomes onOutcomes) {
+void IpcSession::activate(SpaceID space, const DisplayID& display, const DisplayID* focused,
+                          I3Ipc::OnOutcomes onOutcomes) {
+    std::string commands = activation(space, display);
+    if (focused && !text::equalsIgnoringCase(focused->uuid, display.uuid))
+        if (const auto focus = focusing(*focused)) commands += "; " + *focus;
     const auto result = std::make_shared<std::optional<std::vector<IpcOutcome>>>();
-    ipc_.run(activation(space, display), [result](const auto* outcomes) {
+    ipc_.run(commands, [result](const auto* outcomes) {
         if (outcomes) *result = *outcomes;
     });
     ipc_.askAhead(IpcType::workspaces, [this, result, onOutcomes](const std::string* answer) {
@@ -96,26 +100,21 @@ void IpcSession::activate(SpaceID space, const DisplayID& display, I3Ipc::OnOutc
     });
 }
 
-void IpcSession::focus(const DisplayID& display, I3Ipc::OnOutcomes onOutcomes) {
-    ipc_.run(focusing(display), std::move(onOutcomes));
-}
-
 std::string IpcSession::activation(SpaceID space, const DisplayID& display) const {
     const RegisteredDesktop* desktop = registry_.find(space);
-    if (!desktop)
+    const auto focus = focusing(display);
+    if (!desktop || !focus) {
         throw WindowManagerError(WindowManagerError::Case::refused, ipc_.windowManager(),
-                                 "it has no such workspace");
+                                 desktop ? "it has no such output" : "it has no such workspace");
+    }
     // Without the output in front, a workspace that is gone would be made on the focused one.
-    return focusing(display) + "; workspace --no-auto-back-and-forth " +
-           quoted(dialect_, desktop->nextName());
+    return *focus + "; workspace --no-auto-back-and-forth " + quoted(dialect_, desktop->nextName());
 }
 
-std::string IpcSession::focusing(const DisplayID& display) const {
+std::optional<std::string> IpcSession::focusing(const DisplayID& display) const {
     const auto connector = std::ranges::find_if(
         connectors_, [&](const auto& entry) { return text::equalsIgnoringCase(entry.first, display.uuid); });
-    if (connector == connectors_.end())
-        throw WindowManagerError(WindowManagerError::Case::refused, ipc_.windowManager(),
-                                 "it has no such output");
+    if (connector == connectors_.end()) return std::nullopt;
     return "focus output " + quoted(dialect_, connector->second);
 }
 

@@ -48,13 +48,11 @@ public:
     std::vector<Display> read();
 
     /// Sends the command that shows a desktop, and makes its workspace again on its display if it is gone.
-    /// `onOutcomes` is called when what is shown then is told as well, so that the reading that follows waits
-    /// for nothing. Throws WindowManagerError, also when nobody knows the desktop.
-    void activate(SpaceID space, const DisplayID& display, I3Ipc::OnOutcomes onOutcomes);
-
-    /// Sends the command that gives the keyboard to a display. Throws WindowManagerError, also for a display
-    /// that nobody knows.
-    void focus(const DisplayID& display, I3Ipc::OnOutcomes onOutcomes);
+    /// The keyboard goes there too, or to `focused` in the end. `onOutcomes` is called when what is shown
+    /// then is told as well, so that the reading that follows waits for nothing. Throws WindowManagerError,
+    /// also when nobody knows the desktop.
+    void activate(SpaceID space, const DisplayID& display, const DisplayID* focused,
+                  I3Ipc::OnOutcomes onOutcomes);
 
     /// Takes in which desktops have records, and puts their names on the workspaces: now, or once the window
     /// manager can be asked. Doesn't wait for it.
@@ -74,7 +72,8 @@ private:
     void onWorkspaceEvent(const IpcWorkspaceEvent& event);
 
     std::string activation(SpaceID space, const DisplayID& display) const;
-    std::string focusing(const DisplayID& display) const;
+    /// The command that gives the keyboard to a display; nothing for one that nobody knows.
+    std::optional<std::string> focusing(const DisplayID& display) const;
     std::vector<IpcWorkspaceReply> readWorkspaces();
     void readDisplays();
     std::vector<Display> identified(std::vector<IpcOutputReply> outputs) const;
