@@ -26,7 +26,7 @@ AppState::AppState(async::Loop& loop, AppSettings& settings, Platform& platform,
       provider_(std::move(provider)),
       catalog_(loop, *provider_, store_, *settings.displayLinkMode),
       switcher_(*provider_, {.instantSwitching = *settings.instantSwitching}),
-      linkedSwitching_(loop, *provider_, catalog_, switcher_, notices_, platform.spaceActivator.get()) {
+      linkedSwitching_(loop, platform, *provider_, catalog_, switcher_, notices_) {
     connectSwitcher();
     reportStart();
     displaysChanged_ = catalog_.displays.subscribe([this](const auto&) { publishNames(); });

@@ -37,22 +37,22 @@ struct LinkedSwitching::Run {
     std::vector<std::pair<DisplayID, SpaceID>> expected;
 };
 
-LinkedSwitching::LinkedSwitching(async::Loop& loop, SpaceProvider& provider, DesktopCatalog& catalog,
-                                 SpaceSwitcher& switcher, Notices& notices, SpaceActivator* activator)
+LinkedSwitching::LinkedSwitching(async::Loop& loop, Platform& platform, SpaceProvider& provider,
+                                 DesktopCatalog& catalog, SpaceSwitcher& switcher, Notices& notices)
     : loop_(loop),
+      platform_(platform),
       provider_(provider),
       catalog_(catalog),
       switcher_(switcher),
-      notices_(notices),
-      activator_(activator) {}
+      notices_(notices) {}
 
 async::Task<SwitchResult> LinkedSwitching::run(std::vector<Desktop> members) {
     putUnderPointerFirst(members);
     const async::Nanos start = loop_.now();
     Run run;
     run.serial = ++linkedSwitchSerial_;
-    const bool keepsFocus = activator_ && !members.empty();
-    const auto focus = keepsFocus ? activator_->keepFocusOn(members.front().display) : nullptr;
+    const bool keepsFocus = platform_.spaceActivator && !members.empty();
+    const auto focus = keepsFocus ? platform_.spaceActivator->keepFocusOn(members.front().display) : nullptr;
     for (const Desktop& member : members) co_await drive(member, run);
 
     log(fmt::format("Lumnara linked switch: {} displays, {} already there, {} failed, {:.0f} ms",
@@ -131,7 +131,9 @@ void LinkedSwitching::measure(double delay, const Run& run, const Desktop& asked
         SwitchSettle::entries(run.expected, [this](const DisplayID& display) { return shownOn(display); });
     std::vector<std::string> descriptions;
     for (const SwitchSettle::Entry& entry : entries) descriptions.push_back(describe(entry));
-    log(fmt::format("Lumnara linked switch settle +{:.0f}s: {}", delay, fmt::join(descriptions, "; ")));
+    const auto frontmost = platform_.workspace ? platform_.workspace->frontmostApplication() : std::nullopt;
+    log(fmt::format("Lumnara linked switch settle +{:.0f}s: {}; frontmost {}", delay,
+                    fmt::join(descriptions, "; "), frontmost.value_or("none")));
     if (delay == firstLook) onSettled.emit(asked, entries);
 }
 

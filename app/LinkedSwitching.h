@@ -6,7 +6,7 @@
 #include "core/async/Task.h"
 #include "core/async/Timer.h"
 #include "core/catalog/DesktopCatalog.h"
-#include "core/switching/SpaceActivator.h"
+#include "core/platform/Platform.h"
 #include "core/switching/SpaceSwitcher.h"
 #include "core/switching/SwitchSettle.h"
 
@@ -23,10 +23,9 @@ namespace lumnara {
 /// few seconds whether the displays stay where they were sent. Runs may overlap. Main thread.
 class LinkedSwitching {
 public:
-    /// `activator` is null where displays have no keyboard focus of their own. All outlive this object and
-    /// its tasks.
-    LinkedSwitching(async::Loop& loop, SpaceProvider& provider, DesktopCatalog& catalog,
-                    SpaceSwitcher& switcher, Notices& notices, SpaceActivator* activator);
+    /// The platform may lack anything. All outlive this object and its tasks.
+    LinkedSwitching(async::Loop& loop, Platform& platform, SpaceProvider& provider, DesktopCatalog& catalog,
+                    SpaceSwitcher& switcher, Notices& notices);
 
     /// The member under the pointer goes first and keeps the keyboard. A member that doesn't follow
     /// stops no other: when any moved, the result is that of the first that did, and a notice tells of the
@@ -55,11 +54,11 @@ private:
     std::string describe(const SwitchSettle::Entry& entry);
 
     async::Loop& loop_;
+    Platform& platform_;
     SpaceProvider& provider_;
     DesktopCatalog& catalog_;
     SpaceSwitcher& switcher_;
     Notices& notices_;
-    SpaceActivator* activator_;
     /// Counts the runs; the measurement of any but the latest means nothing.
     int linkedSwitchSerial_ = 0;
     std::vector<std::unique_ptr<async::Delayed>> measurements_;

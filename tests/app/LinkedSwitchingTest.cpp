@@ -79,8 +79,8 @@ TEST_F(LinkedSwitchingTest, MovesThePointersMemberFirstAndLeavesTheKeyboardThere
     session.state().switchTo(session.desktop("A-1"));
     session.loop.advance(1);
     EXPECT_EQ(session.activator->focused.size(), 2u) << "not kept for an ordinary switch";
-    EXPECT_EQ(logged(), (Texts{" settle +1s: Monitor B on Desktop 2; Monitor A on Mail",
-                               " settle +3s: Monitor B on Desktop 2; Monitor A on Mail"}));
+    EXPECT_EQ(logged(), (Texts{" settle +1s: Monitor B on Desktop 2; Monitor A on Mail; frontmost none",
+                               " settle +3s: Monitor B on Desktop 2; Monitor A on Mail; frontmost none"}));
 }
 
 TEST_F(LinkedSwitchingTest, CountsWhoIsThereAlready) {
@@ -129,11 +129,13 @@ TEST_F(LinkedSwitchingTest, SeesADisplayThatSnapsBack) {
     EXPECT_EQ(run(pair()), "landed");
     session.loop.advance(0.5);
     session.userShows(11);
+    session.workspace->frontmost = "Editor";
     session.loop.advance(0.6);
     ASSERT_EQ(settlements.size(), 1u);
     EXPECT_EQ(SwitchSettle::unsettled(settlements[0].second),
               (std::vector{SwitchSettle::Entry{DisplayID{"B"}, SpaceID{12}, SpaceID{11}}}));
-    EXPECT_EQ(logged().back(), " settle +1s: Monitor A on Mail; Monitor B LEFT for an unnamed Space");
+    EXPECT_EQ(logged().back(),
+              " settle +1s: Monitor A on Mail; Monitor B LEFT for an unnamed Space; frontmost Editor");
 }
 
 TEST_F(LinkedSwitchingTest, OnlyTheLatestIsMeasured) {

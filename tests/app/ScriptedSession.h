@@ -40,7 +40,10 @@ public:
     async::Subscription observe(std::function<void(WorkspaceEvent)> onEvent) override {
         return events.subscribe(std::move(onEvent));
     }
+    std::optional<std::string> frontmostApplication() override { return frontmost; }
+
     async::Signal<WorkspaceEvent> events;
+    std::optional<std::string> frontmost;
 };
 
 class ScriptedScreens : public Screens {

@@ -60,6 +60,20 @@ TEST(IpcReplies, ReadEventsThatCarryATree) {
     EXPECT_EQ(parseWorkspaceEvent(R"({"change":"reload","current":null})").id, 0);
 }
 
+TEST(IpcReplies, FindWhoHasTheKeyboard) {
+    const auto treeWith = [](const std::string& window) {
+        return R"({"focused":false,"nodes":[{"focused":false,"nodes":[],"floating_nodes":[)" + window +
+               R"(]},{"focused":false,"nodes":[]}],"floating_nodes":[]})";
+    };
+    EXPECT_EQ(parseFocusedApplication(treeWith(
+                  R"({"focused":true,"window_properties":{"class":"Editor","instance":"e"},"nodes":[]})")),
+              "Editor");
+    EXPECT_EQ(parseFocusedApplication(treeWith(R"({"focused":true,"app_id":"foot","nodes":[]})")), "foot");
+    EXPECT_EQ(parseFocusedApplication(treeWith(R"({"focused":true,"app_id":null,"nodes":[]})")),
+              std::nullopt);
+    EXPECT_EQ(parseFocusedApplication(treeWith(R"({"focused":false,"app_id":"foot"})")), std::nullopt);
+}
+
 TEST(IpcReplies, KeepBytesThatAreNoUtf8FromEndingTheReading) {
     const auto workspaces = parseWorkspaces(
         "[{\"id\":1,\"name\":\"bad\xff\xc3x\",\"output\":\"L\",\"visible\":true,\"focused\":false}]");
@@ -72,7 +86,7 @@ TEST(IpcReplies, RefuseOtherShapes) {
         [](auto json) { parseWorkspaces(json); },     [](auto json) { parseOutputs(json); },
         [](auto json) { parseOutcomes(json); },       [](auto json) { parseOutcome(json); },
         [](auto json) { parseConfig(json); },         [](auto json) { parseBindingEvent(json); },
-        [](auto json) { parseWorkspaceEvent(json); },
+        [](auto json) { parseWorkspaceEvent(json); }, [](auto json) { parseFocusedApplication(json); },
     };
     const std::string deep(std::size_t{1} << 20, '[');
     for (const auto& read : readers)

@@ -14,6 +14,7 @@ enum class IpcType : std::uint32_t {
     workspaces = 1,
     subscribe = 2,
     outputs = 3,
+    tree = 4,
     config = 9,
 };
 

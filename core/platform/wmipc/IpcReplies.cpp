@@ -148,6 +148,26 @@ std::string parseBindingEvent(std::string_view text) {
     return textIn(field(event, "binding"), "command");
 }
 
+std::optional<std::string> parseFocusedApplication(std::string_view text) {
+    const json tree = parseReply(text);
+    std::vector<const json*> left{&tree};
+    while (!left.empty()) {
+        const json& node = *left.back();
+        left.pop_back();
+        if (flag(node, "focused")) {
+            if (const auto id = node.find("app_id"); id != node.end() && id->is_string())
+                return id->get<std::string>();
+            const auto properties = node.find("window_properties");
+            if (properties == node.end() || !properties->contains("class")) return std::nullopt;
+            return textIn(*properties, "class");
+        }
+        for (const char* children : {"nodes", "floating_nodes"})
+            if (const auto found = node.find(children); found != node.end())
+                for (const json& child : *found) left.push_back(&child);
+    }
+    return std::nullopt;
+}
+
 std::string parseConfig(std::string_view text) {
     const json reply = parseReply(text);
     return textIn(reply, "config");

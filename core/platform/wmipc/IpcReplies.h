@@ -3,6 +3,7 @@
 #include "core/model/Geometry.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -57,6 +58,10 @@ IpcWorkspaceEvent parseWorkspaceEvent(std::string_view json);
 
 /// The command of the key binding that ran.
 std::string parseBindingEvent(std::string_view json);
+
+/// The application of the window that has the keyboard: its Wayland id, else its X11 class; nothing when a
+/// workspace has it.
+std::optional<std::string> parseFocusedApplication(std::string_view text);
 
 /// The text of the configuration file that GET_CONFIG answers with.
 std::string parseConfig(std::string_view json);
