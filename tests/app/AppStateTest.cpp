@@ -54,6 +54,71 @@ TEST(AppState, announcesAChangeOnceAndOnlyAChange) {
     EXPECT_EQ(listener.take(), (Texts{"to A-2", "on B-2"}));
 }
 
+TEST(AppState, aChangePassesItsStationsInOrder) {
+    ScriptedSession session(twoDisplays());
+    session.start();
+    session.catalog().rename("A-2", "Mail");
+    Texts stations;
+    const int readBefore = session.provider->readings;
+    const std::size_t publishedBefore = session.publisher->published.size();
+    const auto displays = session.catalog().displays.subscribe([&](const auto&) {
+        stations.push_back(session.provider->readings == readBefore + 1 ? "read, displays" : "displays");
+    });
+    const auto switched = session.state().onDesktopSwitched.subscribe([&](const Desktop& desktop) {
+        const bool isTold = session.publisher->published.size() > publishedBefore;
+        const bool isHistory = session.state().switcher().history.previous("A") == "A-1";
+        stations.push_back(std::string(isHistory ? "history, " : "") + (isTold ? "names, " : "") + "to " +
+                           desktop.displayName());
+    });
+    const auto current = session.state().onCurrentDesktopChanged.subscribe(
+        [&](const std::optional<Desktop>& desktop) { stations.push_back("on " + desktop->displayName()); });
+    session.userShows(2);
+    EXPECT_EQ(stations, (Texts{"read, displays", "history, names, to Mail", "on Mail"}));
+}
+
+TEST(AppState, aLinkGroupIsAnnouncedOnceHoweverItArrives) {
+    ScriptedSession session(twoDisplays());
+    session.settings.displayLinkMode.set(DisplayLinkMode::linked);
+    session.start();
+    ASSERT_TRUE(session.catalog().link("A-2", "B-2"));
+    const std::string group = session.desktop("A-2").key;
+    Listener listener(session.state());
+    const auto told = [&] {
+        Texts announced = listener.take();
+        std::erase_if(announced, [](const std::string& each) { return each.starts_with("on "); });
+        return announced;
+    };
+
+    session.provider->show(SpaceID{2});
+    session.userShows(12);
+    EXPECT_EQ(told(), Texts{"to " + group}) << "both displays in one reading";
+    session.provider->show(SpaceID{1});
+    session.userShows(11);
+    EXPECT_EQ(told(), (Texts{"to A-1", "to B-1"}));
+    session.userShows(12);
+    EXPECT_EQ(told(), Texts{"to " + group});
+    session.userShows(2);
+    EXPECT_EQ(told(), Texts{}) << "the second display follows in a reading of its own";
+    session.userShows(1);
+    session.userShows(2);
+    EXPECT_EQ(told(), (Texts{"to A-1", "to " + group})) << "away and back";
+
+    // Both go there by one request, from any member's key or the group's.
+    session.provider->show(SpaceID{1});
+    session.userShows(11);
+    session.state().switchTo(session.desktop("B-2"));
+    session.loop.advance(1);
+    EXPECT_EQ(session.activator->asked, (std::vector{SpaceID{2}, SpaceID{12}}));
+
+    session.settings.displayLinkMode.set(DisplayLinkMode::independent);
+    EXPECT_EQ(session.desktop("B-2").key, "B-2") << "the setting holds at once";
+    session.userShows(11);
+    session.state().switchTo(session.desktop("B-2"));
+    session.loop.advance(1);
+    EXPECT_EQ(session.activator->asked.back(), SpaceID{12});
+    EXPECT_EQ(session.activator->asked.size(), 3u);
+}
+
 TEST(AppState, aListenerMayEditTheDesktops) {
     ScriptedSession session(twoDisplays());
     session.start();
