@@ -280,6 +280,13 @@ void DesktopCatalog::rename(std::string key, std::string_view name) {
     if (onRenamed) onRenamed(key);
 }
 
+void DesktopCatalog::clearName(const std::string& key) {
+    if (!isNamed(key)) return;
+    store_.setName(key, {});
+    rebuild();
+    if (onRenamed) onRenamed(key);
+}
+
 void DesktopCatalog::setAliases(const std::string& key, const std::vector<std::string>& aliases) {
     std::vector<std::string> valid = NameRules::validate(aliases);
     const auto record = store_.record(key);

@@ -61,7 +61,7 @@ public:
 
     /// Called after every good refresh; the reading stands until the next one.
     std::function<void(const SpaceSnapshot&)> onRefresh;
-    /// Called with the desktop's key after a successful rename.
+    /// Called with the desktop's key after a successful rename, also to no name.
     std::function<void(const std::string& key)> onRenamed;
     /// Called with the keys of two desktops that have been linked, as link() was given them.
     std::function<void(const std::string& keyA, const std::string& keyB)> onLinked;
@@ -119,11 +119,13 @@ public:
     // The edits. Those that may fail throw NameError and leave everything as it was. The key of a link group
     // edits the record of all its desktops; nothing happens once the group is gone.
     void rename(std::string key, std::string_view name);
+    /// Leaves the desktop without a name; all else of its record stays.
+    void clearName(const std::string& key);
     void setAliases(const std::string& key, const std::vector<std::string>& aliases);
     void setIcon(const std::string& key, std::optional<std::string> symbol);
     void setColor(const std::string& key, std::optional<std::string> colorName);
     void setDimmed(const std::string& key, bool isDimmed);
-    /// Removes the record, and the group of a "link:" key with it; the only edit that loses a name.
+    /// Removes the record, and the group of a "link:" key with it.
     void forget(const std::string& key);
     /// Gives an orphan's record to a live desktop, in place of a record there. Throws NameError. Nothing
     /// happens when the one isn't an orphan or the other isn't live.

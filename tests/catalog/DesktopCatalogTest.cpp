@@ -287,6 +287,19 @@ TEST_F(DesktopCatalogTest, ForgetRemovesTheRecordAlone) {
     EXPECT_EQ(shown(), Names{"Desktop 1, Desktop 2, Desktop 3"});
 }
 
+TEST_F(DesktopCatalogTest, AClearedNameLeavesTheRestOfTheRecord) {
+    catalog->rename("U1", "Mail");
+    catalog->setColor("U1", "red");
+    Names told;
+    catalog->onRenamed = [&](const std::string& key) { told.push_back(key); };
+    for (const char* key : {"U1", "U1", "U2", "gone"}) catalog->clearName(key);
+    EXPECT_EQ(told, (Names{"U1"})) << "the others had none";
+    EXPECT_EQ(catalog->desktop("U1")->displayName(), "Desktop 1");
+    EXPECT_EQ(catalog->desktop("U1")->record->color, "red");
+    EXPECT_FALSE(store->record("U2"));
+    catalog->rename("U2", "Mail"); // the name is free
+}
+
 TEST_F(DesktopCatalogTest, NumbersFollowTheUsersOrder) {
     const RunningApp mail{1, "org.mail", "Mail"};
     show({makeDisplay("A", {makeSpace(1, "U1"), makeFullscreen(2, "F", mail), makeSpace(3, "U3"),

@@ -1,0 +1,62 @@
+#include "app/LinkRequests.h"
+
+#include "core/base/Failure.h"
+#include "core/base/Log.h"
+
+#include <exception>
+#include <fmt/format.h>
+#include <utility>
+#include <vector>
+
+namespace lumnara {
+
+namespace {
+
+/// Long enough for a sentence that needs no answer.
+constexpr double resultNoticeSeconds = 3.0;
+
+const char* wordFor(LinkRequest::Kind kind) {
+    switch (kind) {
+    case LinkRequest::Kind::create: return "create";
+    case LinkRequest::Kind::with: return "with";
+    case LinkRequest::Kind::unlink: break;
+    }
+    return "unlink";
+}
+
+} // namespace
+
+LinkRequests::LinkRequests(async::Loop& loop, DesktopCatalog& catalog, Notices& notices)
+    : loop_(loop),
+      catalog_(catalog),
+      notices_(notices),
+      linker_(catalog) {}
+
+void LinkRequests::carryOut(LinkRequest request) {
+    log(fmt::format("Lumnara link request: {} for {}", wordFor(request.kind), request.desktop.displayName()));
+    running_ = async::spawn(loop_, run(std::move(request)));
+}
+
+void LinkRequests::linkAll() {
+    const std::vector<LinkCandidate> pairs = catalog_.linkCandidates();
+    catalog_.linkAll();
+    if (pairs.size() == 1) {
+        notices_.show(fmt::format("“{}” is now on both screens.", pairs.front().first.displayName()),
+                      resultNoticeSeconds);
+    } else if (!pairs.empty()) {
+        notices_.show(fmt::format("{} pairs of desktops are linked.", pairs.size()), resultNoticeSeconds);
+    }
+}
+
+async::Task<> LinkRequests::run(LinkRequest request) {
+    try {
+        const std::string text = co_await linker_.carryOut(request);
+        const bool ends = request.kind == LinkRequest::Kind::unlink;
+        notices_.show(ends ? fmt::format("“{}” is back to one screen.", request.desktop.displayName()) : text,
+                      resultNoticeSeconds);
+    } catch (...) {
+        notices_.show(sentenceOf(std::current_exception()));
+    }
+}
+
+} // namespace lumnara

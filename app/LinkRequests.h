@@ -1,0 +1,33 @@
+#pragma once
+
+#include "app/DesktopLinker.h"
+#include "app/Notices.h"
+#include "core/async/Loop.h"
+#include "core/async/Task.h"
+
+#include <string>
+
+namespace lumnara {
+
+/// Carries out what the surfaces ask of links, and tells the user what came of it. Main thread.
+class LinkRequests {
+public:
+    /// All of them outlive this object.
+    LinkRequests(async::Loop& loop, DesktopCatalog& catalog, Notices& notices);
+
+    /// A later request takes over from one that is still under way.
+    void carryOut(LinkRequest request);
+    /// Links all desktops of the same name.
+    void linkAll();
+
+private:
+    async::Task<> run(LinkRequest request);
+
+    async::Loop& loop_;
+    DesktopCatalog& catalog_;
+    Notices& notices_;
+    DesktopLinker linker_;
+    async::TaskHandle running_;
+};
+
+} // namespace lumnara
