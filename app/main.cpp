@@ -8,6 +8,7 @@
 #include "core/base/Log.h"
 #include "core/platform/LiveSpaceProvider.h"
 #include "core/platform/WindowManagerError.h"
+#include "core/platform/linux/AutostartEntry.h"
 #include "core/platform/linux/FolderLock.h"
 #include "core/platform/linux/JsonDefaultsStore.h"
 #include "core/platform/linux/TerminationSignals.h"
@@ -98,7 +99,6 @@ int run(int& count, char** arguments) {
     // The toolkit has to draw on the window system whose desktops we drive.
     ::setenv("QT_QPA_PLATFORM", windowSystem == WindowSystem::sway ? "wayland" : "xcb", 0);
     QApplication::setApplicationName("lumnara");
-    QApplication::setApplicationDisplayName("Lumnara");
     QApplication application(count, arguments);
     QtDriver driver;
     async::Loop loop(driver);
@@ -106,7 +106,9 @@ int run(int& count, char** arguments) {
     text::warmUp();
 
     JsonDefaultsStore defaults(loop, folders.config / "settings.json");
-    AppSettings settings(defaults);
+    AutostartEntry loginItem(folders.config.parent_path() / "autostart" / "lumnara.desktop",
+                             QApplication::applicationFilePath().toStdString());
+    AppSettings settings(defaults, &loginItem);
     Platform platform = choosePlatform(loop, windowSystem, environment, folders.data);
     AppState state(loop, settings, platform,
                    std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens),

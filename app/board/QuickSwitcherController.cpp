@@ -26,11 +26,9 @@ QuickSwitcherController::Panel::Panel(DesktopCatalog& catalog, const BoardSettin
     : screen(std::move(onScreen)),
       model(catalog, settings) {}
 
-QuickSwitcherController::QuickSwitcherController(AppState& state, BoardSurfaceFactory& factory,
-                                                 BoardSettings settings)
+QuickSwitcherController::QuickSwitcherController(AppState& state, BoardSurfaceFactory& factory)
     : state_(state),
-      factory_(factory),
-      settings_(std::move(settings)) {}
+      factory_(factory) {}
 
 QuickSwitcherController::~QuickSwitcherController() {
     onClosed = nullptr;
@@ -51,6 +49,7 @@ void QuickSwitcherController::toggle() {
 void QuickSwitcherController::open() {
     if (isOpen()) return;
     refreshIfStale();
+    settings_ = boardSettings(state_.settings());
     screens_ = readScreens();
     std::erase_if(panels_, [&](const auto& panel) {
         return std::ranges::none_of(screens_,
@@ -117,6 +116,7 @@ void QuickSwitcherController::putUp(const ScreenInfo& screen, bool scopeFixed) {
     Panel& panel = panelOn(screen);
     const auto& snapshot = state_.catalog().snapshot.get();
     const DisplayID display{snapshot ? snapshot->presentationDisplay(screen.uuid) : screen.uuid};
+    panel.model.setSettings(settings_);
     panel.model.open(display, screen.frame.width, scopeFixed);
     panel.model.reset();
     shown_.push_back(&panel);

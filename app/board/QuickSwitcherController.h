@@ -18,7 +18,7 @@ namespace lumnara {
 class QuickSwitcherController {
 public:
     /// The state and the factory outlive the controller.
-    QuickSwitcherController(AppState& state, BoardSurfaceFactory& factory, BoardSettings settings = {});
+    QuickSwitcherController(AppState& state, BoardSurfaceFactory& factory);
     ~QuickSwitcherController();
     QuickSwitcherController(const QuickSwitcherController&) = delete;
     QuickSwitcherController& operator=(const QuickSwitcherController&) = delete;
@@ -74,6 +74,7 @@ private:
 
     AppState& state_;
     BoardSurfaceFactory& factory_;
+    /// As they were at the opening; a change waits for the next one.
     BoardSettings settings_;
     std::vector<std::unique_ptr<Panel>> panels_;
     /// The panels that are up; empty while closed.

@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace lumnara {
@@ -48,6 +49,8 @@ public:
     /// A drag changed the order of these displays, by uuid.
     std::function<void(const std::vector<std::string>&)> onOrderCommitted;
 
+    /// Holds from the next open() on.
+    void setSettings(BoardSettings settings) { settings_ = std::move(settings); }
     /// Puts the surface on a display, whose uuid is also the key of its appearance. The width of the screen
     /// is in points, 0 when it isn't known. With `scopeFixed` the list is that display's for good; otherwise
     /// it starts with all displays.

@@ -51,14 +51,17 @@ const Theme lightTheme{
 
 } // namespace
 
+Appearance appearanceOf(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness()
+               ? Appearance::dark
+               : Appearance::light;
+}
+
 Appearance sessionAppearance() {
     const QByteArray forced = qgetenv("LUMNARA_APPEARANCE");
     if (forced == "light") return Appearance::light;
     if (forced == "dark") return Appearance::dark;
-    const QPalette palette = QGuiApplication::palette();
-    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness()
-               ? Appearance::dark
-               : Appearance::light;
+    return appearanceOf(QGuiApplication::palette());
 }
 
 const Theme& Theme::of(Appearance appearance) {
@@ -72,6 +75,8 @@ QColor Theme::legible(const QColor& color) const {
     if (appearance == Appearance::dark) return QColor::fromHslF(hue, saturation, std::max(lightness, 0.78f));
     return QColor::fromHslF(hue, saturation * 0.85f, std::min(lightness, 0.38f));
 }
+
+QColor trayNeutral() { return {0x8A, 0x93, 0xA4}; }
 
 QFont interfaceFont(double pixels, QFont::Weight weight) {
     static const QString family = [] {

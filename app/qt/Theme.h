@@ -3,9 +3,13 @@
 #include <QColor>
 #include <QFont>
 
+class QPalette;
+
 namespace lumnara {
 
 enum class Appearance { light, dark };
+
+Appearance appearanceOf(const QPalette& palette);
 
 /// The session's colour scheme, told by the toolkit's palette; "light" or "dark" in LUMNARA_APPEARANCE
 /// overrules it.
@@ -36,6 +40,9 @@ struct Theme {
     /// A desktop's colour strong enough to be read as text or a thin line on a tile.
     QColor legible(const QColor& color) const;
 };
+
+/// Stands out from light and dark panels and menus alike.
+QColor trayNeutral();
 
 /// Lengths in logical pixels.
 namespace metrics {

@@ -56,9 +56,9 @@ public:
 };
 
 struct Board {
-    explicit Board(std::vector<DisplaySpaces> displays, BoardSettings settings = {})
+    explicit Board(std::vector<DisplaySpaces> displays)
         : session(std::move(displays)),
-          controller(session.start(), factory, settings) {}
+          controller(session.start(), factory) {}
 
     Texts events() { return std::exchange(factory.events, {}); }
     RecordingSurface& on(const std::string& screen) { return factory.on(screen); }
@@ -91,10 +91,34 @@ TEST(QuickSwitcherController, putsUpASurfacePerDisplay) {
     EXPECT_EQ(board.factory.made.size(), 2u) << "surfaces are used again";
 }
 
+TEST(QuickSwitcherController, followsTheSettingsFromOneOpeningToTheNext) {
+    Board board(twoDisplays());
+    board.controller.open();
+    QuickSwitcherModel& model = board.on("A").model;
+    EXPECT_EQ(model.appearance(), (BoardSettings::Appearance{196, 18}));
+    EXPECT_EQ(model.gridColumns(), 3);
+
+    board.session.settings.boardTileWidth.set(320);
+    board.session.settings.boardNameSize.set(24);
+    board.session.defaults.changeFromElsewhere("board.everyDisplay", false);
+    board.session.screens->list.front().frame.width = 1000;
+    EXPECT_EQ(model.appearance().tileWidth, 196) << "an open Board stands as it is";
+    board.controller.close();
+    board.events();
+    board.controller.open();
+    EXPECT_EQ(board.events(), (Texts{"A show", "A keyboard"}));
+    EXPECT_EQ(model.appearance(), (BoardSettings::Appearance{320, 24}));
+    EXPECT_EQ(model.gridColumns(), 2);
+
+    board.controller.close();
+    board.session.settings.setBoardAppearance("A", {140, 12, 20, true});
+    board.controller.open();
+    EXPECT_EQ(model.appearance(), (BoardSettings::Appearance{140, 12})) << "its own, not the general one";
+}
+
 TEST(QuickSwitcherController, putsUpOneSurfaceWhereThatIsEnough) {
-    BoardSettings one;
-    one.boardOnEveryDisplay = false;
-    Board chosen(twoDisplays(), one);
+    Board chosen(twoDisplays());
+    chosen.session.settings.boardOnEveryDisplay.set(false);
     chosen.session.screens->under = "B";
     chosen.controller.open();
     EXPECT_EQ(chosen.events(), (Texts{"B show", "B keyboard"}));
