@@ -8,9 +8,11 @@
 namespace lumnara {
 
 Surfaces::Surfaces(AppState& state, std::function<bool()> isComposited)
-    : windows_(state.loop(), std::move(isComposited)),
-      board_(state, windows_, boardSettings(state.settings())),
-      tray_(state.loop(), state.catalog()),
+    : state_(state),
+      windows_(state.loop(), std::move(isComposited)),
+      board_(state, windows_),
+      commands_(state),
+      tray_(state.loop(), state.catalog(), state.settings()),
       notice_(state.loop()),
       overlay_(
           {state.loop(), state.catalog(), state.settings(), state.platform().screens.get(), state.notices(),
@@ -20,13 +22,31 @@ Surfaces::Surfaces(AppState& state, std::function<bool()> isComposited)
           [this](const ScreenInfo& screen) { return placesOwnWindows() && !board_.covers(screen); }) {
     QApplication::setQuitOnLastWindowClosed(false);
     board_.onShown = [this] { overlay_.giveWay(); };
-    tray_.onSwitch = [&state](const Desktop& desktop) { state.switchTo(desktop); };
+    tray_.onChosen = [this](const DesktopMenuItem& item) { choose(item); };
     tray_.onOpenBoard = [this] { board_.toggle(); };
-    tray_.onQuit = [this] {
-        if (onQuit) onQuit();
-    };
     tray_.onMenuTracking = [this](bool open) { windows_.trackMenu(open); };
     notices_ = state.notices().subscribe([this](const Notice& notice) { show(notice); });
+}
+
+void Surfaces::choose(const DesktopMenuItem& item) {
+    if (commands_.carryOut(item)) return;
+    using Kind = DesktopMenuItem::Kind;
+    if (item.kind == Kind::rename) rename(*item.desktop);
+    if (item.kind == Kind::openBoard) board_.toggle();
+    if (item.kind == Kind::settings) showSettings();
+    if (item.kind == Kind::quit && onQuit) onQuit();
+}
+
+void Surfaces::showSettings() {
+    board_.close(); // it would stand before the window and keep the keyboard from it
+    if (!settings_) settings_ = std::make_unique<SettingsWindow>(state_.settings());
+    settings_->present();
+}
+
+void Surfaces::rename(const Desktop& desktop) {
+    board_.close();
+    if (!rename_) rename_ = std::make_unique<RenameDialog>(state_.catalog());
+    rename_->present(desktop);
 }
 
 void Surfaces::show(const Notice& notice) {

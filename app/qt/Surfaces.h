@@ -2,12 +2,16 @@
 
 #include "app/AppState.h"
 #include "app/board/QuickSwitcherController.h"
+#include "app/menubar/DesktopMenuCommands.h"
 #include "app/overlay/SwitchOverlayController.h"
 #include "app/qt/BoardWindows.h"
 #include "app/qt/NoticeWindow.h"
+#include "app/qt/RenameDialog.h"
+#include "app/qt/SettingsWindow.h"
 #include "app/qt/TrayIcon.h"
 
 #include <functional>
+#include <memory>
 
 namespace lumnara {
 
@@ -28,12 +32,20 @@ public:
 
 private:
     void show(const Notice& notice);
+    void choose(const DesktopMenuItem& item);
+    void showSettings();
+    void rename(const Desktop& desktop);
 
+    AppState& state_;
     BoardWindows windows_;
     QuickSwitcherController board_;
+    DesktopMenuCommands commands_;
     TrayIcon tray_;
     NoticeWindow notice_;
     SwitchOverlayController overlay_;
+    // Made when they are first wanted.
+    std::unique_ptr<SettingsWindow> settings_;
+    std::unique_ptr<RenameDialog> rename_;
     async::Subscription notices_;
 };
 

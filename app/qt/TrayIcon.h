@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/AppSettings.h"
 #include "app/menubar/DesktopMenu.h"
 #include "core/async/Signal.h"
 #include "core/async/Timer.h"
@@ -13,26 +14,24 @@
 namespace lumnara {
 
 /// The icon in the session's tray, where a host for it stands or comes later: the current desktop as its
-/// tool tip and colour, the desktops as its menu. A click opens the Board. The loop and the catalog outlive
-/// it.
+/// tool tip and colour, the desktops as its menu. A click opens the Board. The loop, the catalog and
+/// the settings outlive it, and the catalog follows the settings' link mode before it does.
 class TrayIcon {
 public:
-    TrayIcon(async::Loop& loop, DesktopCatalog& catalog);
+    TrayIcon(async::Loop& loop, DesktopCatalog& catalog, AppSettings& settings);
     ~TrayIcon();
 
     /// A text that goes away by itself, where the tray can show one.
     void showMessage(const QString& text, double seconds);
 
-    std::function<void(const Desktop&)> onSwitch;
+    /// A line of the menu.
+    std::function<void(const DesktopMenuItem&)> onChosen;
     std::function<void()> onOpenBoard;
-    std::function<void()> onQuit;
     std::function<void(bool open)> onMenuTracking;
 
 private:
     void appear();
     void refresh();
-    void fillMenu();
-    void addItem(const DesktopMenuItem& item);
 
     DesktopCatalog& catalog_;
     QMenu menu_;
@@ -43,6 +42,7 @@ private:
     async::Subscription displaysChanged_;
     async::Subscription errorChanged_;
     async::Subscription refreshed_;
+    async::Subscription linkModeChanged_;
 };
 
 } // namespace lumnara

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "app/menubar/DesktopMenu.h"
+
+#include <QMenu>
+
+#include <functional>
+
+namespace lumnara {
+
+/// Draws the lines into the menu, in place of what it held. A chosen line goes to `onChosen`, which outlives
+/// the menu's lines.
+void fillMenu(QMenu& menu, const std::vector<DesktopMenuItem>& items,
+              const std::function<void(const DesktopMenuItem&)>& onChosen);
+
+} // namespace lumnara
