@@ -2,7 +2,6 @@
 
 #include "app/qt/Theme.h"
 #include "core/base/Failure.h"
-#include "core/text/Text.h"
 
 #include <QDialogButtonBox>
 #include <QPushButton>
@@ -61,12 +60,8 @@ void RenameDialog::present(const Desktop& desktop) {
 
 void RenameDialog::accept() {
     if (!catalog_.desktop(key_)) return tell(QStringLiteral("That desktop is not there any more."));
-    const std::string name = field_.text().toStdString();
     try {
-        if (text::trim(name).empty())
-            catalog_.clearName(key_);
-        else
-            catalog_.rename(key_, name);
+        catalog_.enterName(key_, field_.text().toStdString());
     } catch (const std::exception&) {
         return tell(QString::fromStdString(sentenceOf(std::current_exception())));
     }

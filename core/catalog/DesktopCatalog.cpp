@@ -2,6 +2,7 @@
 
 #include "core/base/Log.h"
 #include "core/catalog/CatalogMerge.h"
+#include "core/catalog/DesktopOrder.h"
 #include "core/names/DisplayLink.h"
 #include "core/names/NameRules.h"
 #include "core/text/Text.h"
@@ -280,7 +281,9 @@ void DesktopCatalog::rename(std::string key, std::string_view name) {
     if (onRenamed) onRenamed(key);
 }
 
-void DesktopCatalog::clearName(const std::string& key) {
+void DesktopCatalog::enterName(const std::string& key, std::string_view typed) {
+    const std::string_view name = text::trim(typed);
+    if (!name.empty()) return rename(key, name);
     if (!isNamed(key)) return;
     store_.setName(key, {});
     rebuild();
@@ -335,6 +338,14 @@ void DesktopCatalog::attach(const std::string& orphanKey, const std::string& toD
 void DesktopCatalog::commitOrder(std::vector<std::string> keys, std::string_view displayUuid) {
     store_.setOrder(displayUuid, std::move(keys));
     rebuild();
+}
+
+std::optional<std::vector<std::string>>
+DesktopCatalog::orderFollowing(std::string_view changedDisplay, std::string_view followingDisplay) const {
+    const DisplayDesktops* changed = display(changedDisplay);
+    const DisplayDesktops* follower = display(followingDisplay);
+    if (!changed || !follower) return std::nullopt;
+    return DesktopOrder::following(changed->desktops, follower->desktops);
 }
 
 /// Throws NameError::duplicateOnDisplay when another desktop of its display, or of any display of its link

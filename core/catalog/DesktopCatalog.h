@@ -119,8 +119,9 @@ public:
     // The edits. Those that may fail throw NameError and leave everything as it was. The key of a link group
     // edits the record of all its desktops; nothing happens once the group is gone.
     void rename(std::string key, std::string_view name);
-    /// Leaves the desktop without a name; all else of its record stays.
-    void clearName(const std::string& key);
+    /// What a user typed as the name: blanks alone leave the desktop without one, and all else of its record
+    /// as it was.
+    void enterName(const std::string& key, std::string_view typed);
     void setAliases(const std::string& key, const std::vector<std::string>& aliases);
     void setIcon(const std::string& key, std::optional<std::string> symbol);
     void setColor(const std::string& key, std::optional<std::string> colorName);
@@ -132,6 +133,10 @@ public:
     void attach(const std::string& orphanKey, const std::string& toDesktopKey);
     /// Stores the order of a display's desktops.
     void commitOrder(std::vector<std::string> keys, std::string_view displayUuid);
+    /// The order of a display that follows another one, whose order has changed: its linked desktops stand as
+    /// they do there. Nothing where nothing is to change.
+    std::optional<std::vector<std::string>> orderFollowing(std::string_view changedDisplay,
+                                                           std::string_view followingDisplay) const;
 
 private:
     void receive(WorkspaceEvent event);

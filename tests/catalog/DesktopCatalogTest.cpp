@@ -292,7 +292,7 @@ TEST_F(DesktopCatalogTest, AClearedNameLeavesTheRestOfTheRecord) {
     catalog->setColor("U1", "red");
     Names told;
     catalog->onRenamed = [&](const std::string& key) { told.push_back(key); };
-    for (const char* key : {"U1", "U1", "U2", "gone"}) catalog->clearName(key);
+    for (const char* key : {"U1", "U1", "U2", "gone"}) catalog->enterName(key, " ");
     EXPECT_EQ(told, (Names{"U1"})) << "the others had none";
     EXPECT_EQ(catalog->desktop("U1")->displayName(), "Desktop 1");
     EXPECT_EQ(catalog->desktop("U1")->record->color, "red");

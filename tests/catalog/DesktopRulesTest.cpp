@@ -37,6 +37,14 @@ TEST(DesktopOrder, AppliesWhatItKnowsAndAppendsTheRest) {
     EXPECT_EQ(keysAfter("", {"a"}), "");
 }
 
+TEST(DesktopOrder, RearrangesOnlyWhatItNames) {
+    using Keys = std::vector<std::string>;
+    EXPECT_EQ(DesktopOrder::rearranged({"a", "b", "c", "d"}, {"d", "b"}), (Keys{"a", "d", "c", "b"}));
+    EXPECT_EQ(DesktopOrder::rearranged({"a", "b"}, {"x", "b", "y", "a"}), (Keys{"b", "a"}));
+    EXPECT_EQ(DesktopOrder::rearranged({"a", "b", "a"}, {"b", "a"}), (Keys{"b", "a", "a"}));
+    EXPECT_EQ(DesktopOrder::rearranged({}, {"a"}), Keys{});
+}
+
 TEST(DesktopAppearance, HashesTheLowercasedName) {
     EXPECT_EQ(DesktopAppearance::hash(""), 0xcbf29ce484222325u);
     EXPECT_EQ(DesktopAppearance::hash("a"), 0xaf63dc4c8601ec8cu); // the published FNV-1a test vectors
