@@ -4,11 +4,13 @@
 #include "core/base/Failure.h"
 #include "core/base/Log.h"
 #include "core/catalog/DesktopCandidates.h"
+#include "core/catalog/DesktopOrder.h"
 #include "core/text/Text.h"
 
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
+#include <map>
 #include <string_view>
 #include <utility>
 
@@ -19,6 +21,22 @@ namespace {
 constexpr double boardMargin = 48;
 constexpr double tileGap = 20;
 constexpr int maximumColumns = 6;
+
+/// Leaves one member of each link group: the one on the preferred display, else the first.
+std::vector<Desktop> withEachGroupOnce(std::vector<Desktop> tiles,
+                                       const std::optional<DisplayID>& preferred) {
+    std::map<std::string, const Desktop*> standing;
+    for (const Desktop& tile : tiles) {
+        if (!tile.isLinked()) continue;
+        const Desktop*& standsIn = standing[tile.key];
+        if (!standsIn || (preferred && text::equalsIgnoringCase(tile.display.uuid, preferred->uuid)))
+            standsIn = &tile;
+    }
+    std::vector<Desktop> kept;
+    for (const Desktop& tile : tiles)
+        if (!tile.isLinked() || standing[tile.key] == &tile) kept.push_back(tile);
+    return kept;
+}
 
 /// The tails of the keys, short enough for a log line.
 std::string shortKeys(const std::vector<std::string>& keys) {
@@ -58,12 +76,16 @@ void QuickSwitcherModel::open(std::optional<DisplayID> display, double screenWid
     if (scopeFixed_ && boardDisplay_) scope_ = boardDisplay_->uuid;
     displaysChanged_ = catalog_.displays.subscribe([this](const auto&) { recompute(); });
     errorChanged_ = catalog_.lastError.subscribe([this](const auto&) { changed.emit(); });
+    linksChanged_ = catalog_.activeLinkCount.subscribe([this](int) { changed.emit(); });
     recompute();
 }
 
 void QuickSwitcherModel::close() {
     displaysChanged_ = {};
     errorChanged_ = {};
+    linksChanged_ = {};
+    incomingLink_.reset();
+    menuTracking_ = recomputeDeferred_ = false;
 }
 
 void QuickSwitcherModel::reset() {
@@ -71,6 +93,7 @@ void QuickSwitcherModel::reset() {
     endRename();
     expandedKey_.reset();
     errorText_.reset();
+    incomingLink_.reset();
     recompute();
     const auto current = std::ranges::find_if(results_, [](const Desktop* tile) { return tile->isCurrent; });
     selectAt(current == results_.end() ? 0 : static_cast<std::size_t>(current - results_.begin()));
@@ -106,6 +129,7 @@ void QuickSwitcherModel::collectTiles() {
         if (scope_ && !text::equalsIgnoringCase(*scope_, shown.display.uuid)) continue;
         tiles_.insert(tiles_.end(), shown.desktops.begin(), shown.desktops.end());
     }
+    tiles_ = withEachGroupOnce(std::move(tiles_), boardDisplay_);
     // A change of desktop leaves the names alone, and making the index is the dear part.
     if (auto now = candidates(tiles_); now != candidates_) {
         candidates_ = std::move(now);
@@ -158,7 +182,7 @@ void QuickSwitcherModel::selectAt(std::size_t position) {
 
 std::optional<Desktop> QuickSwitcherModel::selectedDesktop() const {
     if (!selectedKey_) return std::nullopt;
-    if (const auto at = position(*selectedKey_)) return *results_[*at];
+    if (const Desktop* listed = tile(*selectedKey_)) return *listed;
     if (const Desktop* live = catalog_.desktop(*selectedKey_)) return *live;
     return std::nullopt;
 }
@@ -169,6 +193,11 @@ bool QuickSwitcherModel::selectionCanBeDeleted() const {
     const std::vector<Desktop> beside = catalog_.desktops(selected->display.uuid);
     return std::ranges::count_if(beside, [](const Desktop& d) { return d.space.kind == SpaceKind::user; }) >
            1;
+}
+
+const Desktop* QuickSwitcherModel::tile(const std::string& key) const {
+    const auto at = position(key);
+    return at ? results_[*at] : nullptr;
 }
 
 void QuickSwitcherModel::select(const std::string& key) {
@@ -230,12 +259,11 @@ void QuickSwitcherModel::toggleExpanded() {
 }
 
 void QuickSwitcherModel::beginRename(const std::string& key) {
-    const auto at = position(key);
-    if (!at) return;
-    const Desktop& tile = *results_[*at];
+    const Desktop* named = tile(key);
+    if (!named) return;
     selectedKey_ = key;
     renamingKey_ = key;
-    renameText_ = tile.record ? tile.record->name : std::string();
+    renameText_ = named->record ? named->record->name : std::string();
     changed.emit();
 }
 
@@ -257,10 +285,10 @@ void QuickSwitcherModel::endRename() {
 void QuickSwitcherModel::commitRename() {
     if (!renamingKey_) return;
     const std::string key = *renamingKey_;
-    const std::string name(text::trim(renameText_));
+    const std::string name = renameText_;
     endRename();
     try {
-        catalog_.rename(key, name);
+        catalog_.enterName(key, name);
         errorText_.reset();
     } catch (const std::exception&) {
         errorText_ = sentenceOf(std::current_exception());
@@ -273,7 +301,9 @@ void QuickSwitcherModel::toggleDimmed() {
         catalog_.setDimmed(desktop->key, !(desktop->record && desktop->record->isDimmed));
 }
 
-bool QuickSwitcherModel::canCycleScope() const { return catalog_.displays.get().size() >= 2 && !scopeFixed_; }
+bool QuickSwitcherModel::canCycleScope() const {
+    return catalog_.displays.get().size() >= 2 && !scopeFixed_ && catalog_.activeLinkCount.get() == 0;
+}
 
 void QuickSwitcherModel::cycleScope() {
     if (!canCycleScope()) return;
@@ -318,23 +348,52 @@ void QuickSwitcherModel::commitOrder() {
         catalog_.commitOrder(order.after, order.display);
         displays.push_back(order.display);
     }
+    letOthersFollow(displays);
     errorText_.reset();
     changed.emit();
     if (!displays.empty() && onOrderCommitted) onOrderCommitted(displays);
+}
+
+/// Displays that share link groups with a changed one have them in its order, and are changed with it.
+void QuickSwitcherModel::letOthersFollow(std::vector<std::string>& changed) {
+    const std::vector<std::string> leaders = changed;
+    for (const DisplayDesktops& shown : std::vector(catalog_.displays.get())) {
+        const std::string& follower = shown.display.uuid;
+        for (const std::string& leader : leaders) {
+            if (std::ranges::find(changed, follower) != changed.end()) break;
+            const auto order = catalog_.orderFollowing(leader, follower);
+            if (!order) continue;
+            log(fmt::format("Lumnara Board: display {} follows {}: {}", follower, leader, shortKeys(*order)));
+            catalog_.commitOrder(*order, follower);
+            changed.push_back(follower);
+        }
+    }
 }
 
 /// Read before anything is stored: storing one display's order lays out all tiles again.
 std::vector<QuickSwitcherModel::NewOrder> QuickSwitcherModel::newOrders() const {
     std::vector<NewOrder> orders;
     for (const DisplayDesktops& shown : catalog_.displays.get()) {
-        NewOrder order{shown.display.uuid, {}, {}};
-        for (const Desktop& desktop : shown.desktops) order.before.push_back(desktop.key);
+        std::vector<std::string> listed;
         for (const Desktop* tile : results_)
-            if (text::equalsIgnoringCase(tile->display.uuid, shown.display.uuid))
-                order.after.push_back(tile->key);
-        if (!order.after.empty() && order.after != order.before) orders.push_back(std::move(order));
+            if (text::equalsIgnoringCase(tile->display.uuid, shown.display.uuid)) listed.push_back(tile->key);
+        // Of a link group only one member is listed; the others keep their places.
+        NewOrder order{shown.display.uuid, DesktopOrder::keysOf(shown.desktops), {}};
+        order.after = DesktopOrder::rearranged(order.before, listed);
+        if (order.after != order.before) orders.push_back(std::move(order));
     }
     return orders;
+}
+
+void QuickSwitcherModel::setIncomingLink(std::optional<IncomingLink> incoming) {
+    if (incomingLink_ == incoming) return;
+    incomingLink_ = std::move(incoming);
+    changed.emit();
+}
+
+void QuickSwitcherModel::showError(std::string sentence) {
+    errorText_ = std::move(sentence);
+    changed.emit();
 }
 
 void QuickSwitcherModel::setMenuTracking(bool tracking) {

@@ -3,6 +3,7 @@
 #include "app/board/BoardSettings.h"
 #include "core/async/Signal.h"
 #include "core/catalog/DesktopCatalog.h"
+#include "core/model/Geometry.h"
 #include "core/voice/FuzzyMatcher.h"
 
 #include <functional>
@@ -23,6 +24,16 @@ public:
     QuickSwitcherModel(const QuickSwitcherModel&) = delete;
     QuickSwitcherModel& operator=(const QuickSwitcherModel&) = delete;
 
+    /// A desktop that is dragged in from another surface, to be linked with one of this.
+    struct IncomingLink {
+        Desktop desktop;
+        /// In the screen's pixels, from its top left corner.
+        Point point;
+        /// The tile under the point.
+        std::optional<std::string> targetKey;
+        bool operator==(const IncomingLink&) const = default;
+    };
+
     /// Something that a view shows has changed.
     async::Signal<> changed;
 
@@ -35,6 +46,9 @@ public:
     const std::optional<std::string>& expandedKey() const { return expandedKey_; }
     /// The error line: the last refusal, or else why the desktops can't be read at the moment.
     std::optional<std::string> errorText() const;
+    const std::optional<IncomingLink>& incomingLink() const { return incomingLink_; }
+    /// Whether a tile that is dragged to another surface is linked there.
+    bool linksAcross() const { return scopeFixed_ && catalog_.isLinkAvailable(); }
     bool multipleDisplays() const { return multipleDisplays_; }
     const std::optional<DisplayID>& boardDisplay() const { return boardDisplay_; }
     bool scopeFixed() const { return scopeFixed_; }
@@ -66,6 +80,8 @@ public:
     bool selectionCanBeDeleted() const;
     /// The selected tile, or the live desktop under that key, or nothing.
     std::optional<Desktop> selectedDesktop() const;
+    /// The listed tile, or null.
+    const Desktop* tile(const std::string& key) const;
     /// Selects a tile of `results`; any other key changes nothing.
     void select(const std::string& key);
     /// One step right or left and down or up. A step past an edge is refused; the selection never wraps.
@@ -88,13 +104,18 @@ public:
 
     void toggleDimmed();
     bool canCycleScope() const;
-    /// All displays, then each display alone, in catalog order and around again.
+    /// All displays, then each display alone, in catalog order and around again. Not while links hold, since
+    /// a linked desktop stands for those of other displays.
     void cycleScope();
 
     /// One step of a drag: the tile takes the place of `toKey`. Only within a display.
     void moveTile(const std::string& key, const std::string& toKey);
     /// The drag ended: stores the order of each display whose tiles stand in a new one.
     void commitOrder();
+
+    void setIncomingLink(std::optional<IncomingLink> incoming);
+    /// Puts a sentence on the error line, until the next edit that succeeds.
+    void showError(std::string sentence);
 
     /// While a menu is open the list stands still; at its end it is recomputed once if it has to be.
     void setMenuTracking(bool tracking);
@@ -117,6 +138,7 @@ private:
     void moveSelectionTo(int position);
     void endRename();
     std::vector<NewOrder> newOrders() const;
+    void letOthersFollow(std::vector<std::string>& changed);
 
     DesktopCatalog& catalog_;
     BoardSettings settings_;
@@ -132,6 +154,7 @@ private:
     std::string renameText_;
     std::optional<std::string> expandedKey_;
     std::optional<std::string> errorText_;
+    std::optional<IncomingLink> incomingLink_;
     bool multipleDisplays_ = false;
     std::optional<DisplayID> boardDisplay_;
     double boardScreenWidth_ = 0;
@@ -143,6 +166,7 @@ private:
     bool recomputeDeferred_ = false;
     async::Subscription displaysChanged_;
     async::Subscription errorChanged_;
+    async::Subscription linksChanged_;
 };
 
 } // namespace lumnara

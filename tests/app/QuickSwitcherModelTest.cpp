@@ -232,6 +232,78 @@ TEST(QuickSwitcherModel, renames) {
     open.model.commitRename();
     EXPECT_FALSE(open.model.errorText()) << "a name that is taken clears the line";
     EXPECT_EQ(names(open.model)[1], "Post");
+
+    open.model.beginRename("A-2");
+    open.model.setRenameText("  ");
+    open.model.commitRename();
+    EXPECT_FALSE(open.model.errorText());
+    EXPECT_EQ(names(open.model)[1], "Desktop 2") << "an emptied field takes the name off";
+}
+
+/// A session of displays A and B whose second desktops are linked as "Mail".
+struct LinkedModel : OpenModel {
+    explicit LinkedModel(std::vector<DisplaySpaces> displays = twoDisplays())
+        : OpenModel(std::move(displays)) {
+        session.settings.displayLinkMode.set(DisplayLinkMode::linked);
+        catalog().rename("A-2", "Mail");
+        EXPECT_TRUE(catalog().link("A-2", "B-2"));
+        mail = catalog().desktopOfSpace("A-2")->key;
+    }
+    Texts order(const std::string& display) {
+        Texts order;
+        for (const Desktop& desktop : catalog().desktops(display)) order.push_back(desktop.spaceKey);
+        return order;
+    }
+
+    std::string mail;
+};
+
+TEST(QuickSwitcherModel, showsALinkGroupOnce) {
+    LinkedModel open;
+    EXPECT_EQ(keys(open.model), (Texts{"A-1", open.mail, "A-3", "B-1"}));
+    EXPECT_EQ(open.model.tile(open.mail)->spaceKey, "A-2");
+    EXPECT_FALSE(open.model.canCycleScope()) << "each tile stands for desktops of both displays";
+
+    open.model.open(DisplayID{"b"}, 1280, false);
+    EXPECT_EQ(keys(open.model), (Texts{"A-1", "A-3", "B-1", open.mail}));
+    EXPECT_EQ(open.model.tile(open.mail)->spaceKey, "B-2") << "the one of this screen";
+    open.model.open(DisplayID{"C"}, 1280, false);
+    EXPECT_EQ(open.model.tile(open.mail)->spaceKey, "A-2");
+    open.model.open(DisplayID{"B"}, 1280, true);
+    EXPECT_EQ(keys(open.model), (Texts{"B-1", open.mail}));
+
+    open.session.settings.displayLinkMode.set(DisplayLinkMode::independent);
+    open.model.open(DisplayID{"A"}, 1280, false);
+    EXPECT_EQ(keys(open.model), (Texts{"A-1", "A-2", "A-3", "B-1", "B-2"}));
+    EXPECT_TRUE(open.model.canCycleScope());
+}
+
+TEST(QuickSwitcherModel, displaysThatShareLinksFollowAnOrder) {
+    LinkedModel open({displayOf("A", 3, 1), displayOf("B", 4, 11), displayOf("C", 2, 21)});
+    EXPECT_TRUE(open.catalog().link("A-3", "B-1"));
+    const std::string second = open.catalog().desktopOfSpace("A-3")->key;
+    EXPECT_EQ(keys(open.model), (Texts{"A-1", open.mail, second, "B-3", "B-4", "C-1", "C-2"}));
+    std::vector<Texts> told;
+    open.model.onOrderCommitted = [&](const Texts& displays) { told.push_back(displays); };
+    open.model.commitOrder();
+    EXPECT_TRUE(told.empty()) << "that B's linked tiles are not listed is no new order";
+    EXPECT_EQ(open.order("B"), (Texts{"B-1", "B-2", "B-3", "B-4"}));
+
+    // In A the groups stand the other way round than in B, which hears of it at A's next change.
+    open.session.logged.clear();
+    open.model.moveTile(open.mail, "A-1");
+    open.model.commitOrder();
+    EXPECT_EQ(open.order("A"), (Texts{"A-2", "A-1", "A-3"}));
+    EXPECT_EQ(open.order("B"), (Texts{"B-2", "B-1", "B-3", "B-4"}));
+    EXPECT_EQ(told, (std::vector<Texts>{{"A", "B"}}));
+    ASSERT_EQ(open.session.logged.size(), 2u);
+    EXPECT_TRUE(open.session.logged[1].starts_with("Lumnara Board: display B follows A: "))
+        << open.session.logged[1];
+
+    open.model.moveTile("B-4", "B-3");
+    open.model.commitOrder();
+    EXPECT_EQ(open.order("B"), (Texts{"B-2", "B-1", "B-4", "B-3"})) << "the unlisted keep their places";
+    EXPECT_EQ(told.back(), Texts{"B"});
 }
 
 TEST(QuickSwitcherModel, standsStillUnderAnOpenMenu) {
