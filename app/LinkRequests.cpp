@@ -26,10 +26,12 @@ const char* wordFor(LinkRequest::Kind kind) {
 
 } // namespace
 
-LinkRequests::LinkRequests(async::Loop& loop, DesktopCatalog& catalog, Notices& notices)
+LinkRequests::LinkRequests(async::Loop& loop, DesktopCatalog& catalog, Notices& notices,
+                           std::function<void(std::string)> onRefused)
     : loop_(loop),
       catalog_(catalog),
       notices_(notices),
+      onRefused_(std::move(onRefused)),
       linker_(catalog) {}
 
 void LinkRequests::carryOut(LinkRequest request) {
@@ -55,7 +57,11 @@ async::Task<> LinkRequests::run(LinkRequest request) {
         notices_.show(ends ? fmt::format("“{}” is back to one screen.", request.desktop.displayName()) : text,
                       resultNoticeSeconds);
     } catch (...) {
-        notices_.show(sentenceOf(std::current_exception()));
+        std::string sentence = sentenceOf(std::current_exception());
+        if (onRefused_)
+            onRefused_(std::move(sentence));
+        else
+            notices_.show(std::move(sentence));
     }
 }
 

@@ -5,6 +5,7 @@
 #include "core/async/Loop.h"
 #include "core/async/Task.h"
 
+#include <functional>
 #include <string>
 
 namespace lumnara {
@@ -12,8 +13,9 @@ namespace lumnara {
 /// Carries out what the surfaces ask of links, and tells the user what came of it. Main thread.
 class LinkRequests {
 public:
-    /// All of them outlive this object.
-    LinkRequests(async::Loop& loop, DesktopCatalog& catalog, Notices& notices);
+    /// The first three outlive this object. A refusal is told to `onRefused`, or as a notice without it.
+    LinkRequests(async::Loop& loop, DesktopCatalog& catalog, Notices& notices,
+                 std::function<void(std::string)> onRefused = {});
 
     /// A later request takes over from one that is still under way.
     void carryOut(LinkRequest request);
@@ -26,6 +28,7 @@ private:
     async::Loop& loop_;
     DesktopCatalog& catalog_;
     Notices& notices_;
+    const std::function<void(std::string)> onRefused_;
     DesktopLinker linker_;
     async::TaskHandle running_;
 };

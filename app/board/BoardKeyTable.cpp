@@ -102,6 +102,7 @@ KeyEffect applyCommand(const KeyPress& press, QuickSwitcherModel& model) {
     case KeyCode::d: model.toggleDimmed(); return effect(EffectKind::done);
     case KeyCode::a: // there is nothing to select all of
         return effect(EffectKind::done);
+    case KeyCode::l: return effect(EffectKind::opensMenu);
     case KeyCode::w: return effect(EffectKind::closesBoard);
     default: return effect(EffectKind::fallsThrough);
     }
@@ -118,6 +119,7 @@ KeyEffect applyKey(const KeyPress& press, QuickSwitcherModel& model) {
     case KeyCode::deleteKey: return applyDelete(press, model);
     case KeyCode::up: model.moveSelection(0, -1); return effect(EffectKind::done);
     case KeyCode::down: model.moveSelection(0, 1); return effect(EffectKind::done);
+    case KeyCode::contextMenu: return effect(EffectKind::opensMenu);
     default: break;
     }
     if (!model.renamingKey() && applyMove(*press.key, model)) return effect(EffectKind::done);

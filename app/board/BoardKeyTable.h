@@ -15,7 +15,8 @@ struct KeyEffect {
         fallsThrough, ///< the table has no use for the key; the view may
         done,
         closesBoard,
-        switches ///< to `desktop`
+        switches, ///< to `desktop`
+        opensMenu ///< of the selected tile
     };
 
     Kind kind = Kind::fallsThrough;

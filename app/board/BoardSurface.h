@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/DesktopMenuItem.h"
 #include "app/board/KeyPress.h"
 #include "core/model/Geometry.h"
 #include "core/platform/Screens.h"
@@ -8,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace lumnara {
 
@@ -27,6 +29,10 @@ public:
     virtual void redraw() = 0;
     /// From now on the keys come to this panel, and to no other.
     virtual void takeKeyboard() = 0;
+    /// The tile at a place in the arrangement of screens, or nothing.
+    virtual std::optional<std::string> tileAt(Point pointer) const = 0;
+    /// Opens a menu at the tile.
+    virtual void openMenu(const std::string& key, const std::vector<DesktopMenuItem>& items) = 0;
 
     /// A key, before the panel looks at it itself; false when the panel may.
     std::function<bool(const KeyPress&)> onKey;
@@ -39,6 +45,13 @@ public:
     std::function<void(const std::optional<std::string>& key, Point pointer)> onHoverTile;
     /// The pointer came onto this panel.
     std::function<void()> onPointerEntered;
+    /// A tile is dragged over no part of this panel, the pointer being there in the arrangement of screens.
+    std::function<void(const std::string& key, Point pointer)> onDragAcross;
+    /// That drag ended there with the tile let go (true), or the tile came back (false).
+    std::function<void(bool dropped, const std::string& key, Point pointer)> onDragAcrossEnded;
+    /// The user asks for what can be done with a tile.
+    std::function<void(const std::string& key)> onTileMenu;
+    std::function<void(const DesktopMenuItem&)> onMenuChosen;
     /// A menu that belongs to the panel opened (true) or closed (false).
     std::function<void(bool)> onMenuTracking;
 };
@@ -48,7 +61,7 @@ class BoardSurfaceFactory {
 public:
     virtual ~BoardSurfaceFactory() = default;
     /// The model outlives the surface. The surface calls it for what the pointer does to tiles alone:
-    /// beginRename, renameText, cycleScope, moveTile and commitOrder.
+    /// cycleScope, moveTile, commitOrder and toggleExpanded.
     virtual std::unique_ptr<BoardSurface> makeSurface(QuickSwitcherModel& model) = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "app/board/QuickSwitcherController.h"
 
 #include "app/board/BoardKeyTable.h"
+#include "app/board/TileMenu.h"
 #include "core/base/Log.h"
 #include "core/text/Text.h"
 
@@ -28,7 +29,8 @@ QuickSwitcherController::Panel::Panel(DesktopCatalog& catalog, const BoardSettin
 
 QuickSwitcherController::QuickSwitcherController(AppState& state, BoardSurfaceFactory& factory)
     : state_(state),
-      factory_(factory) {}
+      factory_(factory),
+      commands_(state, [this](std::string sentence) { tellRefusal(std::move(sentence)); }) {}
 
 QuickSwitcherController::~QuickSwitcherController() {
     onClosed = nullptr;
@@ -72,6 +74,7 @@ void QuickSwitcherController::close() {
     state_.catalog().stopRefreshTimer();
     screensChanged_ = {};
     keyPanel_ = nullptr;
+    draggingAcross_ = false;
     for (Panel* panel : std::exchange(shown_, {})) {
         panel->surface->hide();
         panel->model.close();
@@ -147,7 +150,15 @@ void QuickSwitcherController::connect(Panel& panel) {
     surface.onClose = [this, &panel] { clickGround(panel); };
     surface.onHoverTile = [this, &panel](const auto& key, Point pointer) { hoverTile(panel, key, pointer); };
     surface.onPointerEntered = [this, &panel] { giveKeyboard(panel); };
-    surface.onMenuTracking = [this](bool tracking) { setMenuTracking(tracking); };
+    surface.onDragAcross = [this, &panel](const std::string& key, Point pointer) {
+        dragAcross(panel, key, pointer);
+    };
+    surface.onDragAcrossEnded = [this, &panel](bool dropped, const std::string& key, Point pointer) {
+        endDragAcross(panel, dropped, key, pointer);
+    };
+    surface.onTileMenu = [this, &panel](const std::string& key) { openTileMenu(panel, key); };
+    surface.onMenuChosen = [this, &panel](const DesktopMenuItem& item) { choose(panel, item); };
+    surface.onMenuTracking = [this](bool open) { trackMenu(open); };
 }
 
 bool QuickSwitcherController::isShown(const Panel& panel) const {
@@ -184,6 +195,8 @@ bool QuickSwitcherController::handleKey(const KeyPress& press) {
     const KeyEffect effect = applyKey(press, keyPanel_->model);
     if (effect.kind == KeyEffect::Kind::closesBoard) close();
     if (effect.kind == KeyEffect::Kind::switches) switchFromBoard(*effect.desktop);
+    if (effect.kind == KeyEffect::Kind::opensMenu && keyPanel_->model.selectedKey())
+        openTileMenu(*keyPanel_, *keyPanel_->model.selectedKey());
     if (effect.kind == KeyEffect::Kind::fallsThrough && press.key == KeyCode::tab)
         return passKeyboardOn(press);
     return effect.kind != KeyEffect::Kind::fallsThrough;
@@ -207,8 +220,7 @@ void QuickSwitcherController::receive(WorkspaceEvent event) {
 void QuickSwitcherController::clickTile(Panel& panel, const std::string& key) {
     if (panel.model.renamingKey() == key) return;
     if (panel.model.renamingKey()) return panel.model.commitRename();
-    for (const Desktop* tile : panel.model.results())
-        if (tile->key == key) return switchFromBoard(*tile);
+    if (const Desktop* tile = panel.model.tile(key)) switchFromBoard(*tile);
 }
 
 void QuickSwitcherController::clickGround(Panel& panel) {
@@ -226,10 +238,76 @@ void QuickSwitcherController::hoverTile(Panel& panel, const std::optional<std::s
     if (moved && key && isShown(panel)) panel.model.select(*key);
 }
 
-void QuickSwitcherController::setMenuTracking(bool tracking) {
-    log(fmt::format("Lumnara menu tracking {} (board visible: {:d})", tracking ? "began" : "ended",
-                    isOpen()));
-    for (const auto& panel : panels_) panel->model.setMenuTracking(tracking);
+QuickSwitcherController::Panel* QuickSwitcherController::panelAt(Point pointer) {
+    const auto under = std::ranges::find_if(
+        shown_, [&](const Panel* panel) { return panel->screen.frame.contains(pointer); });
+    return under != shown_.end() ? *under : nullptr;
+}
+
+/// The surface under the pointer shows the tile and where it would be linked, and no other does.
+void QuickSwitcherController::dragAcross(Panel& from, const std::string& key, Point pointer) {
+    if (!isShown(from)) return;
+    // On the way out the tile has moved its neighbours, which nobody meant.
+    if (!std::exchange(draggingAcross_, true)) from.model.recompute();
+    const Desktop* dragged = from.model.tile(key);
+    Panel* over = panelAt(pointer);
+    for (Panel* panel : shown_) {
+        std::optional<QuickSwitcherModel::IncomingLink> incoming;
+        if (dragged && panel == over && panel != &from && panel->model.linksAcross()) {
+            const Rect& frame = panel->screen.frame;
+            incoming = {
+                *dragged, {pointer.x - frame.x, pointer.y - frame.y}, panel->surface->tileAt(pointer)};
+        }
+        panel->model.setIncomingLink(std::move(incoming));
+    }
+}
+
+void QuickSwitcherController::endDragAcross(Panel& from, bool dropped, const std::string& key,
+                                            Point pointer) {
+    draggingAcross_ = false;
+    for (Panel* panel : shown_) panel->model.setIncomingLink(std::nullopt);
+    if (dropped && isShown(from)) linkAcross(from, key, pointer);
+}
+
+void QuickSwitcherController::linkAcross(Panel& from, const std::string& key, Point pointer) {
+    Panel* over = panelAt(pointer);
+    const Desktop* dragged = from.model.tile(key);
+    if (!dragged || !over || over == &from) return;
+    if (!from.model.linksAcross())
+        return from.model.showError("Links are off. “Link Displays” in the menu of a tile turns them on.");
+    const auto target = over->surface->tileAt(pointer);
+    const Desktop* partner = target ? over->model.tile(*target) : nullptr;
+    if (partner && partner->key != dragged->key)
+        commands_.carryOut(LinkRequest::with(*dragged, partner->spaceKey));
+}
+
+void QuickSwitcherController::openTileMenu(Panel& panel, const std::string& key) {
+    if (!isShown(panel) || panel.model.renamingKey()) return;
+    const Desktop* tile = panel.model.tile(key);
+    if (!tile) return;
+    const std::vector<DesktopMenuItem> menu = tileMenu(state_.catalog(), *tile);
+    panel.model.select(key);
+    panel.surface->openMenu(key, menu);
+}
+
+void QuickSwitcherController::choose(Panel& panel, const DesktopMenuItem& item) {
+    if (!isShown(panel)) return;
+    if (item.kind == DesktopMenuItem::Kind::rename)
+        panel.model.beginRename(item.desktop->key);
+    else
+        commands_.carryOut(item);
+}
+
+void QuickSwitcherController::tellRefusal(std::string sentence) {
+    if (keyPanel_)
+        keyPanel_->model.showError(std::move(sentence));
+    else
+        state_.notices().show(std::move(sentence));
+}
+
+void QuickSwitcherController::trackMenu(bool open) {
+    log(fmt::format("Lumnara menu tracking {} (board visible: {:d})", open ? "began" : "ended", isOpen()));
+    for (Panel* panel : shown_) panel->model.setMenuTracking(open);
 }
 
 } // namespace lumnara

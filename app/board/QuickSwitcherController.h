@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/AppState.h"
+#include "app/DesktopMenuCommands.h"
 #include "app/board/BoardSettings.h"
 #include "app/board/BoardSurface.h"
 #include "app/board/QuickSwitcherModel.h"
@@ -30,6 +31,8 @@ public:
     void toggle();
     void open();
     void close();
+    /// A menu of the application opened (true) or closed (false).
+    void trackMenu(bool open);
     /// Closes the Board first, then asks for the switch.
     void switchFromBoard(Desktop desktop);
 
@@ -70,7 +73,13 @@ private:
     void clickTile(Panel& panel, const std::string& key);
     void clickGround(Panel& panel);
     void hoverTile(Panel& panel, const std::optional<std::string>& key, Point pointer);
-    void setMenuTracking(bool tracking);
+    Panel* panelAt(Point pointer);
+    void dragAcross(Panel& from, const std::string& key, Point pointer);
+    void endDragAcross(Panel& from, bool dropped, const std::string& key, Point pointer);
+    void linkAcross(Panel& from, const std::string& key, Point pointer);
+    void openTileMenu(Panel& panel, const std::string& key);
+    void choose(Panel& panel, const DesktopMenuItem& item);
+    void tellRefusal(std::string sentence);
 
     AppState& state_;
     BoardSurfaceFactory& factory_;
@@ -86,6 +95,9 @@ private:
     /// Where the pointer last was; a report from the same place is no movement.
     std::optional<Point> lastPointer_;
     async::Subscription screensChanged_;
+    /// The tile of a surface is being dragged over another.
+    bool draggingAcross_ = false;
+    DesktopMenuCommands commands_;
 };
 
 } // namespace lumnara

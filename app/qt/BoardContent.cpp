@@ -48,11 +48,6 @@ TileContent tileOf(const Desktop& desktop, const QuickSwitcherModel& model) {
     return tile;
 }
 
-/// Members of a link group share a key; the model means the first.
-void mark(std::optional<std::size_t>& marked, bool isMeant, std::size_t position) {
-    if (isMeant && !marked) marked = position;
-}
-
 QString scopeOf(const QuickSwitcherModel& model) {
     if (!model.multipleDisplays()) return {};
     if (!model.scope()) return QStringLiteral("All displays");
@@ -72,14 +67,22 @@ BoardContent contentOf(const QuickSwitcherModel& model) {
     content.scope = scopeOf(model);
     content.canCycleScope = model.canCycleScope();
     content.hasOtherBoards = model.scopeFixed();
+    content.linksAcross = model.linksAcross();
+    std::optional<std::string> target;
+    if (const auto& incoming = model.incomingLink()) {
+        content.incoming = tileOf(incoming->desktop, model);
+        content.incomingAt = {incoming->point.x, incoming->point.y};
+        target = incoming->targetKey;
+    }
     for (const Desktop* desktop : model.results()) {
         const std::size_t position = content.tiles.size();
         content.tiles.push_back(tileOf(*desktop, model));
         TileContent& tile = content.tiles.back();
         if (model.query().empty() && position < digitKeys) tile.digit = static_cast<int>(position) + 1;
-        mark(content.selected, model.selectedKey() == tile.key, position);
-        mark(content.renaming, model.renamingKey() == tile.key, position);
-        mark(content.expanded, model.expandedKey() == tile.key, position);
+        if (model.selectedKey() == tile.key) content.selected = position;
+        if (model.renamingKey() == tile.key) content.renaming = position;
+        if (model.expandedKey() == tile.key) content.expanded = position;
+        if (target == tile.key) content.target = position;
     }
     return content;
 }

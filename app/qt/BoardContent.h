@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QPointF>
 #include <QString>
 
 #include <optional>
@@ -47,6 +48,13 @@ struct BoardContent {
     bool canCycleScope = false;
     /// Other screens have Boards of their own.
     bool hasOtherBoards = false;
+    /// A tile that is dragged to another screen is linked there.
+    bool linksAcross = false;
+    /// The tile that is dragged in from another screen, where the pointer holds it in the screen's pixels,
+    /// and the position in `tiles` of what it would be linked with.
+    std::optional<TileContent> incoming;
+    QPointF incomingAt;
+    std::optional<std::size_t> target;
     /// The keys come to this surface.
     bool hasKeyboard = true;
 

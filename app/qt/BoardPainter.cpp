@@ -20,6 +20,8 @@ constexpr int stripWidth = 64;
 constexpr float translucentAlpha = 0.92f;
 constexpr double edgeFade = 28;
 constexpr double hintSize = 13;
+/// The tile that comes from another screen hangs below the pointer, so that its target stays in sight.
+constexpr QPointF incomingOffset(-24, 14);
 
 /// Noise in [0, 1) without a pattern that an eye would see.
 double noise(std::uint32_t x, std::uint32_t y) {
@@ -52,6 +54,9 @@ QImage ditheredStrip(const QColor& top, const QColor& bottom, int height, float 
     return strip;
 }
 
+constexpr const char* linkTip =
+    "Drag a desktop onto the other screen to link the two, so one name moves both.";
+
 struct Hint {
     std::vector<QString> keys;
     QString label;
@@ -67,6 +72,7 @@ std::vector<Hint> hintsFor(const BoardContent& content) {
     if (content.hasOtherBoards) hints.push_back({{"Tab"}, "Next screen"});
     hints.push_back({{"Super", "Enter"}, "Rename"});
     hints.push_back({{"Super", "D"}, "Dim"});
+    hints.push_back({{"Super", "L"}, "More"});
     if (content.query.isEmpty()) hints.push_back({{"Space"}, "Full size"});
     return hints;
 }
@@ -99,7 +105,14 @@ void BoardPainter::paint(QPainter& painter, const QRectF& surface, const BoardCo
         painter.fillRect(surface, scrim);
         tiles_.paintExpanded(painter, layout.expanded(), content.tiles[*content.expanded]);
     }
-    if (content.hasKeyboard) drawHints(painter, content, layout);
+    if (content.incoming || (pose.lifted && content.linksAcross)) {
+        drawTip(painter, layout);
+    } else if (content.hasKeyboard) {
+        drawHints(painter, content, layout);
+    }
+    if (content.incoming)
+        tiles_.paint(painter, {content.incomingAt + incomingOffset, layout.tileSize()}, *content.incoming,
+                     TileStance::lifted);
 }
 
 QColor BoardPainter::backdropAt(double part) const {
@@ -184,13 +197,14 @@ void BoardPainter::drawTiles(QPainter& painter, const BoardContent& content, con
             .translated(0, -pose.scroll);
     };
     const std::size_t front = content.renaming.value_or(content.selected.value_or(none));
+    const std::size_t target = content.target.value_or(none);
     for (std::size_t position = 0; position < content.tiles.size(); ++position) {
-        if (position == front || content.tiles[position].key == pose.lifted) continue;
+        if (position == front || position == target || content.tiles[position].key == pose.lifted) continue;
         if (clip.intersects(place(position)))
             tiles_.paint(painter, place(position), content.tiles[position], TileStance::resting);
     }
     // The ring of the selected tile lies over its neighbours.
-    if (front < none && content.tiles[front].key != pose.lifted) {
+    if (front < none && front != target && content.tiles[front].key != pose.lifted) {
         if (content.renaming) {
             tiles_.paintRenaming(painter, place(front), content.tiles[front], content.renameText);
         } else {
@@ -198,6 +212,7 @@ void BoardPainter::drawTiles(QPainter& painter, const BoardContent& content, con
                          content.hasKeyboard ? TileStance::selected : TileStance::marked);
         }
     }
+    if (target < none) tiles_.paint(painter, place(target), content.tiles[target], TileStance::selected);
     drawEdges(painter, layout, pose.scroll);
     painter.restore();
     drawThumb(painter, layout, pose.scroll);
@@ -277,6 +292,18 @@ void BoardPainter::drawHints(QPainter& painter, const BoardContent& content, con
                          Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, hint.label);
         x += 4 + labelWidth + 24;
     }
+}
+
+void BoardPainter::drawTip(QPainter& painter, const BoardLayout& layout) {
+    const QRectF& line = layout.hints();
+    if (line.isEmpty()) return;
+    drawSymbol(painter, "link", {line.left(), line.center().y() - 9, 18, 18}, theme_->secondaryText);
+    painter.setFont(interfaceFont(hintSize + 1));
+    painter.setPen(theme_->secondaryText);
+    const QRectF box = line.adjusted(28, 0, 0, 0);
+    painter.drawText(
+        box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip,
+        QFontMetricsF(painter.font()).elidedText(QString::fromUtf8(linkTip), Qt::ElideRight, box.width()));
 }
 
 void warmUpDrawing() {

@@ -39,6 +39,7 @@ private:
     void drawThumb(QPainter& painter, const BoardLayout& layout, double scroll);
     void drawNothing(QPainter& painter, const BoardContent& content, const BoardLayout& layout);
     void drawHints(QPainter& painter, const BoardContent& content, const BoardLayout& layout);
+    void drawTip(QPainter& painter, const BoardLayout& layout);
     QColor backdropAt(double part) const;
 
     const Theme* theme_ = &Theme::of(Appearance::dark);

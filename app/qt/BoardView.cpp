@@ -2,7 +2,9 @@
 
 #include "app/board/BoardSurface.h"
 #include "app/board/QuickSwitcherModel.h"
+#include "app/qt/DesktopMenuView.h"
 #include "app/qt/Keys.h"
+#include "app/qt/WindowSystem.h"
 #include "core/async/Loop.h"
 
 #include <QEnterEvent>
@@ -30,13 +32,6 @@ constexpr double pixelsPerNotch = 110;
 /// How near to the viewport's edge a dragged tile scrolls it, and how fast.
 constexpr double dragEdge = 44;
 constexpr double dragScrollPerSecond = 900;
-
-/// The window system's own pixels, in which the platform tells the pointer.
-Point arrangementPoint(const QPointF& global, const QScreen& screen) {
-    const QPointF origin = screen.geometry().topLeft();
-    const QPointF native = origin + (global - origin) * screen.devicePixelRatio();
-    return {static_cast<double>(qRound(native.x())), static_cast<double>(qRound(native.y()))};
-}
 
 bool sameTiles(const BoardContent& a, const BoardContent& b) {
     return a.tiles.size() == b.tiles.size() &&
@@ -73,11 +68,13 @@ void BoardView::open(QSize size, bool translucent) {
 
 void BoardView::closed() {
     hasKeyboard_ = false;
+    if (menu_) menu_->close();
     letGo();
 }
 
 void BoardView::letGo() {
     press_.reset();
+    isAway_ = false;
     hovered_.reset();
     frames_.reset();
     motion_.settle();
@@ -93,6 +90,7 @@ BoardContent BoardView::readModel() const {
     BoardContent content = contentOf(model_);
     (content.renaming ? content.renameText : content.query) += preedit_;
     content.hasKeyboard = hasKeyboard_;
+    content.incomingAt /= unitsPerPoint(*screen());
     return content;
 }
 
@@ -216,15 +214,51 @@ std::optional<std::string> BoardView::keyAt(QPointF point) const {
     return content_.tiles[static_cast<std::size_t>(*position)].key;
 }
 
+std::optional<std::string> BoardView::tileAt(Point pointer) const {
+    const QPointF origin = screen()->geometry().topLeft();
+    return keyAt((QPointF(pointer.x, pointer.y) - origin) / unitsPerPoint(*screen()));
+}
+
+void BoardView::openMenu(const std::string& key, const std::vector<DesktopMenuItem>& items) {
+    const auto position = std::ranges::find(content_.tiles, key, &TileContent::key) - content_.tiles.begin();
+    if (position == std::ssize(content_.tiles)) return;
+    if (!menu_) makeMenu();
+    fillMenu(*menu_, items, surface_.onMenuChosen);
+    dress(*menu_, Theme::of(sessionAppearance()));
+    QPointF at = layout_.tile(static_cast<int>(position)).translated(0, -motion_.pose().scroll).center();
+    if (content_.expanded) at = layout_.expanded().center();
+    menu_->popup(mapToGlobal(menuPoint_.value_or(at)).toPoint());
+    if (!menuPoint_) menu_->setActiveAction(menu_->actions().front());
+}
+
+void BoardView::makeMenu() {
+    menu_ = new QMenu(this);
+    connect(menu_, &QMenu::aboutToShow, this, [this] { surface_.onMenuTracking(true); });
+    connect(menu_, &QMenu::aboutToHide, this, [this] {
+        surface_.onMenuTracking(false);
+        // Behind the menu, which still has the keyboard.
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                if (onMenuClosed) onMenuClosed();
+            },
+            Qt::QueuedConnection);
+    });
+}
+
 void BoardView::reportHover(const QMouseEvent& event) {
     hovered_ = keyAt(event.position());
-    surface_.onHoverTile(hovered_, arrangementPoint(event.globalPosition(), *screen()));
+    surface_.onHoverTile(hovered_, arrangementPoint(event.globalPosition()));
 }
 
 void BoardView::mousePressEvent(QMouseEvent* event) {
     if (onPressed) onPressed();
     const auto key = keyAt(event->position());
-    if (event->button() == Qt::RightButton && key) model_.beginRename(*key);
+    if (event->button() == Qt::RightButton && key) {
+        menuPoint_ = event->position();
+        surface_.onTileMenu(*key);
+        menuPoint_.reset();
+    }
     if (event->button() != Qt::LeftButton) return;
     press_ = Press{key, event->position(), {}};
     if (const auto position = layout_.tileAt(event->position(), motion_.pose().scroll))
@@ -238,7 +272,7 @@ void BoardView::mouseMoveEvent(QMouseEvent* event) {
         drag(pointer_);
     } else if (!press_) {
         reportHover(*event);
-    } else if (press_->key && content_.query.isEmpty() && !content_.renaming &&
+    } else if (press_->key && (content_.query.isEmpty() || content_.linksAcross) && !content_.renaming &&
                (pointer_ - press_->at).manhattanLength() >=
                    QGuiApplication::styleHints()->startDragDistance()) {
         drag(pointer_);
@@ -275,10 +309,18 @@ void BoardView::click(QPointF point) {
 void BoardView::drag(QPointF point) {
     const std::string key = *press_->key;
     motion_.lift(key, point - press_->grip);
-    const auto over = keyAt(point);
-    if (over && *over != key) model_.moveTile(key, *over);
+    if (!rect().contains(point.toPoint())) {
+        isAway_ = true;
+        surface_.onDragAcross(key, pointerPlace());
+    } else {
+        if (std::exchange(isAway_, false)) surface_.onDragAcrossEnded(false, key, pointerPlace());
+        const auto over = keyAt(point);
+        if (over && *over != key) model_.moveTile(key, *over);
+    }
     update();
 }
+
+Point BoardView::pointerPlace() const { return arrangementPoint(mapToGlobal(pointer_)); }
 
 void BoardView::endDrag() {
     const std::string key = *motion_.pose().lifted;
@@ -288,7 +330,11 @@ void BoardView::endDrag() {
         if (content_.tiles[position].key == key)
             motion_.displace(key, from - layout_.tile(static_cast<int>(position)).topLeft());
     }
-    model_.commitOrder();
+    if (std::exchange(isAway_, false)) {
+        surface_.onDragAcrossEnded(true, key, pointerPlace());
+    } else {
+        model_.commitOrder();
+    }
     update();
     animate();
 }
@@ -328,7 +374,7 @@ void BoardView::step() {
     const double seconds = std::min(async::secondsOf(now - lastFrame_), longestFrameSeconds);
     lastFrame_ = now;
     motion_.step(seconds);
-    if (motion_.pose().lifted) scrollAtEdges(seconds);
+    if (motion_.pose().lifted && !isAway_) scrollAtEdges(seconds);
     update();
     if (!motion_.moving() && !motion_.pose().lifted) frames_.reset();
 }

@@ -3,7 +3,9 @@
 #include "app/qt/BoardMotion.h"
 #include "app/qt/BoardPainter.h"
 #include "core/async/Timer.h"
+#include "core/model/Geometry.h"
 
+#include <QMenu>
 #include <QWidget>
 
 #include <functional>
@@ -15,6 +17,7 @@ namespace lumnara {
 
 class BoardSurface;
 class QuickSwitcherModel;
+struct DesktopMenuItem;
 
 /// The widget of one Board surface: draws the model and turns what the toolkit reports into the callbacks of
 /// its BoardSurface. The loop, the surface and the model outlive it.
@@ -30,11 +33,17 @@ public:
     void setKeyboard(bool here);
     /// Reads the model and has what differs drawn.
     void refresh();
+    /// The tile at a place in the arrangement of screens, or nothing.
+    std::optional<std::string> tileAt(Point pointer) const;
+    /// Opens a menu where the tile was clicked, else at its middle.
+    void openMenu(const std::string& key, const std::vector<DesktopMenuItem>& items);
 
     /// Called once after each open(), when the first picture has been handed to the window system.
     std::function<void()> onPainted;
     /// The pointer was pressed: a moment at which the keyboard may be asked for again.
     std::function<void()> onPressed;
+    /// A menu is closed, which had the keyboard.
+    std::function<void()> onMenuClosed;
 
 protected:
     bool focusNextPrevChild(bool) override { return false; }
@@ -65,6 +74,8 @@ private:
     void updateChanged(const BoardContent& before);
     void glideFrom(const BoardContent& before, const BoardLayout& layoutBefore);
     std::optional<std::string> keyAt(QPointF point) const;
+    void makeMenu();
+    Point pointerPlace() const;
     void reportHover(const QMouseEvent& event);
     void click(QPointF point);
     void drag(QPointF point);
@@ -87,6 +98,11 @@ private:
     QPointF pointer_;
     /// The tile that the pointer selected; it is in view and doesn't scroll.
     std::optional<std::string> hovered_;
+    /// The lifted tile is beyond this surface.
+    bool isAway_ = false;
+    QMenu* menu_ = nullptr; ///< of a tile; the view's child
+    /// Where the click was that asks for a menu, while it does.
+    std::optional<QPointF> menuPoint_;
     bool translucent_ = false;
     bool hasKeyboard_ = false;
     bool awaitingPaint_ = false;

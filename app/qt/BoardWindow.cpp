@@ -23,6 +23,9 @@ BoardWindow::BoardWindow(BoardWindows& windows, QuickSwitcherModel& model)
     view_.onPressed = [this] {
         if (!windows_.keyboard_.isHeldBy(view_)) takeKeyboard();
     };
+    view_.onMenuClosed = [this] {
+        if (windows_.keyboard_.isHeldBy(view_)) windows_.keyboard_.take(view_);
+    };
 }
 
 BoardWindow::~BoardWindow() { hide(); }

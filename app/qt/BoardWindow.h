@@ -20,6 +20,10 @@ public:
     void hide() override;
     void redraw() override { view_.refresh(); }
     void takeKeyboard() override;
+    std::optional<std::string> tileAt(Point pointer) const override { return view_.tileAt(pointer); }
+    void openMenu(const std::string& key, const std::vector<DesktopMenuItem>& items) override {
+        view_.openMenu(key, items);
+    }
 
 private:
     BoardWindows& windows_;

@@ -14,9 +14,4 @@ std::unique_ptr<BoardSurface> BoardWindows::makeSurface(QuickSwitcherModel& mode
     return std::make_unique<BoardWindow>(*this, model);
 }
 
-void BoardWindows::trackMenu(bool open) {
-    // One window's word goes to all models.
-    if (!shown_.empty()) shown_.front()->onMenuTracking(open);
-}
-
 } // namespace lumnara

@@ -20,9 +20,6 @@ public:
 
     std::unique_ptr<BoardSurface> makeSurface(QuickSwitcherModel& model) override;
 
-    /// A menu of the application opened (true) or closed (false).
-    void trackMenu(bool open);
-
     /// A window that was put up has handed its first picture to the window system.
     async::Signal<> painted;
 

@@ -107,4 +107,26 @@ void fillMenu(QMenu& menu, const std::vector<DesktopMenuItem>& items,
     for (const DesktopMenuItem& item : items) addItem(menu, item, onChosen);
 }
 
+void dress(QMenu& menu, const Theme& theme) {
+    const auto css = [](const QColor& color) {
+        return QStringLiteral("rgba(%1, %2, %3, %4)")
+            .arg(color.red())
+            .arg(color.green())
+            .arg(color.blue())
+            .arg(color.alpha());
+    };
+    QColor ground = theme.notice;
+    ground.setAlpha(255);
+    menu.setFont(interfaceFont(14));
+    menu.setStyleSheet(
+        QStringLiteral("QMenu { background: %1; color: %2; border: 1px solid %3; padding: 6px; }"
+                       "QMenu::item { padding: 7px 30px 7px 14px; border-radius: 6px; }"
+                       "QMenu::item:selected { background: %4; }"
+                       "QMenu::indicator { width: 0; }"
+                       "QMenu::separator { height: 1px; background: %4; margin: 6px 8px; }")
+            .arg(css(ground), css(theme.text), css(theme.noticeBorder), css(theme.hairline)));
+    for (QMenu* submenu : menu.findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly))
+        submenu->setFont(menu.font());
+}
+
 } // namespace lumnara

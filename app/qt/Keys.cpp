@@ -8,7 +8,7 @@
 namespace lumnara {
 namespace {
 
-constexpr std::array<std::pair<int, KeyCode>, 53> codesByKey{{
+constexpr std::array<std::pair<int, KeyCode>, 54> codesByKey{{
     {Qt::Key_A, KeyCode::a},
     {Qt::Key_B, KeyCode::b},
     {Qt::Key_C, KeyCode::c},
@@ -62,6 +62,7 @@ constexpr std::array<std::pair<int, KeyCode>, 53> codesByKey{{
     {Qt::Key_Right, KeyCode::right},
     {Qt::Key_Up, KeyCode::up},
     {Qt::Key_Down, KeyCode::down},
+    {Qt::Key_Menu, KeyCode::contextMenu},
 }};
 
 /// The scan code of the key right of Escape, and the keys from there on, row by row, as a US keyboard

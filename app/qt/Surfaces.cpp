@@ -24,7 +24,7 @@ Surfaces::Surfaces(AppState& state, std::function<bool()> isComposited)
     board_.onShown = [this] { overlay_.giveWay(); };
     tray_.onChosen = [this](const DesktopMenuItem& item) { choose(item); };
     tray_.onOpenBoard = [this] { board_.toggle(); };
-    tray_.onMenuTracking = [this](bool open) { windows_.trackMenu(open); };
+    tray_.onMenuTracking = [this](bool open) { board_.trackMenu(open); };
     notices_ = state.notices().subscribe([this](const Notice& notice) { show(notice); });
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/AppState.h"
+#include "app/DesktopMenuCommands.h"
 #include "app/board/QuickSwitcherController.h"
-#include "app/menubar/DesktopMenuCommands.h"
 #include "app/overlay/SwitchOverlayController.h"
 #include "app/qt/BoardWindows.h"
 #include "app/qt/NoticeWindow.h"

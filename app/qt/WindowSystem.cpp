@@ -8,6 +8,8 @@
 #include <QWidget>
 #include <QWindow>
 
+#include <cmath>
+
 namespace lumnara {
 
 namespace {
@@ -37,6 +39,16 @@ QScreen* screenFor(const ScreenInfo& info) {
         if (QPointF(screen->geometry().topLeft()) == QPointF(info.frame.x, info.frame.y)) return screen;
     }
     return QGuiApplication::primaryScreen();
+}
+
+double unitsPerPoint(const QScreen& screen) { return placesOwnWindows() ? screen.devicePixelRatio() : 1; }
+
+Point arrangementPoint(const QPointF& global) {
+    const QScreen* screen = QGuiApplication::screenAt(global.toPoint());
+    if (!screen) screen = QGuiApplication::primaryScreen();
+    const QPointF origin = screen->geometry().topLeft();
+    const QPointF place = origin + (global - origin) * unitsPerPoint(*screen);
+    return {std::round(place.x()), std::round(place.y())};
 }
 
 std::unique_ptr<QObject> drawingAtEachConfigure(QWidget& window) {

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "core/model/Geometry.h"
+
 #include <memory>
 
 class QObject;
+class QPointF;
 class QScreen;
 class QWidget;
 
@@ -17,6 +20,12 @@ bool placesOwnWindows();
 /// The toolkit's screen for the platform's: by its connector, else by its place; the first screen for one
 /// that the toolkit doesn't know.
 QScreen* screenFor(const ScreenInfo& info);
+
+/// How many of the arrangement's units, in which the platform tells of screens and the pointer, a logical
+/// pixel of the screen has.
+double unitsPerPoint(const QScreen& screen);
+/// A place of the toolkit's virtual desktop in the arrangement of screens.
+Point arrangementPoint(const QPointF& global);
 
 /// Draws a window that was shown once whenever the compositor tells it of a new state, as long as the result
 /// lives. A compositor shows nothing new on any screen before it has a picture made in the state that it told

@@ -161,6 +161,8 @@ TEST_F(KeyTable, knowsItsCommands) {
     EXPECT_TRUE(session.catalog().desktop("A-2")->record->isDimmed);
     EXPECT_EQ(press(key(KeyCode::a, command, "a")), EffectKind::done);
     EXPECT_EQ(press(key(KeyCode::w, command, "w")), EffectKind::closesBoard);
+    EXPECT_EQ(press(key(KeyCode::l, command, "l")), EffectKind::opensMenu);
+    EXPECT_EQ(press(key(KeyCode::contextMenu)), EffectKind::opensMenu);
     EXPECT_EQ(press(key(KeyCode::x, command, "x")), EffectKind::fallsThrough);
     EXPECT_EQ(model.query(), "");
 }

@@ -1,6 +1,6 @@
 #include "app/menubar/DesktopMenu.h"
 
-#include "app/menubar/DesktopMenuCommands.h"
+#include "app/DesktopMenuCommands.h"
 #include "tests/app/ScriptedSession.h"
 
 #include <algorithm>

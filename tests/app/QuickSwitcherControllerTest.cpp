@@ -21,6 +21,11 @@ public:
     void hide() override { note("hide"); }
     void redraw() override { ++redraws; }
     void takeKeyboard() override { note("keyboard"); }
+    std::optional<std::string> tileAt(Point) const override { return underPointer; }
+    void openMenu(const std::string& key, const std::vector<DesktopMenuItem>& items) override {
+        note(("menu of " + key).c_str());
+        menu = items;
+    }
 
     const std::string& name() const { return name_; }
     bool press(KeyCode code, std::string text = {}, ModifierFlags modifiers = {}, bool repeats = false) {
@@ -30,6 +35,8 @@ public:
 
     QuickSwitcherModel& model;
     int redraws = 0;
+    std::optional<std::string> underPointer;
+    std::vector<DesktopMenuItem> menu;
 
 private:
     void note(const char* what) { events_.push_back(name_ + " " + what); }
@@ -316,6 +323,132 @@ TEST(QuickSwitcherController, holdsTheListsStillUnderAMenu) {
     EXPECT_EQ(board.on("B").model.results().size(), 1u);
     EXPECT_EQ(board.session.logged, (Texts{"Lumnara menu tracking began (board visible: 1)",
                                            "Lumnara menu tracking ended (board visible: 1)"}));
+
+    board.on("A").onMenuTracking(true);
+    board.controller.close();
+    board.controller.trackMenu(false);
+    board.session.provider->current.displays[0].spaces.pop_back();
+    board.session.tell();
+    board.controller.open();
+    EXPECT_EQ(board.on("A").model.results().size(), 2u) << "the menu ended with the Board it stood over";
+}
+
+constexpr Point onA{100, 100};
+constexpr Point onB{1280 + 300, 200};
+
+struct LinkBoard : Board {
+    LinkBoard() : Board(twoDisplays()) {
+        session.settings.displayLinkMode.set(DisplayLinkMode::linked);
+        controller.open();
+        events();
+    }
+    /// What the error line of a screen's Board says.
+    std::string error(const std::string& screen) { return on(screen).model.errorText().value_or(""); }
+};
+
+TEST(QuickSwitcherController, aTileDraggedToTheOtherScreenIsLinkedThere) {
+    LinkBoard board;
+    board.session.catalog().rename("A-2", "Mail");
+    RecordingSurface& a = board.on("A");
+    RecordingSurface& b = board.on("B");
+    a.model.moveTile("A-2", "A-1"); // on its way out
+    b.underPointer = "B-1";
+    a.onDragAcross("A-2", onB);
+    EXPECT_EQ(a.model.results().front()->key, "A-1") << "the way out orders nothing";
+    ASSERT_TRUE(b.model.incomingLink());
+    EXPECT_EQ(b.model.incomingLink()->desktop.key, "A-2");
+    EXPECT_EQ(b.model.incomingLink()->point, (Point{300, 200}));
+    EXPECT_EQ(b.model.incomingLink()->targetKey, "B-1");
+    EXPECT_FALSE(a.model.incomingLink());
+
+    a.onDragAcrossEnded(false, "A-2", onA);
+    EXPECT_FALSE(b.model.incomingLink());
+    b.underPointer = "B-2";
+    a.onDragAcross("A-2", onB);
+    a.onDragAcrossEnded(true, "A-2", onB);
+    board.session.loop.advance(0.1);
+    EXPECT_FALSE(b.model.incomingLink());
+    EXPECT_EQ(board.session.desktop("B-2").displayName(), "Mail");
+    EXPECT_EQ(board.session.desktop("A-2").key, board.session.desktop("B-2").key);
+    EXPECT_EQ(board.session.notices.back().text, "Displays linked. Say “Mail” and both screens go there.");
+    EXPECT_TRUE(board.controller.isOpen());
+    EXPECT_EQ(board.session.catalog().linkedMembers("A-2").size(), 2u);
+}
+
+TEST(QuickSwitcherController, aDragThatMeansNoLinkMakesNone) {
+    LinkBoard board;
+    RecordingSurface& a = board.on("A");
+    RecordingSurface& b = board.on("B");
+    const auto drop = [&](std::optional<std::string> under, Point at) {
+        b.underPointer = std::move(under);
+        a.onDragAcross("A-1", at);
+        a.onDragAcrossEnded(true, "A-1", at);
+        board.session.loop.advance(0.1);
+    };
+    drop(std::nullopt, onB);
+    drop("B-1", {-50, 100});
+    drop("B-1", onA);
+    EXPECT_FALSE(board.session.catalog().store().file()->links);
+    EXPECT_EQ(board.error("A"), "");
+
+    board.session.settings.displayLinkMode.set(DisplayLinkMode::independent);
+    a.onDragAcross("A-1", onB);
+    EXPECT_FALSE(b.model.incomingLink());
+    a.onDragAcrossEnded(true, "A-1", onB);
+    EXPECT_EQ(board.error("A"), "Links are off. “Link Displays” in the menu of a tile turns them on.");
+
+    // A Board that goes down under a drag takes the tile with it.
+    board.session.settings.displayLinkMode.set(DisplayLinkMode::linked);
+    a.onDragAcross("A-1", onB);
+    board.controller.close();
+    EXPECT_FALSE(b.model.incomingLink());
+    a.onDragAcrossEnded(true, "A-1", onB);
+    board.session.loop.advance(0.1);
+    EXPECT_FALSE(board.session.catalog().store().file()->links);
+}
+
+TEST(QuickSwitcherController, theMenuOfATileDoesWhatItSays) {
+    LinkBoard board;
+    RecordingSurface& a = board.on("A");
+    const auto titles = [&] {
+        Texts titles;
+        for (const DesktopMenuItem& item : a.menu) titles.push_back(item.title);
+        return titles;
+    };
+    a.press(KeyCode::l, "l", {.command = true});
+    EXPECT_EQ(board.events(), Texts{"A menu of A-1"});
+    EXPECT_EQ(titles(), (Texts{"Rename…", "Dim", "", "Link with"}));
+    ASSERT_EQ(a.menu[3].children.size(), 2u);
+    a.onMenuChosen(a.menu[3].children[1]);
+    board.session.loop.advance(0.1);
+    EXPECT_EQ(board.session.desktop("A-1").key, board.session.desktop("B-2").key);
+
+    a.onTileMenu(board.session.desktop("A-1").key);
+    EXPECT_EQ(titles(), (Texts{"Rename…", "Dim", "", "Unlink"}));
+    const DesktopMenuItem unlink = a.menu[3];
+    a.onMenuChosen(unlink);
+    board.session.loop.advance(0.1);
+    EXPECT_EQ(board.session.notices.back().text, "“Desktop 1” is back to one screen.");
+    a.onMenuChosen(unlink);
+    board.session.loop.advance(0.1);
+    EXPECT_EQ(board.error("A"), "“Desktop 1” is not linked to another desktop.") << "on the error line";
+
+    a.onTileMenu("A-2");
+    EXPECT_EQ(a.model.selectedKey(), "A-2");
+    a.onMenuChosen(a.menu[1]);
+    EXPECT_TRUE(board.session.desktop("A-2").record->isDimmed);
+    a.onMenuChosen(a.menu[0]);
+    EXPECT_EQ(a.model.renamingKey(), "A-2");
+    board.events();
+    a.press(KeyCode::contextMenu);
+    EXPECT_TRUE(board.events().empty()) << "not under an edit";
+
+    board.session.settings.displayLinkMode.set(DisplayLinkMode::independent);
+    a.model.cancelRename();
+    a.press(KeyCode::contextMenu);
+    EXPECT_EQ(titles(), (Texts{"Rename…", "Dim", "", "Link Displays"}));
+    a.onMenuChosen(a.menu[3]);
+    EXPECT_TRUE(a.model.linksAcross());
 }
 
 } // namespace

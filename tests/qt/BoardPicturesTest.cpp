@@ -76,6 +76,15 @@ BoardContent manyTiles() {
     return contentOf(std::move(tiles), 1920);
 }
 
+BoardLayout layoutOf(const Scene& scene) {
+    const int tiles = static_cast<int>(scene.content.tiles.size());
+    return BoardLayout({.surface = scene.size,
+                        .tiles = tiles,
+                        .columns = scene.content.columns,
+                        .restingTiles = std::max(tiles, scene.restingTiles),
+                        .restingColumns = std::max(scene.content.columns, scene.restingTiles)});
+}
+
 std::vector<Scene> scenes() {
     std::vector<Scene> scenes = {
         {"few", fewTiles()}, {"many", manyTiles(), {1920, 1080}}, {"names", hardNames()}};
@@ -100,16 +109,15 @@ std::vector<Scene> scenes() {
     BoardContent expanded = fewTiles();
     expanded.expanded = expanded.selected = 1;
     scenes.push_back({"expanded", expanded});
+    BoardContent linking = fewTiles();
+    linking.scope = "DELL U2720Q";
+    linking.canCycleScope = linking.hasKeyboard = false;
+    linking.linksAcross = linking.hasOtherBoards = true;
+    linking.incoming = tile("Release planning", "hammer", 12);
+    linking.target = 2;
+    linking.incomingAt = layoutOf({"linking", linking}).tile(2).center();
+    scenes.push_back({"linking", linking});
     return scenes;
-}
-
-BoardLayout layoutOf(const Scene& scene) {
-    const int tiles = static_cast<int>(scene.content.tiles.size());
-    return BoardLayout({.surface = scene.size,
-                        .tiles = tiles,
-                        .columns = scene.content.columns,
-                        .restingTiles = std::max(tiles, scene.restingTiles),
-                        .restingColumns = std::max(scene.content.columns, scene.restingTiles)});
 }
 
 QImage draw(const Scene& scene, Appearance appearance, double devicePixelRatio) {

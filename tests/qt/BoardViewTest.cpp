@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QInputMethodEvent>
+#include <QMenu>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -79,8 +80,36 @@ TEST(BoardView, tellsClicksApart) {
     EXPECT_EQ(board.model.scope(), "display-1");
 
     board.click(board.tile(1).center(), Qt::RightButton);
-    EXPECT_EQ(board.model.renamingKey(), board.keys()[1]);
+    EXPECT_EQ(board.surface.menus, Keys{board.keys()[1]});
     EXPECT_EQ(board.surface.switched.size(), 2u);
+}
+
+TEST(BoardView, opensTheMenuOfATile) {
+    OpenBoard board(Displays{{"Mail", "Code"}});
+    using Kind = DesktopMenuItem::Kind;
+    DesktopMenuItem with = DesktopMenuItem::line(Kind::submenu, "Link with");
+    with.children = {DesktopMenuItem::line(Kind::link, "Chat")};
+    board.view.openMenu(board.keys()[1], {DesktopMenuItem::line(Kind::rename, "Rename…"), with});
+    board.settle();
+    EXPECT_EQ(board.surface.menuTracking, std::vector<bool>{true});
+    const auto menus = board.view.findChildren<QMenu*>();
+    ASSERT_EQ(menus.size(), 2);
+    const QRectF tile = board.tile(1).translated(board.view.mapToGlobal(QPointF()));
+    EXPECT_TRUE(tile.contains(menus[0]->pos()));
+    ASSERT_TRUE(menus[0]->activeAction()) << "opened without the pointer, the first line is ready";
+    EXPECT_EQ(menus[0]->activeAction()->text(), "Rename…");
+
+    int closed = 0;
+    board.view.onMenuClosed = [&] { ++closed; };
+    menus[1]->actions().front()->trigger();
+    ASSERT_EQ(board.surface.chosen.size(), 1u);
+    EXPECT_EQ(board.surface.chosen[0].title, "Chat");
+    board.view.closed();
+    board.settle();
+    EXPECT_EQ(board.surface.menuTracking, (std::vector<bool>{true, false}));
+    EXPECT_EQ(closed, 1);
+    board.view.openMenu("no such tile", {});
+    EXPECT_EQ(board.surface.menuTracking.size(), 2u);
 }
 
 TEST(BoardView, clicksTheFullSizeTileOrPutsItAway) {
@@ -132,6 +161,31 @@ TEST(BoardView, dragsATileToAnotherPlace) {
     board.model.select(before[0]);
     board.settle();
     EXPECT_EQ(board.shown(), rested);
+}
+
+TEST(BoardView, aTileDraggedBeyondTheSurfaceIsTheOthersBusiness) {
+    OpenBoard board({{"Mail", "Code", "Music"}});
+    const Keys before = board.keys();
+    const QImage rested = board.shown();
+    board.press(board.tile(1).center());
+    board.move(board.tile(1).center() + QPointF(30, 0), true);
+    board.move({1400, 300}, true);
+    board.move({1410, 300}, true);
+    board.loop.advance(0.2);
+    board.move(board.tile(1).center(), true);
+    board.move({-20, 300}, true);
+    board.release({-20, 300});
+    const std::string key = before[1];
+    EXPECT_EQ(board.surface.dragged,
+              (Keys{"across " + key, "across " + key, "back " + key, "across " + key, "dropped " + key}));
+    const QPointF origin = board.view.mapToGlobal(QPointF(1400, 300));
+    EXPECT_EQ(board.surface.draggedTo[0], (Point{origin.x(), origin.y()}));
+    EXPECT_EQ(board.keys(), before);
+    board.settle();
+    EXPECT_EQ(board.shown(), rested) << "it has glided home";
+    EXPECT_EQ(board.view.tileAt({board.view.mapToGlobal(board.tile(2).center()).x(),
+                                 board.view.mapToGlobal(board.tile(2).center()).y()}),
+              before[2]);
 }
 
 TEST(BoardView, dragsNothingUnderAQueryOrOverDisplays) {

@@ -42,6 +42,16 @@ RecordingSurface::RecordingSurface() {
     onSwitch = [this](const std::string& key) { switched.push_back(key); };
     onClose = [this] { ++closed; };
     onHoverTile = [this](const std::optional<std::string>& key, Point) { hovered.push_back(key); };
+    onDragAcross = [this](const std::string& key, Point pointer) {
+        dragged.push_back("across " + key);
+        draggedTo.push_back(pointer);
+    };
+    onDragAcrossEnded = [this](bool dropped, const std::string& key, Point) {
+        dragged.push_back((dropped ? "dropped " : "back ") + key);
+    };
+    onTileMenu = [this](const std::string& key) { menus.push_back(key); };
+    onMenuChosen = [this](const DesktopMenuItem& item) { chosen.push_back(item); };
+    onMenuTracking = [this](bool open) { menuTracking.push_back(open); };
     onPointerEntered = [this] { ++entered; };
 }
 

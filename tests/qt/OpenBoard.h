@@ -24,11 +24,21 @@ public:
     void hide() override {}
     void redraw() override { view->refresh(); }
     void takeKeyboard() override {}
+    std::optional<std::string> tileAt(Point) const override { return std::nullopt; }
+    void openMenu(const std::string& key, const std::vector<DesktopMenuItem>& items) override {
+        view->openMenu(key, items);
+    }
 
     BoardView* view = nullptr;
     std::vector<KeyPress> keys;
     std::vector<std::string> switched;
     std::vector<std::optional<std::string>> hovered;
+    /// "across" and "back" or "dropped" with the tile's key.
+    std::vector<std::string> dragged;
+    std::vector<Point> draggedTo;
+    std::vector<std::string> menus;
+    std::vector<DesktopMenuItem> chosen;
+    std::vector<bool> menuTracking;
     int closed = 0;
     int entered = 0;
 };

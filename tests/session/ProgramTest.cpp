@@ -50,6 +50,10 @@ private:
     std::unique_ptr<Child> child_;
 };
 
+/// A place on the first tile of a monitor's Board.
+constexpr int tileX = 300;
+constexpr int tileY = 360;
+
 void typeText(XSession& session, const std::string& text) {
     for (const char c : text) {
         const auto keysym = static_cast<std::uint32_t>(std::tolower(static_cast<unsigned char>(c)));
@@ -114,6 +118,53 @@ TEST(Program, NamesSurviveItsOwnEndAndThatOfI3) {
     session.run({"i3-msg", "workspace 7"});
     goTo(session, program, "ma");
     EXPECT_TRUE(waitUntil([&] { return i3Visible(session, "L") == "1: Mail"; })) << program.log();
+    EXPECT_EQ(program.stop(), 0);
+}
+
+/// The names of what both monitors show, "L, R".
+std::string bothVisible(const XSession& session) {
+    return i3Visible(session, "L") + ", " + i3Visible(session, "R");
+}
+
+TEST(Program, LinksDesktopsOnItsBoards) {
+    XSession session(WindowManager::i3);
+    session.movePointer(300, 700);
+    Program program(session);
+    program.start();
+    nameCurrent(session, program, "Mail");
+    const auto shows = [&](const std::string& both) {
+        return waitUntil([&] { return bothVisible(session) == both; });
+    };
+    ASSERT_TRUE(shows("1: Mail, 2"));
+
+    // The last line of a tile's menu turns links on; then the tile can be dragged to the other screen.
+    openBoard(session, program);
+    session.pressKey(XK_l, {XK_Super_L});
+    ASSERT_TRUE(waitUntil([&] { return program.count("menu tracking began") == 1; })) << program.log();
+    session.pressKey(XK_Up);
+    session.pressKey(XK_Return);
+    ASSERT_TRUE(waitUntil([&] { return program.count("menu tracking ended") == 1; })) << program.log();
+    session.drag(tileX, tileY, 1280 + tileX, tileY);
+    ASSERT_TRUE(waitUntil([&] { return program.count("Lumnara link request: with for Mail") == 1; }))
+        << program.log();
+    ASSERT_TRUE(shows("1: Mail, 2: Mail")) << bothVisible(session);
+
+    // The Board stands on and has the keyboard; the name alone brings both monitors back.
+    session.pressKey(XK_Escape);
+    EXPECT_TRUE(session.awaitFreeKeyboard());
+    session.run({"i3-msg", "focus output R; workspace 8; focus output L; workspace 7"});
+    ASSERT_TRUE(shows("7, 8"));
+    goTo(session, program, "mai");
+    ASSERT_TRUE(shows("1: Mail, 2: Mail")) << program.log();
+
+    openBoard(session, program);
+    session.click(tileX, tileY, 3);
+    ASSERT_TRUE(waitUntil([&] { return program.count("menu tracking began") == 2; })) << program.log();
+    session.pressKey(XK_Up);
+    session.pressKey(XK_Return);
+    ASSERT_TRUE(shows("1: Mail, 2")) << bothVisible(session) << program.log();
+    session.pressKey(XK_Escape);
+    EXPECT_TRUE(session.awaitFreeKeyboard());
     EXPECT_EQ(program.stop(), 0);
 }
 

@@ -432,6 +432,15 @@ void XSession::click(int x, int y, int button) {
     fake(XCB_BUTTON_RELEASE, static_cast<std::uint8_t>(button));
 }
 
+void XSession::drag(int fromX, int fromY, int toX, int toY) {
+    movePointer(fromX, fromY);
+    fake(XCB_BUTTON_PRESS, 1);
+    constexpr int steps = 20;
+    for (int step = 1; step <= steps; ++step)
+        movePointer(fromX + (toX - fromX) * step / steps, fromY + (toY - fromY) * step / steps);
+    fake(XCB_BUTTON_RELEASE, 1);
+}
+
 void XSession::screenshot(const std::filesystem::path& file) const {
     if (run({"import", "-window", "root", file}).status != 0) fail("no screenshot", "import");
 }

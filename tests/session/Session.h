@@ -127,6 +127,8 @@ public:
     bool awaitFreeKeyboard() const;
     void movePointer(int x, int y);
     void click(int x, int y, int button = 1);
+    /// Takes what stands at the first place to the second, with the left button held.
+    void drag(int fromX, int fromY, int toX, int toY);
 
     /// A property of the root window: its bytes, or its 32-bit items in decimal separated by blanks;
     /// nothing when it isn't there.

@@ -69,6 +69,7 @@ constexpr auto keyRows = std::to_array<KeyRow>({
     {KeyCode::right, XK_Right, 114},
     {KeyCode::down, XK_Down, 116},
     {KeyCode::up, XK_Up, 111},
+    {KeyCode::contextMenu, XK_Menu, 135},
 });
 
 constexpr std::size_t modifierCount = 8;

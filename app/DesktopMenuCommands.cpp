@@ -1,15 +1,16 @@
-#include "app/menubar/DesktopMenuCommands.h"
+#include "app/DesktopMenuCommands.h"
 
 namespace lumnara {
 
-DesktopMenuCommands::DesktopMenuCommands(AppState& state)
+DesktopMenuCommands::DesktopMenuCommands(AppState& state, std::function<void(std::string)> onRefused)
     : state_(state),
-      links_(state.loop(), state.catalog(), state.notices()) {}
+      links_(state.loop(), state.catalog(), state.notices(), std::move(onRefused)) {}
 
 bool DesktopMenuCommands::carryOut(const DesktopMenuItem& chosen) {
     using Kind = DesktopMenuItem::Kind;
     switch (chosen.kind) {
     case Kind::desktop: state_.switchTo(*chosen.desktop); return true;
+    case Kind::dim: state_.catalog().setDimmed(chosen.desktop->key, !chosen.isChecked); return true;
     case Kind::linkMode:
         state_.settings().displayLinkMode.set(chosen.isChecked ? DisplayLinkMode::independent
                                                                : DisplayLinkMode::linked);

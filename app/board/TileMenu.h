@@ -1,0 +1,13 @@
+#pragma once
+
+#include "app/DesktopMenuItem.h"
+#include "core/catalog/DesktopCatalog.h"
+
+#include <vector>
+
+namespace lumnara {
+
+/// The menu of one tile of the Board: its name, how it stands out, and its link.
+std::vector<DesktopMenuItem> tileMenu(const DesktopCatalog& catalog, const Desktop& desktop);
+
+} // namespace lumnara
