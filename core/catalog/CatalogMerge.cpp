@@ -74,12 +74,12 @@ std::string Reading::spaceKey(std::size_t display, std::size_t place) const {
     return key ? *key : "unkeyed:" + snapshot.displays[display].spaces[place].id.text();
 }
 
-std::unordered_set<std::string> Reading::spaceKeys() const {
-    std::unordered_set<std::string> keys;
+std::unordered_map<std::string, std::string> Reading::displaysOfSpaces() const {
+    std::unordered_map<std::string, std::string> displays;
     for (std::size_t display = 0; display < stableKeys.size(); ++display)
         for (std::size_t place = 0; place < stableKeys[display].size(); ++place)
-            keys.insert(spaceKey(display, place));
-    return keys;
+            displays.emplace(spaceKey(display, place), snapshot.displays[display].display.uuid);
+    return displays;
 }
 
 std::vector<Reattachment> reattachments(const Reading& reading, const NameStoreFile& file) {

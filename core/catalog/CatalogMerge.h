@@ -7,7 +7,6 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 /// How the catalog makes its model from a reading and the stored records. Pure functions.
@@ -26,7 +25,8 @@ struct Reading {
 
     /// The stable key, or "unkeyed:<raw id>".
     std::string spaceKey(std::size_t display, std::size_t place) const;
-    std::unordered_set<std::string> spaceKeys() const;
+    /// The uuid of its display by the key of each Space.
+    std::unordered_map<std::string, std::string> displaysOfSpaces() const;
 };
 
 /// A record to be moved to the key that its desktop has now.

@@ -18,6 +18,8 @@ namespace {
 
 /// The window server needs this long after waking until what it tells can be relied on.
 constexpr double settleAfterWaking = 1.0;
+/// A little more, since the grace is told by another clock.
+constexpr double afterGrace = LinkPruning::graceSeconds + 0.05;
 
 bool hasNameIn(const std::unordered_set<std::string>& normalizedKeys, const DesktopRecord& record) {
     const auto isIn = [&](const std::string& name) {
@@ -29,7 +31,7 @@ bool hasNameIn(const std::unordered_set<std::string>& normalizedKeys, const Desk
 
 /// Whether it has to be done again, for a member that may yet come back.
 bool pruneLinks(NameStore& store, const CatalogMerge::Reading& reading, Date now) {
-    return store.file()->links && store.pruneLinks(reading.spaceKeys(), now);
+    return store.file()->links && store.pruneLinks(reading.displaysOfSpaces(), now);
 }
 
 } // namespace
@@ -92,6 +94,12 @@ void DesktopCatalog::rebuild() {
     }
     // Before the desktops are made, so that what is published is what is stored.
     mustBuild_ = pruneLinks(store_, reading, loop_.date());
+    if (!mustBuild_) graceEnd_.reset();
+    if (mustBuild_ && !graceEnd_)
+        graceEnd_ = std::make_unique<async::Delayed>(loop_, afterGrace, [this] {
+            graceEnd_.reset();
+            refresh();
+        });
     CatalogMerge::LinkKeys links;
     if (linkMode_ == DisplayLinkMode::linked) links = CatalogMerge::linkKeys(reading, *store_.file());
     store_.updateLastSeen(CatalogMerge::places(reading, *store_.file(), links, loop_.date()));

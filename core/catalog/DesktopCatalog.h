@@ -163,6 +163,9 @@ private:
     async::Subscription observers_;
     std::unique_ptr<async::Repeating> refreshTimer_;
     std::unique_ptr<async::Delayed> wakeDelay_;
+    /// While a member of a link group is missing: whether it has come back is looked at in time, though
+    /// nothing else may happen.
+    std::unique_ptr<async::Delayed> graceEnd_;
 };
 
 } // namespace lumnara

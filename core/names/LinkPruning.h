@@ -3,7 +3,7 @@
 #include "core/names/DisplayLink.h"
 
 #include <string>
-#include <unordered_set>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -14,8 +14,10 @@ struct LinkPruning {
     /// For so long a member may be missing: a reading in the midst of a change of displays is incomplete.
     static constexpr double graceSeconds = 5;
 
-    using LiveKeys = std::unordered_set<std::string>;
-    /// By Space key: when a member was first found missing.
+    /// The uuid of its display by the key of each live Space.
+    using LiveKeys = std::unordered_map<std::string, std::string>;
+    /// By Space key: when a member was first found missing. So is one that stands on the display of another
+    /// member, as when its own was unplugged.
     using MissingSince = NameStoreFile::Map<Date>;
 
     /// Groups by id with the members that are left to them; such as are no groups any more have to go.

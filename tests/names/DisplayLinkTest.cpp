@@ -62,6 +62,18 @@ protected:
                            << R"("link:TWO":{"name":"Others"}}})";
         open();
     }
+    /// With each of these Spaces live on the display that a group has for it.
+    bool prune(const std::vector<std::string>& live, double clockError = 0) {
+        LinkPruning::LiveKeys keys;
+        for (const std::string& spaceKey : live) {
+            keys.emplace(spaceKey, "elsewhere");
+            if (!store->file()->links) continue;
+            for (const auto& [id, members] : *store->file()->links)
+                for (const auto& [display, member] : members)
+                    if (member == spaceKey) keys[spaceKey] = display;
+        }
+        return prune(keys, clockError);
+    }
     bool prune(const LinkPruning::LiveKeys& live, double clockError = 0) {
         return store->pruneLinks(live, loop.date().plusSeconds(clockError));
     }
@@ -108,14 +120,15 @@ TEST_F(LinkStoreTest, SetAndRemoveChangeTheGroupWithItsRecord) {
 TEST_F(LinkStoreTest, AMissingMemberHasFiveSeconds) {
     openWith(twoGroups);
     const auto before = store->file();
-    EXPECT_FALSE(prune({"U1-and-more", "V1", "U2", "V2", "W2"}));
-    EXPECT_TRUE(prune({"U1-and-more", "U2", "V2"})); // V1 and W2 are missing
+    EXPECT_FALSE(prune(Lines{"U1-and-more", "V1", "U2", "V2", "W2"}));
+    EXPECT_TRUE(prune(Lines{"U1-and-more", "U2", "V2"})); // V1 and W2 are missing
     loop.advance(4.999);
-    EXPECT_TRUE(prune({"U1-and-more", "U2", "V2", "W2"})); // W2 is back, and begins anew when it goes again
+    EXPECT_TRUE(
+        prune(Lines{"U1-and-more", "U2", "V2", "W2"})); // W2 is back, and begins anew when it goes again
     EXPECT_EQ(store->file(), before);
     EXPECT_EQ(log.take(), Lines{});
     loop.advance(0.001);
-    EXPECT_TRUE(prune({"U1-and-more", "U2", "V2"}));
+    EXPECT_TRUE(prune(Lines{"U1-and-more", "U2", "V2"}));
     EXPECT_EQ(log.take(), Lines{"Lumnara link ONE: pruned, desktop gone: V1 on DISPLAY- (3 live keys)"});
     EXPECT_EQ(group("ONE"), nullptr);
     EXPECT_EQ(name("link:ONE"), "none");
@@ -123,7 +136,7 @@ TEST_F(LinkStoreTest, AMissingMemberHasFiveSeconds) {
     EXPECT_EQ(group("TWO")->size(), 3u);
 
     loop.advance(5);
-    EXPECT_FALSE(prune({"U2", "V2"}));
+    EXPECT_FALSE(prune(Lines{"U2", "V2"}));
     EXPECT_EQ(log.take(), Lines{"Lumnara link TWO: pruned, desktop gone: W2 on C (2 live keys)"});
     EXPECT_EQ(*group("TWO"), (Members{{"A", "U2"}, {"B", "V2"}})); // two are still a group
     EXPECT_EQ(name("link:TWO"), "Others");
@@ -131,22 +144,45 @@ TEST_F(LinkStoreTest, AMissingMemberHasFiveSeconds) {
 
 TEST_F(LinkStoreTest, ALongGoneMemberBeginsItsTimeAnewInALaterGroup) {
     openWith(R"({"ONE":{"A":"U1","B":"V1"}})");
-    prune({"U1"});
+    prune(Lines{"U1"});
     store->removeLink("ONE", "unlinked");
-    prune({"U1", "V1"});
+    prune(Lines{"U1", "V1"});
     loop.advance(100);
     store->setLink("ONE", {{"A", "U1"}, {"B", "V1"}});
-    EXPECT_TRUE(prune({"U1"}));
+    EXPECT_TRUE(prune(Lines{"U1"}));
     EXPECT_TRUE(group("ONE"));
     open(); // and after a restart
     openWith(R"({"ONE":{"A":"U1","B":"V1"}})");
     loop.advance(100);
-    EXPECT_TRUE(prune({"U1"}));
+    EXPECT_TRUE(prune(Lines{"U1"}));
     EXPECT_TRUE(group("ONE"));
-    EXPECT_TRUE(prune({"U1"}, -3600)); // the clock is set back
+    EXPECT_TRUE(prune(Lines{"U1"}, -3600)); // the clock is set back
     loop.advance(5);
-    EXPECT_FALSE(prune({"U1"}, -3600));
+    EXPECT_FALSE(prune(Lines{"U1"}, -3600));
     EXPECT_FALSE(group("ONE"));
+}
+
+TEST_F(LinkStoreTest, AMemberOnTheDisplayOfAnotherIsMissing) {
+    openWith(R"({"ONE":{"A":"U1","B":"V1","C":"W1"}})");
+    EXPECT_FALSE(prune(LinkPruning::LiveKeys{{"U1", "A"}, {"V1", "D"}, {"W1", "C"}}))
+        << "a display of its own is as good as its home";
+    // B and C are unplugged, and their desktops have come to A.
+    const LinkPruning::LiveKeys gathered{{"U1", "a"}, {"V1", "a"}, {"W1", "a"}};
+    EXPECT_TRUE(prune(gathered));
+    loop.advance(4);
+    EXPECT_FALSE(prune(LinkPruning::LiveKeys{{"U1", "A"}, {"V1", "B"}, {"W1", "C"}})) << "and back in time";
+    EXPECT_TRUE(prune(gathered));
+    loop.advance(5);
+    EXPECT_FALSE(prune(gathered));
+    EXPECT_FALSE(group("ONE"));
+    EXPECT_EQ(log.take(), Lines{"Lumnara link ONE: pruned, desktop gone: V1 on B, W1 on C (3 live keys)"});
+
+    openWith(R"({"ONE":{"A":"U1","B":"V1","C":"W1"}})");
+    const LinkPruning::LiveKeys withoutC{{"U1", "A"}, {"V1", "B"}, {"W1", "A"}};
+    prune(withoutC);
+    loop.advance(5);
+    prune(withoutC);
+    EXPECT_EQ(*group("ONE"), (Members{{"A", "U1"}, {"B", "V1"}}));
 }
 
 TEST_F(LinkStoreTest, PruningWritesOnlyWhatChanged) {
@@ -154,15 +190,14 @@ TEST_F(LinkStoreTest, PruningWritesOnlyWhatChanged) {
     store->saveNow();
     std::filesystem::remove(url);
     for (int i = 0; i < 10; ++i) {
-        prune(i % 2 ? LinkPruning::LiveKeys{"U1-and-more"}
-                    : LinkPruning::LiveKeys{"U1-and-more", "V1", "U2", "V2", "W2"});
+        prune(i % 2 ? Lines{"U1-and-more"} : Lines{"U1-and-more", "V1", "U2", "V2", "W2"});
         loop.advance(2);
         store->flush();
     }
     EXPECT_FALSE(std::filesystem::exists(url));
-    prune({});
+    prune(Lines{});
     loop.advance(5);
-    prune({});
+    prune(Lines{});
     loop.advance(0.25);
     store->flush();
     const NameStoreFile onDisk = NameStoreCodec::decode(readFile(url), loop.date());
@@ -182,10 +217,10 @@ TEST_F(LinkStoreTest, OddGroupsOfAFileAreReadWholeAndPrunedByTheSameRules) {
     open();
     EXPECT_EQ(store->file()->links, inMemory.links);
 
-    EXPECT_TRUE(prune({"U1", "V1"}));
+    EXPECT_TRUE(prune(Lines{"U1", "V1"}));
     loop.advance(5);
-    EXPECT_FALSE(prune({"U1", "V1"}));
-    EXPECT_EQ(*store->file()->links, (NameStoreFile::Map<Members>{{"SPELT", {{"A", "V1"}, {"a", "U1"}}}}));
+    EXPECT_FALSE(prune(Lines{"U1", "V1"}));
+    EXPECT_FALSE(store->file()->links) << "one display, however it is spelt, makes no pair";
     EXPECT_EQ(store->file()->desktops.size(), 2u);
     EXPECT_EQ(name("U1"), "Letters");
 
