@@ -1,21 +1,17 @@
 #include "app/AppState.h"
 
 #include "core/base/Failure.h"
+#include "core/names/DisplayLink.h"
 #include "core/switching/SwitchError.h"
 #include "core/switching/SwitchVerifier.h"
+#include "core/text/Text.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <utility>
 #include <vector>
 
 namespace lumnara {
-
-namespace {
-
-/// Long enough to read a path.
-constexpr double startReportSeconds = 15;
-
-} // namespace
 
 AppState::AppState(async::Loop& loop, AppSettings& settings, Platform& platform,
                    std::unique_ptr<SpaceProvider> provider, const std::filesystem::path& dataFolder)
@@ -80,8 +76,8 @@ void AppState::reportStart() {
             fmt::format("Your desktop names could not be read. The file was damaged. It was kept at {} "
                         "and Lumnara started with an empty list.",
                         kept->string()),
-            startReportSeconds);
-    if (const auto& error = store_.loadError()) notices_.show(error->sentence(), startReportSeconds);
+            startNoticeSeconds);
+    if (const auto& error = store_.loadError()) notices_.show(error->sentence(), startNoticeSeconds);
 }
 
 /// The order is a promise: each step may rely on what the ones before it have learnt of the reading.
@@ -114,18 +110,41 @@ void AppState::announceChanges() {
 /// manager that was away may have come back without the names.
 void AppState::publishNames() {
     if (!platform_.namePublisher) return;
-    std::vector<PublishedDesktop> recorded;
+    const auto file = store_.file();
+    std::vector<PublishedDesktop> kept;
     for (const DisplayDesktops& shown : catalog_.displays.get())
         for (const Desktop& desktop : shown.desktops)
-            if (desktop.record)
-                recorded.push_back(
-                    {desktop.spaceKey, desktop.space.id, desktop.display, desktop.record->name});
-    platform_.namePublisher->publish(recorded);
+            // A member of a group has the group's record, which it must find again while links don't hold.
+            if (desktop.record || DisplayLink::groupOf(*file, desktop.spaceKey))
+                kept.push_back({desktop.spaceKey, desktop.space.id, desktop.display,
+                                desktop.record ? desktop.record->name : std::string()});
+    platform_.namePublisher->publish(kept);
 }
 
-void AppState::switchTo(const Desktop& desktop) { switching_ = async::spawn(loop_, runSwitch(desktop.key)); }
+void AppState::switchTo(const Desktop& desktop) {
+    std::vector<DisplayID> displays{desktop.display};
+    for (const Desktop& member : catalog_.linkedMembers(desktop.key)) displays.push_back(member.display);
+    startSwitch(std::move(displays), runSwitch(desktop));
+}
 
-void AppState::switchBack() { switching_ = async::spawn(loop_, runSwitch(std::nullopt)); }
+void AppState::switchBack(std::optional<DisplayID> display) {
+    const std::optional<DisplayID> meant = display ? display : provider_->cursorDisplay();
+    startSwitch(meant ? std::vector{*meant} : std::vector<DisplayID>(), runSwitchBack(std::move(display)));
+}
+
+/// What moved one of the displays before is given up: found not to have come where it wanted, it would go
+/// there once more.
+void AppState::startSwitch(std::vector<DisplayID> displays, async::Task<> task) {
+    const auto isMeant = [&](const DisplayID& moved) {
+        return std::ranges::any_of(displays, [&](const DisplayID& display) {
+            return text::equalsIgnoringCase(display.uuid, moved.uuid);
+        });
+    };
+    std::erase_if(switching_, [&](const Switching& earlier) {
+        return displays.empty() || earlier.displays.empty() || std::ranges::any_of(earlier.displays, isMeant);
+    });
+    switching_.push_back({std::move(displays), async::spawn(loop_, std::move(task))});
+}
 
 async::Task<SwitchResult> AppState::switchToDesktop(std::string key) {
     const std::vector<Desktop> members = catalog_.linkedMembers(key);
@@ -134,18 +153,32 @@ async::Task<SwitchResult> AppState::switchToDesktop(std::string key) {
     co_return co_await switcher_.switchToDesktop(spaceKey);
 }
 
-async::Task<> AppState::runSwitch(std::optional<std::string> key) {
+async::Task<> AppState::runSwitch(Desktop desktop) {
     const auto context = co_await async::currentContext();
+    const bool isGroup = catalog_.linkedMembers(desktop.key).size() > 1;
+    // Not where a group that is still under way would have the keyboard.
+    const auto focus = platform_.spaceActivator && !isGroup
+                           ? platform_.spaceActivator->keepFocusOn(desktop.display)
+                           : nullptr;
     std::exception_ptr failure;
     try {
-        if (key)
-            co_await switchToDesktop(*key);
-        else
-            co_await switcher_.switchBack();
+        co_await switchToDesktop(desktop.key);
     } catch (...) {
         failure = std::current_exception();
     }
-    // What became of a switch that another took over from is no longer of interest.
+    // A group tells of its failures itself. What became of a switch that another took over from is no longer
+    // of interest.
+    if (failure && !isGroup && !context.stop.stop_requested()) reportSwitch(failure);
+}
+
+async::Task<> AppState::runSwitchBack(std::optional<DisplayID> display) {
+    const auto context = co_await async::currentContext();
+    std::exception_ptr failure;
+    try {
+        co_await switcher_.switchBack(display);
+    } catch (...) {
+        failure = std::current_exception();
+    }
     if (failure && !context.stop.stop_requested()) reportSwitch(failure);
 }
 

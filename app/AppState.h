@@ -44,11 +44,12 @@ public:
     Notices& notices() { return notices_; }
 
     /// What every surface calls that wants a desktop shown: switchToDesktop as a task of its own. A later
-    /// request takes over from one that is still under way. Being there already is silent; any other failure
-    /// is shown as a notice.
+    /// request for a display takes over from one that is still under way there. Being there already is
+    /// silent; any other failure is shown as a notice.
     void switchTo(const Desktop& desktop);
-    /// Back to the desktop that the display under the pointer showed before; the rest as in switchTo.
-    void switchBack();
+    /// Back to the desktop that the display, or else the one under the pointer, showed before; the rest as in
+    /// switchTo. Linked displays stay where they are.
+    void switchBack(std::optional<DisplayID> display = std::nullopt);
 
     /// Shows the desktop of a key, and with it every desktop that is linked with it on its own display.
     /// Throws SwitchError, or what the provider or the last engine failed with.
@@ -71,8 +72,14 @@ private:
     void handleRefresh(const SpaceSnapshot& snapshot);
     void announceChanges();
     void publishNames();
-    /// To the desktop of that key, or back without one.
-    async::Task<> runSwitch(std::optional<std::string> key);
+    /// A switch under way or done, with the displays that it moves; none where that isn't known.
+    struct Switching {
+        std::vector<DisplayID> displays;
+        async::TaskHandle task;
+    };
+    void startSwitch(std::vector<DisplayID> displays, async::Task<> task);
+    async::Task<> runSwitch(Desktop desktop);
+    async::Task<> runSwitchBack(std::optional<DisplayID> display);
     void reportSwitch(std::exception_ptr failure);
 
     async::Loop& loop_;
@@ -89,7 +96,7 @@ private:
     std::optional<std::string> lastAnnouncedKey_;
     async::Subscription displaysChanged_;
     std::vector<async::Subscription> settingsChanged_;
-    async::TaskHandle switching_;
+    std::vector<Switching> switching_;
 };
 
 } // namespace lumnara

@@ -56,6 +56,8 @@ async::Task<> LinkRequests::run(LinkRequest request) {
         const bool ends = request.kind == LinkRequest::Kind::unlink;
         notices_.show(ends ? fmt::format("“{}” is back to one screen.", request.desktop.displayName()) : text,
                       resultNoticeSeconds);
+    } catch (const async::Cancelled&) {
+        throw;
     } catch (...) {
         std::string sentence = sentenceOf(std::current_exception());
         if (onRefused_)

@@ -53,7 +53,12 @@ async::Task<SwitchResult> LinkedSwitching::run(std::vector<Desktop> members) {
     run.serial = ++linkedSwitchSerial_;
     const bool keepsFocus = platform_.spaceActivator && !members.empty();
     const auto focus = keepsFocus ? platform_.spaceActivator->keepFocusOn(members.front().display) : nullptr;
-    for (const Desktop& member : members) co_await drive(member, run);
+    const auto context = co_await async::currentContext();
+    for (const Desktop& member : members) {
+        // Who asked for another desktop meanwhile must not see this one come after it.
+        if (context.stop.stop_requested()) throw async::Cancelled();
+        co_await drive(member, run);
+    }
 
     log(fmt::format("Lumnara linked switch: {} displays, {} already there, {} failed, {:.0f} ms",
                     members.size(), run.alreadyThere, run.failures.size(),
@@ -119,6 +124,7 @@ SwitchResult LinkedSwitching::outcomeOf(const Run& run) const {
 }
 
 void LinkedSwitching::watch(const Run& run, const Desktop& asked) {
+    if (run.serial != linkedSwitchSerial_) return;
     measurements_.clear();
     for (const double delay : {firstLook, secondLook})
         measurements_.push_back(std::make_unique<async::Delayed>(

@@ -7,12 +7,12 @@
 
 namespace lumnara {
 
-/// A desktop that the user has named, or that carries anything else worth keeping.
+/// A desktop that the user has named or linked, or that carries anything else worth keeping.
 struct PublishedDesktop {
     std::string spaceKey;
     SpaceID space;
     DisplayID display;
-    /// The user's name; empty when the desktop has a record without a name.
+    /// The user's name; empty for a desktop without one.
     std::string name;
     bool operator==(const PublishedDesktop&) const = default;
 };

@@ -224,6 +224,69 @@ TEST(AppState, theLastRequestWins) {
     EXPECT_TRUE(session.notices.empty()) << "nobody asks any more what became of the first";
 }
 
+TEST(AppState, requestsForOtherDisplaysStandBesideEachOther) {
+    ScriptedSession session(twoDisplays());
+    session.start();
+    session.activator->obeys = false;
+    session.state().switchTo(session.desktop("A-2"));
+    session.loop.advance(0.05);
+    session.activator->obeys = true;
+    session.state().switchTo(session.desktop("B-2"));
+    session.loop.advance(30);
+    EXPECT_EQ(session.provider->current.displays[0].currentID, SpaceID{2}) << "asked for once more";
+    EXPECT_EQ(session.provider->current.displays[1].currentID, SpaceID{12});
+
+    session.userShows(1);
+    session.state().switchBack(DisplayID{"A"});
+    session.loop.advance(1);
+    EXPECT_EQ(session.provider->current.displays[0].currentID, SpaceID{2});
+    session.state().switchBack(DisplayID{"nowhere"});
+    session.loop.advance(1);
+    EXPECT_EQ(session.notices.size(), 1u);
+}
+
+/// Displays A and B, of which the second desktops are linked as "Mail" and B's has no name of its own.
+struct LinkedSession : ScriptedSession {
+    LinkedSession() : ScriptedSession(twoDisplays()) {
+        settings.displayLinkMode.set(DisplayLinkMode::linked);
+        start();
+        catalog().rename("A-2", "Mail");
+        EXPECT_TRUE(catalog().link("A-2", "B-2"));
+    }
+};
+
+TEST(AppState, aGroupGivesWayToALaterRequestAndTellsOfItsFailuresItself) {
+    LinkedSession session;
+    session.provider->cursor = DisplayID{"A"};
+    session.state().switchTo(session.desktop("B-2"));
+    session.loop.advance(0.0005);
+    ASSERT_EQ(session.activator->asked, (std::vector{SpaceID{2}}));
+    session.state().switchTo(session.desktop("A-3"));
+    session.loop.advance(5);
+    EXPECT_EQ(session.activator->asked.back(), SpaceID{3}) << "nothing of the group comes after it";
+    EXPECT_EQ(session.provider->current.displays[0].currentID, SpaceID{3});
+    EXPECT_EQ(session.provider->current.displays[1].currentID, SpaceID{11});
+    EXPECT_TRUE(session.notices.empty());
+
+    session.activator->failure =
+        std::make_exception_ptr(WindowManagerError(WindowManagerError::Case::refused, "i3", "no"));
+    session.state().switchTo(session.desktop("B-2"));
+    session.loop.advance(5);
+    EXPECT_EQ(session.notices,
+              (std::vector{Notice{"Monitor A did not follow: i3 refused a command: no.", 2.2}}));
+}
+
+TEST(AppState, theWindowManagerKeepsWhatIsLinkedWhileLinksDoNotHold) {
+    LinkedSession session;
+    EXPECT_EQ(session.publisher->lastNames(), (Texts{"Mail", "Mail"}));
+    session.settings.displayLinkMode.set(DisplayLinkMode::independent);
+    EXPECT_EQ(session.publisher->lastNames(), (Texts{"Mail", ""}));
+    EXPECT_EQ(session.publisher->published.back().back().spaceKey, "B-2");
+    session.catalog().unlink("A-2", "unlinked");
+    session.tell();
+    EXPECT_EQ(session.publisher->lastNames(), Texts{"Mail"});
+}
+
 TEST(AppState, reportsADamagedFileOnce) {
     ScriptedSession session(twoDisplays());
     replaceFile(session.folder / "desktops.json", "{ not json");

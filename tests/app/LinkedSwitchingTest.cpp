@@ -78,7 +78,7 @@ TEST_F(LinkedSwitchingTest, MovesThePointersMemberFirstAndLeavesTheKeyboardThere
     EXPECT_EQ(settlements.size(), 1u) << "the second look is for the log alone";
     session.state().switchTo(session.desktop("A-1"));
     session.loop.advance(1);
-    EXPECT_EQ(session.activator->focused.size(), 2u) << "not kept for an ordinary switch";
+    EXPECT_EQ(session.activator->focused, (Texts{"B", "B", "A"})) << "an ordinary switch goes where it goes";
     EXPECT_EQ(logged(), (Texts{" settle +1s: Monitor B on Desktop 2; Monitor A on Mail; frontmost none",
                                " settle +3s: Monitor B on Desktop 2; Monitor A on Mail; frontmost none"}));
 }
@@ -121,8 +121,25 @@ TEST_F(LinkedSwitchingTest, OneStubbornDisplayStopsNoOther) {
     session.activator->failure = nullptr;
     std::vector<Desktop> members = pair();
     session.provider->current.displays.pop_back();
-    EXPECT_EQ(run(members), "landed") << "a monitor was unplugged in between";
+    EXPECT_EQ(run(members), "landed") << "a monitor was unplugged before";
     EXPECT_EQ(session.notices.back().text, "Monitor B did not follow: That desktop no longer exists.");
+}
+
+TEST_F(LinkedSwitchingTest, AMonitorUnpluggedBetweenTheMembersStopsNothing) {
+    const std::vector<Desktop> members = pair();
+    session.activator->onShown = [&] {
+        session.activator->onShown = nullptr;
+        session.provider->current.displays.pop_back();
+        session.screens->list.pop_back();
+        session.tell(WorkspaceEvent::screenParametersDidChange);
+    };
+    EXPECT_EQ(run(members), "landed");
+    EXPECT_EQ(session.notices,
+              (std::vector{Notice{"Monitor B did not follow: That desktop no longer exists.", 2.2}}));
+    session.loop.advance(4);
+    ASSERT_EQ(settlements.size(), 1u);
+    EXPECT_EQ(settlements[0].second,
+              (std::vector{SwitchSettle::Entry{DisplayID{"A"}, SpaceID{2}, SpaceID{2}}}));
 }
 
 TEST_F(LinkedSwitchingTest, SeesADisplayThatSnapsBack) {

@@ -17,7 +17,9 @@ async::Task<> ScriptedActivator::activate(const Space& target, const DisplayID& 
     if (failure) std::rethrow_exception(failure);
     if (display.uuid == stubborn)
         throw WindowManagerError(WindowManagerError::Case::refused, "i3", stubborn + " is stuck");
-    if (obeys) provider_.show(target.id);
+    if (!obeys) co_return;
+    provider_.show(target.id);
+    if (onShown) onShown();
 }
 
 std::shared_ptr<const DisplayID> ScriptedActivator::keepFocusOn(const DisplayID& display) {

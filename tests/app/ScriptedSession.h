@@ -11,6 +11,7 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <exception>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -71,6 +72,8 @@ public:
     std::string stubborn;
     std::exception_ptr failure;
     bool obeys = true;
+    /// Called when a Space has been shown.
+    std::function<void()> onShown;
 
 private:
     ScriptedProvider& provider_;

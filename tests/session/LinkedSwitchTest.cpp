@@ -1,4 +1,5 @@
 #include "app/AppState.h"
+#include "core/names/DisplayLink.h"
 #include "tests/session/IpcFixture.h"
 #include "tests/support/MemoryDefaultsStore.h"
 
@@ -122,6 +123,30 @@ TEST_F(LinkedSwitchTest, AScreenThatRefusesStopsNoOther) {
     state->switchTo(named("Mail"));
     EXPECT_TRUE(at.runUntil([&] { return focusedWorkspace() == "3: Mail"; })) << focusedWorkspace();
     EXPECT_EQ(notices.size(), 1u) << notices.back();
+}
+
+TEST_F(LinkedSwitchTest, ALinkOutlivesItsBeingOffButNotItsScreen) {
+    linkAs("Mail", "3", "4"); // the one on R is empty, and has no name of its own
+    const std::string onR = state->catalog().linkedDesktop(named("Mail").key, "R")->spaceKey;
+    const auto isLinked = [&] { return DisplayLink::groupOf(*state->store().file(), onR).has_value(); };
+    settings.displayLinkMode.set(DisplayLinkMode::independent);
+    show("R", "5");
+    show("R", "2");
+    EXPECT_TRUE(state->catalog().desktopOfSpace(onR)) << at.workspaces("R");
+    settings.displayLinkMode.set(DisplayLinkMode::linked);
+    EXPECT_EQ(state->catalog().linkedMembers(named("Mail").key).size(), 2u);
+
+    // A workspace with a window moves to the screen that is left, and its member with it.
+    show("R", "4: Mail");
+    at.x().openWindow("Letters");
+    at.x().unplug("R");
+    ASSERT_TRUE(at.runUntil([&] { return state->catalog().displays->size() == 1; }));
+    EXPECT_TRUE(state->catalog().desktopOfSpace(onR)) << at.workspaces("L");
+    EXPECT_TRUE(isLinked()) << "it may be back in a moment";
+    EXPECT_TRUE(at.runUntil([&] { return !isLinked(); }));
+    at.x().plug("R");
+    ASSERT_TRUE(at.runUntil([&] { return state->catalog().displays->size() == 2; }));
+    EXPECT_TRUE(state->catalog().desktopOfSpace(onR));
 }
 
 } // namespace
