@@ -12,8 +12,6 @@ namespace lumnara {
 
 namespace {
 
-/// How long after one display of a link group the next may arrive.
-constexpr double arrivalSeconds = 1.0;
 constexpr double unsettledNoticeSeconds = 2.2;
 
 const Desktop* desktopOn(const DisplayDesktops& display, const SpaceID& space) {
@@ -29,9 +27,8 @@ SwitchOverlayController::SwitchOverlayController(const Session& session, Overlay
     : session_(session),
       makeSurface_(std::move(makeSurface)),
       mayShow_(std::move(mayShow)) {
-    subscriptions_.push_back(
-        session_.switched.subscribe([this](const Desktop& desktop) { announce(desktop); }));
-    subscriptions_.push_back(session_.catalog.displays.subscribe([this](const auto&) { followArrival(); }));
+    follow();
+    subscriptions_.push_back(session_.catalog.displays.subscribe([this](const auto&) { follow(); }));
     subscriptions_.push_back(session_.settings.switchOverlay.subscribe([this](bool isOn) {
         if (!isOn) hideAll();
     }));
@@ -44,29 +41,18 @@ void SwitchOverlayController::giveWay() {
         if (panel->end && !mayShow_(panel->screen)) hide(*panel);
 }
 
-void SwitchOverlayController::announce(const Desktop& desktop) {
-    if (desktop.isLinked()) {
-        arrival_ = Arrival{desktop.key, {}, nullptr};
-        return followArrival();
-    }
-    const DisplayDesktops* shown = session_.catalog.display(desktop.display.uuid);
-    const Desktop* current = shown ? shown->current() : nullptr;
-    // Who was told before may have had the layout read anew.
-    if (current && current->key == desktop.key) showCard(*shown, *current);
-}
-
-/// The members of a link group come to the front one after the other, seen by one reading or by several, and
-/// only the first of them is announced.
-void SwitchOverlayController::followArrival() {
-    if (!arrival_) return;
+/// A display that has just appeared has changed to nothing.
+void SwitchOverlayController::follow() {
+    std::map<std::string, std::string> before = std::exchange(shown_, {});
     for (const DisplayDesktops& shown : session_.catalog.displays.get()) {
+        const auto earlier = before.find(shown.display.uuid);
         const Desktop* current = shown.current();
-        if (!current || current->key != arrival_->key) continue;
-        if (std::ranges::find(arrival_->arrived, shown.display) != arrival_->arrived.end()) continue;
-        arrival_->arrived.push_back(shown.display);
-        arrival_->end =
-            std::make_unique<async::Delayed>(session_.loop, arrivalSeconds, [this] { arrival_.reset(); });
-        showCard(shown, *current);
+        if (!current) {
+            if (earlier != before.end()) shown_.insert(std::move(*earlier));
+            continue;
+        }
+        shown_[shown.display.uuid] = current->spaceKey;
+        if (earlier != before.end() && earlier->second != current->spaceKey) showCard(shown, *current);
     }
 }
 
@@ -90,7 +76,6 @@ void SwitchOverlayController::hide(Panel& panel) {
 }
 
 void SwitchOverlayController::hideAll() {
-    arrival_.reset();
     for (const auto& panel : panels_) hide(*panel);
 }
 
@@ -117,7 +102,7 @@ SwitchOverlayController::Panel& SwitchOverlayController::panelOn(const ScreenInf
     return **known;
 }
 
-/// In one notice, since a later one would take the place of the first.
+/// In one notice: it is one thing that happened.
 void SwitchOverlayController::reportUnsettled(const std::vector<SwitchSettle::Entry>& entries) {
     std::string text;
     for (const SwitchSettle::Entry& entry : SwitchSettle::unsettled(entries)) {

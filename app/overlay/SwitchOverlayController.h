@@ -11,6 +11,7 @@
 #include "core/switching/SwitchSettle.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,7 +20,8 @@
 namespace lumnara {
 
 /// When a display changes to another desktop, puts a card with that desktop's name on its screen for a
-/// moment; for a link group on the screens of all its members. Main thread.
+/// moment. A link group is announced once and moves several displays; each that moved has its card, and none
+/// that stayed. Main thread.
 class SwitchOverlayController {
 public:
     using SettledSignal = async::Signal<const Desktop&, const std::vector<SwitchSettle::Entry>&>;
@@ -31,8 +33,6 @@ public:
         AppSettings& settings;
         Screens* screens; ///< null where the session tells of none
         Notices& notices;
-        /// A display shows another desktop; told once for a whole link group.
-        async::Signal<const Desktop&>& switched;
         /// Where the displays of a link group stand some time after it was switched.
         SettledSignal& settled;
     };
@@ -56,15 +56,8 @@ private:
         /// Takes the card down; null while it isn't up.
         std::unique_ptr<async::Delayed> end;
     };
-    /// A link group that is being brought to the front, one display after the other.
-    struct Arrival {
-        std::string key;
-        std::vector<DisplayID> arrived;
-        std::unique_ptr<async::Delayed> end;
-    };
 
-    void announce(const Desktop& desktop);
-    void followArrival();
+    void follow();
     void showCard(const DisplayDesktops& shown, const Desktop& current);
     void hide(Panel& panel);
     void hideAll();
@@ -77,7 +70,8 @@ private:
     OverlaySurfaceFactory makeSurface_;
     std::function<bool(const ScreenInfo&)> mayShow_;
     std::vector<std::unique_ptr<Panel>> panels_;
-    std::optional<Arrival> arrival_;
+    /// By display: the Space key of the desktop that it last showed.
+    std::map<std::string, std::string> shown_;
     std::vector<async::Subscription> subscriptions_;
 };
 

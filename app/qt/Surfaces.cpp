@@ -16,7 +16,7 @@ Surfaces::Surfaces(AppState& state, std::function<bool()> isComposited)
       notice_(state.loop()),
       overlay_(
           {state.loop(), state.catalog(), state.settings(), state.platform().screens.get(), state.notices(),
-           state.onDesktopSwitched, state.linkedSwitching().onSettled},
+           state.linkedSwitching().onSettled},
           [] { return std::make_unique<OverlayWindow>(); },
           // Where the compositor places windows, there is no card: it would be tiled like any other.
           [this](const ScreenInfo& screen) { return placesOwnWindows() && !board_.covers(screen); }) {

@@ -33,7 +33,7 @@ struct Overlay {
         : session(std::move(displays)),
           controller(
               {session.loop, session.start().catalog(), settings, session.screens, session.state().notices(),
-               session.state().onDesktopSwitched, settled},
+               settled},
               [this] { return std::make_unique<RecordingCard>(shown); },
               [this](const ScreenInfo& screen) { return !covered.contains(screen.uuid); }) {}
 
@@ -140,54 +140,34 @@ TEST(SwitchOverlayController, standsUnderThePointerInASharedArrangement) {
     EXPECT_EQ(overlay.take(), Texts{"L: nothing"}) << "nobody knows where the user is";
 }
 
-/// Three displays, the second desktops of which are linked.
-struct LinkedOverlay : Overlay {
-    LinkedOverlay() : Overlay({displayOf("A", 3, 1), displayOf("B", 2, 11), displayOf("C", 2, 21)}) {
-        auto displays = session.catalog().displays.get();
-        for (DisplayDesktops& display : displays) display.desktops[1].key = link;
-        session.catalog().displays.set(displays);
-    }
+TEST(SwitchOverlayController, tellsOfEachScreenThatALinkGroupMoved) {
+    Overlay overlay({displayOf("A", 3, 1), displayOf("B", 2, 11), displayOf("C", 2, 21)});
+    DesktopCatalog& catalog = overlay.session.catalog();
+    catalog.setLinkMode(DisplayLinkMode::linked);
+    catalog.rename("A-2", "Mail");
+    catalog.link("A-2", "B-2");
+    const std::string onA = "A: Mail of Monitor A, linked";
+    const std::string onB = "B: Mail of Monitor B, linked";
+    overlay.session.provider->show(SpaceID{2});
+    overlay.session.provider->show(SpaceID{12});
+    overlay.session.tell();
+    EXPECT_EQ(overlay.during(2), (Texts{onA, onB, "A: nothing", "B: nothing"})) << "in one reading";
 
-    /// A reading that finds these displays, by number, on that desktop.
-    void arrive(const std::vector<std::size_t>& arrived, std::size_t place = 1) {
-        auto displays = session.catalog().displays.get();
-        for (const std::size_t display : arrived)
-            for (std::size_t i = 0; i < displays[display].desktops.size(); ++i)
-                displays[display].desktops[i].isCurrent = i == place;
-        session.catalog().displays.set(displays);
-    }
-    void announce(std::size_t display) {
-        session.state().onDesktopSwitched.emit(*session.catalog().displays->at(display).current());
-    }
+    overlay.session.userShows(1);
+    overlay.session.userShows(11);
+    overlay.during(2);
+    overlay.session.userShows(12);
+    EXPECT_EQ(overlay.during(1.5), (Texts{onB, "B: nothing"}));
+    overlay.session.userShows(2);
+    EXPECT_EQ(overlay.during(2), (Texts{onA, "A: nothing"})) << "late, and the other stood there already";
 
-    static constexpr const char* link = "link:AB12CD34";
-};
-
-TEST(SwitchOverlayController, followsALinkGroupToItsDisplays) {
-    const std::string onA = "A: Desktop 2 of Monitor A, linked";
-    const std::string onB = "B: Desktop 2 of Monitor B, linked";
-    const std::string onC = "C: Desktop 2 of Monitor C, linked";
-    LinkedOverlay overlay;
-    overlay.arrive({0, 1});
-    overlay.announce(0);
-    EXPECT_EQ(overlay.during(0.7), (Texts{onA, onB})) << "both in one reading, announced once";
-    overlay.arrive({2});
-    EXPECT_EQ(overlay.during(0.2), Texts{onC}) << "it landed later, unannounced";
-    EXPECT_EQ(overlay.during(0.2), (Texts{"A: nothing", "B: nothing"})) << "their time didn't start anew";
-    EXPECT_EQ(overlay.during(9), Texts{"C: nothing"});
-
-    LinkedOverlay late;
-    late.arrive({1});
-    late.announce(1);
-    EXPECT_EQ(late.during(2), (Texts{onB, "B: nothing"}));
-    late.arrive({2});
-    EXPECT_EQ(late.take(), Texts{}) << "that is no part of the switch any more";
-    late.arrive({0});
-    late.announce(0);
-    EXPECT_EQ(late.take(), (Texts{onA, onB, onC})) << "all that show it";
-    late.arrive({0}, 2);
-    late.announce(0);
-    EXPECT_EQ(late.take(), Texts{"A: Desktop 3 of Monitor A"});
+    // An edit changes what a desktop is called or belongs to, and not what a display shows.
+    catalog.link("C-1", "A-2");
+    catalog.rename("C-1", "Post");
+    overlay.session.tell();
+    overlay.session.provider->current.displays.pop_back();
+    overlay.session.tell();
+    EXPECT_EQ(overlay.during(2), Texts{});
 }
 
 TEST(SwitchOverlayController, tellsWhichDisplaysDidNotStay) {
