@@ -18,6 +18,9 @@ struct Notice {
 /// How long a sentence about something that did not work stays on screen.
 inline constexpr double failureNoticeSeconds = 6.0;
 
+/// What is told at the start is read among much else, and may hold a path.
+inline constexpr double startNoticeSeconds = 15.0;
+
 /// The one place that shows a notice. Main thread.
 class Notices {
 public:

@@ -113,7 +113,7 @@ int run(int& count, char** arguments) {
     AppState state(loop, settings, platform,
                    std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens),
                    folders.data);
-    if (const auto& error = defaults.loadError()) state.notices().show(error->sentence());
+    if (const auto& error = defaults.loadError()) state.notices().show(error->sentence(), startNoticeSeconds);
     Surfaces surfaces(state);
     surfaces.onQuit = [] { QApplication::quit(); };
     const TerminationSignals signals(loop, [] { QApplication::quit(); });

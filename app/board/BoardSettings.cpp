@@ -1,8 +1,15 @@
 #include "app/board/BoardSettings.h"
 
 #include "app/AppSettings.h"
+#include "core/text/Text.h"
 
 namespace lumnara {
+
+BoardSettings::Appearance BoardSettings::boardAppearance(std::string_view displayKey) const {
+    for (const auto& [display, own] : boardPerDisplay)
+        if (text::equalsIgnoringCase(display, displayKey)) return own;
+    return {boardTileWidth, boardNameSize};
+}
 
 BoardSettings boardSettings(const AppSettings& settings) {
     BoardSettings board{

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 
 namespace lumnara {
 
@@ -17,16 +18,13 @@ struct BoardSettings {
     double boardTileWidth = 196;
     double boardNameSize = 18;
     bool boardOnEveryDisplay = true;
-    /// By display key, as SpaceSnapshot::presentationDisplay gives it.
+    /// By display key, as SpaceSnapshot::presentationDisplay gives it, in any case.
     std::map<std::string, Appearance> boardPerDisplay;
 
     bool operator==(const BoardSettings&) const = default;
 
     /// The display's own appearance, or the general one.
-    Appearance boardAppearance(const std::string& displayKey) const {
-        const auto own = boardPerDisplay.find(displayKey);
-        return own != boardPerDisplay.end() ? own->second : Appearance{boardTileWidth, boardNameSize};
-    }
+    Appearance boardAppearance(std::string_view displayKey) const;
 };
 
 class AppSettings;

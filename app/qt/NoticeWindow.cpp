@@ -21,6 +21,8 @@ constexpr double textSize = 15;
 /// How far the notice stands from the bottom, as a part of the screen's height.
 constexpr double bottomPart = 0.09;
 constexpr int mostLines = 5;
+constexpr std::size_t mostParagraphs = 4;
+constexpr int paragraphGap = 19;
 
 QFont noticeFont() { return interfaceFont(textSize, QFont::Medium); }
 
@@ -31,30 +33,55 @@ NoticeWindow::NoticeWindow(async::Loop& loop)
       loop_(loop) {}
 
 void NoticeWindow::showNotice(const Notice& notice) {
-    text_ = QString::fromStdString(notice.text);
-    putUp(place());
-    end_ = std::make_unique<async::Delayed>(loop_, notice.seconds, [this] { hide(); });
+    const QString text = QString::fromStdString(notice.text);
+    std::erase_if(paragraphs_, [&](const auto& shown) { return shown->text == text; });
+    if (paragraphs_.size() == mostParagraphs) paragraphs_.erase(paragraphs_.begin());
+    auto added = std::make_unique<Paragraph>(Paragraph{text, {}, nullptr});
+    added->end = std::make_unique<async::Delayed>(loop_, notice.seconds,
+                                                  [this, ended = added.get()] { remove(*ended); });
+    paragraphs_.push_back(std::move(added));
+    layOut();
 }
 
-QRect NoticeWindow::place() const {
+void NoticeWindow::remove(const Paragraph& ended) {
+    std::erase_if(paragraphs_, [&](const auto& shown) { return shown.get() == &ended; });
+    if (paragraphs_.empty())
+        hide();
+    else
+        layOut();
+}
+
+void NoticeWindow::layOut() {
     const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
     if (!screen) screen = QGuiApplication::primaryScreen();
     const QRect area = screen->geometry();
     const double room = std::min(mostTextWidth, area.width() - 2 * sidePadding - 32);
-    const QSize size =
-        fittedSize(text_, noticeFont(), room, mostLines).toSize() + QSize(2 * sidePadding, 2 * heightPadding);
-    return QRect({area.center().x() - size.width() / 2,
-                  area.bottom() - static_cast<int>(area.height() * bottomPart) - size.height()},
-                 size);
+    QSize size(0, -paragraphGap);
+    for (const auto& paragraph : paragraphs_) {
+        paragraph->size = fittedSize(paragraph->text, noticeFont(), room, mostLines).toSize();
+        size = {std::max(size.width(), paragraph->size.width()),
+                size.height() + paragraphGap + paragraph->size.height()};
+    }
+    size += QSize(2 * sidePadding, 2 * heightPadding);
+    putUp(QRect({area.center().x() - size.width() / 2,
+                 area.bottom() - static_cast<int>(area.height() * bottomPart) - size.height()},
+                size));
 }
 
 void NoticeWindow::paintEvent(QPaintEvent*) {
     const Theme& theme = Theme::of(sessionAppearance());
     QPainter painter(this);
     drawGround(painter, theme);
-    painter.setPen(theme.text);
-    drawFitted(painter, rect().adjusted(sidePadding, heightPadding, -sidePadding, -heightPadding), text_,
-               noticeFont(), mostLines);
+    QRect box = rect().adjusted(sidePadding, heightPadding, -sidePadding, 0);
+    for (const auto& paragraph : paragraphs_) {
+        box.setHeight(paragraph->size.height());
+        painter.setPen(theme.text);
+        drawFitted(painter, box, paragraph->text, noticeFont(), mostLines);
+        if (paragraph != paragraphs_.back())
+            painter.fillRect(QRect(box.left(), box.bottom() + paragraphGap / 2, box.width(), 1),
+                             theme.hairline);
+        box.translate(0, box.height() + paragraphGap);
+    }
 }
 
 } // namespace lumnara

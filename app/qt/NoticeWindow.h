@@ -5,10 +5,11 @@
 #include "core/async/Timer.h"
 
 #include <memory>
+#include <vector>
 
 namespace lumnara {
 
-/// Shows a notice near the bottom of the screen under the pointer. A later notice replaces an earlier one.
+/// Shows notices near the bottom of the screen under the pointer, the latest last, each for its time.
 class NoticeWindow final : public FloatingCard {
 public:
     explicit NoticeWindow(async::Loop& loop);
@@ -19,11 +20,17 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QRect place() const;
+    struct Paragraph {
+        QString text;
+        QSize size;
+        std::unique_ptr<async::Delayed> end;
+    };
+
+    void remove(const Paragraph& ended);
+    void layOut();
 
     async::Loop& loop_;
-    QString text_;
-    std::unique_ptr<async::Delayed> end_;
+    std::vector<std::unique_ptr<Paragraph>> paragraphs_;
 };
 
 } // namespace lumnara

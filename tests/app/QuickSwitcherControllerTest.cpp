@@ -446,7 +446,7 @@ TEST(QuickSwitcherController, theMenuOfATileDoesWhatItSays) {
     board.session.settings.displayLinkMode.set(DisplayLinkMode::independent);
     a.model.cancelRename();
     a.press(KeyCode::contextMenu);
-    EXPECT_EQ(titles(), (Texts{"Rename…", "Dim", "", "Link Displays"}));
+    EXPECT_EQ(titles(), (Texts{"Rename…", "Stop Dimming", "", "Link Displays"}));
     a.onMenuChosen(a.menu[3]);
     EXPECT_TRUE(a.model.linksAcross());
 }

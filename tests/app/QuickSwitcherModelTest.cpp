@@ -64,7 +64,7 @@ TEST(QuickSwitcherModel, countsTheColumnsThatFit) {
     }
 
     BoardSettings own;
-    own.boardPerDisplay["A"] = {500, 30};
+    own.boardPerDisplay["a"] = {500, 30};
     OpenModel open({displayOf("A", 4, 1)}, own, 1280);
     EXPECT_EQ(open.model.gridColumns(), 2);
     EXPECT_EQ(open.model.appearance().nameSize, 30);

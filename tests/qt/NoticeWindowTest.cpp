@@ -8,19 +8,29 @@
 namespace lumnara {
 namespace {
 
-TEST(NoticeWindow, showsTheLatestNoticeForItsTime) {
+TEST(NoticeWindow, showsEachNoticeForItsTime) {
     async::TestLoop loop;
     NoticeWindow window(loop);
     window.showNotice({"Short", 6});
     EXPECT_TRUE(window.isVisible());
-    const QSize small = window.size();
+    const int one = window.height();
     loop.advance(4);
-    window.showNotice(
-        {std::string(4000, 'w') + " and a great many words after it that have to go somewhere", 5});
-    EXPECT_GT(window.height(), small.height());
-    loop.advance(4); // the first one's time is over
-    EXPECT_TRUE(window.isVisible());
-    loop.advance(1.1);
+    window.showNotice({"Another", 5});
+    const int two = window.height();
+    EXPECT_GT(two, one) << "none takes the place of another";
+    window.showNotice({"Another", 5});
+    EXPECT_EQ(window.height(), two) << "the same again";
+    const QString folder = qEnvironmentVariable("LUMNARA_PICTURES");
+    if (!folder.isEmpty()) EXPECT_TRUE(window.grab().save(folder + "/notices.png"));
+    loop.advance(3); // the first one's time is over
+    EXPECT_EQ(window.height(), one);
+    loop.advance(2.1);
+    EXPECT_FALSE(window.isVisible());
+
+    for (int i = 0; i < 30; ++i)
+        window.showNotice({std::to_string(i) + std::string(4000, 'w') + " and a great many words", 5});
+    EXPECT_LT(window.height(), window.screen()->geometry().height() * 0.9);
+    loop.advance(5.1);
     EXPECT_FALSE(window.isVisible());
 }
 
