@@ -332,6 +332,19 @@ TEST_F(WorkspaceRegistryTest, MovesADamagedFileAside) {
     }
 }
 
+TEST_F(WorkspaceRegistryTest, LeavesAFileThatCantBeReadAsItIs) {
+    registry.reset();
+    std::filesystem::remove(file);
+    std::filesystem::create_directory(file);
+    open();
+    registry->reconcile({{"L", {{1, "1"}}}});
+    EXPECT_EQ(shown("L"), "1 ");
+    registry.reset();
+    EXPECT_TRUE(std::filesystem::is_directory(file));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
+    open();
+}
+
 TEST_F(WorkspaceRegistryTest, ForgetsTheOldestOfThoseWithoutARecord) {
     registry->reconcile({{"L", {{1, "kept"}, {2, "first"}}}});
     const std::string kept = uuid("kept");

@@ -68,18 +68,25 @@ std::vector<RegisteredDesktop> decode(const std::string& contents) {
 
 } // namespace
 
-std::vector<RegisteredDesktop> readWorkspaceFile(const std::filesystem::path& file, Date now) {
-    std::error_code error;
-    if (!std::filesystem::exists(file, error)) return {};
+std::optional<std::vector<RegisteredDesktop>> readWorkspaceFile(const std::filesystem::path& file, Date now) {
+    const std::vector<RegisteredDesktop> none;
+    std::string contents;
     try {
-        return decode(readFile(file));
+        if (!std::filesystem::exists(file)) return none;
+        contents = readFile(file);
+    } catch (const std::system_error& failure) {
+        log("Lumnara workspaces: " + file.string() + " is left as it is: " + failure.what());
+        return std::nullopt;
+    }
+    try {
+        return decode(contents);
     } catch (const std::exception& damage) {
         try {
             log("Lumnara workspaces: moved aside to " + moveAside(file, now).string() + ": " + damage.what());
         } catch (const std::system_error& failure) {
             log("Lumnara workspaces: " + file.string() + " can't be used nor moved aside: " + failure.what());
         }
-        return {};
+        return none;
     }
 }
 

@@ -4,6 +4,7 @@
 #include "core/platform/wmipc/RegisteredDesktop.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,9 +13,9 @@ namespace lumnara {
 // The registry's file, "workspaces.json": {"schemaVersion": 1, "desktops": [...]}, the desktops display by
 // display in the order of their places.
 
-/// The desktops of a file, without ids; none when there is no file. A damaged one is moved aside, and there
-/// are none.
-std::vector<RegisteredDesktop> readWorkspaceFile(const std::filesystem::path& file, Date now);
+/// The desktops of a file, without ids; an empty list when there is no file. A damaged one is moved aside,
+/// and the list is empty. Nothing for one that can't be read: it may be whole, and must not be written over.
+std::optional<std::vector<RegisteredDesktop>> readWorkspaceFile(const std::filesystem::path& file, Date now);
 
 std::string encodeWorkspaceFile(const std::vector<RegisteredDesktop>& desktops);
 

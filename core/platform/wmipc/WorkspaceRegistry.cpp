@@ -58,8 +58,11 @@ void insertAbsent(std::vector<const RegisteredDesktop*>& placed, const Registere
 
 WorkspaceRegistry::WorkspaceRegistry(async::Loop& loop, std::filesystem::path file)
     : loop_(loop),
-      file_(std::move(file)),
-      desktops_(readWorkspaceFile(file_, loop.date())) {
+      file_(std::move(file)) {
+    if (auto read = readWorkspaceFile(file_, loop.date()))
+        desktops_ = *std::move(read);
+    else
+        keepsFile_ = true;
     for (RegisteredDesktop& desktop : desktops_) {
         desktop.id = mintID(desktop.uuid);
         reading_ = std::max(reading_, desktop.lastSeen);
@@ -342,6 +345,7 @@ RegisteredDesktop* WorkspaceRegistry::at(std::int64_t handle) {
 }
 
 void WorkspaceRegistry::changed() {
+    if (keepsFile_) return;
     if (saving_ && saving_->pending()) return;
     saving_ = std::make_unique<async::Delayed>(loop_, saveDelay, [this] { save(); });
 }

@@ -103,6 +103,8 @@ private:
 
     async::Loop& loop_;
     std::filesystem::path file_;
+    /// The file could not be read, and nothing is written over it.
+    bool keepsFile_ = false;
     /// Display by display in the order of their places.
     std::vector<RegisteredDesktop> desktops_;
     /// The displays of the last reading.
