@@ -6,7 +6,9 @@ namespace lumnara {
 
 namespace {
 
+/// So many corrections on each other's heels are a quarrel.
 constexpr int mostCorrections = 5;
+constexpr double peaceSeconds = 5;
 
 } // namespace
 
@@ -32,6 +34,11 @@ void EwmhNamePublisher::publish(const std::vector<PublishedDesktop>& desktops) {
 void EwmhNamePublisher::noteChange(xcb_atom_t property) {
     const auto& atoms = connection_->atoms();
     if (property == atoms.netSupportingWmCheck) corrections_ = 0;
+    if (property == atoms.netDesktopNames) {
+        const async::Nanos now = connection_->loop().now();
+        if (async::secondsOf(now - lastWritten_) > peaceSeconds) corrections_ = 0;
+        lastWritten_ = now;
+    }
     stale_ |= property == atoms.netSupportingWmCheck || property == atoms.netDesktopNames ||
               property == atoms.netNumberOfDesktops;
 }

@@ -9,8 +9,8 @@
 namespace lumnara {
 
 /// Keeps the user's names in _NET_DESKTOP_NAMES. A window manager writes its own names there when it
-/// starts, so names that are replaced by others are set again, a few times for each window manager and
-/// list of names: one that insists has its way.
+/// starts, so names that are replaced by others are set again, but only a few times in a row: one that
+/// insists has its way until it has been quiet for a while.
 class EwmhNamePublisher : public DesktopNamePublisher {
 public:
     EwmhNamePublisher(std::shared_ptr<X11Connection> connection, std::shared_ptr<EwmhDesktops> desktops);
@@ -26,6 +26,7 @@ private:
     std::map<std::string, std::string> wanted_;
     bool stale_ = false;
     int corrections_ = 0;
+    async::Nanos lastWritten_{};
     async::Subscription propertyChanged_;
     async::Subscription batchEnded_;
 };
