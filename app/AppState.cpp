@@ -13,6 +13,10 @@
 
 namespace lumnara {
 
+// The order of the members is that of their making, and each may use those before it. What is still to come
+// has its place in it: what watches grants and idleness before the store; notes, automations and the tracking
+// of time between the catalog and the switcher; the heartbeat and the start of the idle monitor behind the
+// observing.
 AppState::AppState(async::Loop& loop, AppSettings& settings, Platform& platform,
                    std::unique_ptr<SpaceProvider> provider, const std::filesystem::path& dataFolder)
     : loop_(loop),
@@ -81,6 +85,8 @@ void AppState::reportStart() {
 }
 
 /// The order is a promise: each step may rely on what the ones before it have learnt of the reading.
+/// Automations will hear of the current keys before the announcement, and a sample of the time is taken
+/// behind it.
 void AppState::handleRefresh(const SpaceSnapshot& snapshot) {
     switcher_.observe(snapshot);
     publishNames();

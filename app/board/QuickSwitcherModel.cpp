@@ -135,12 +135,16 @@ void QuickSwitcherModel::collectTiles() {
         candidates_ = std::move(now);
         index_ = MatchIndex(candidates_);
     }
-    context_ = MatchContext();
-    context_.mode = MatchContext::Mode::filter;
+}
+
+MatchContext QuickSwitcherModel::matchContext() const {
+    MatchContext context;
+    context.mode = MatchContext::Mode::filter;
     // Among the desktops of one display its rank decides nothing, and the answers may take a while.
-    if (scope_) return;
-    context_.cursorDisplay = catalog_.provider().cursorDisplay();
-    context_.menuBarDisplay = catalog_.provider().menuBarDisplay();
+    if (scope_) return context;
+    context.cursorDisplay = catalog_.provider().cursorDisplay();
+    context.menuBarDisplay = catalog_.provider().menuBarDisplay();
+    return context;
 }
 
 void QuickSwitcherModel::applyQuery() {
@@ -148,7 +152,7 @@ void QuickSwitcherModel::applyQuery() {
     if (query_.empty()) {
         for (const Desktop& tile : tiles_) results_.push_back(&tile);
     } else {
-        for (const MatchIndex::Hit& hit : FuzzyMatcher::filter(query_, index_, context_))
+        for (const MatchIndex::Hit& hit : FuzzyMatcher::filter(query_, index_, matchContext()))
             results_.push_back(&tiles_[hit.position]);
     }
     if (!selectedKey_ || !isListed(*selectedKey_)) selectAt(0);

@@ -129,6 +129,7 @@ private:
     };
 
     void collectTiles();
+    MatchContext matchContext() const;
     void applyQuery();
     void updateGridColumns();
     std::optional<std::size_t> position(const std::string& key) const;
@@ -146,7 +147,6 @@ private:
     std::vector<Desktop> tiles_;
     std::vector<Candidate> candidates_;
     MatchIndex index_;
-    MatchContext context_;
     std::vector<const Desktop*> results_;
     std::string query_;
     std::optional<std::string> selectedKey_;

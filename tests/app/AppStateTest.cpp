@@ -56,14 +56,21 @@ TEST(AppState, announcesAChangeOnceAndOnlyAChange) {
 
 TEST(AppState, aChangePassesItsStationsInOrder) {
     ScriptedSession session(twoDisplays());
+    session.settings.displayLinkMode.set(DisplayLinkMode::linked);
     session.start();
     session.catalog().rename("A-2", "Mail");
+    session.catalog().rename("B-1", "Chat");
+    session.catalog().link("A-3", "B-2");
     Texts stations;
     const int readBefore = session.provider->readings;
     const std::size_t publishedBefore = session.publisher->published.size();
     const auto displays = session.catalog().displays.subscribe([&](const auto&) {
         stations.push_back(session.provider->readings == readBefore + 1 ? "read, displays" : "displays");
     });
+    const auto links = session.catalog().activeLinkCount.subscribe(
+        [&](int count) { stations.push_back("links " + std::to_string(count)); });
+    const auto orphans = session.catalog().orphans.subscribe(
+        [&](const auto& gone) { stations.push_back("orphans " + std::to_string(gone.size())); });
     const auto switched = session.state().onDesktopSwitched.subscribe([&](const Desktop& desktop) {
         const bool isTold = session.publisher->published.size() > publishedBefore;
         const bool isHistory = session.state().switcher().history.previous("A") == "A-1";
@@ -72,8 +79,10 @@ TEST(AppState, aChangePassesItsStationsInOrder) {
     });
     const auto current = session.state().onCurrentDesktopChanged.subscribe(
         [&](const std::optional<Desktop>& desktop) { stations.push_back("on " + desktop->displayName()); });
+    session.provider->current.displays.pop_back();
     session.userShows(2);
-    EXPECT_EQ(stations, (Texts{"read, displays", "history, names, to Mail", "on Mail"}));
+    EXPECT_EQ(stations,
+              (Texts{"read, displays", "links 0", "orphans 1", "history, names, to Mail", "on Mail"}));
 }
 
 TEST(AppState, aLinkGroupIsAnnouncedOnceHoweverItArrives) {
