@@ -2,15 +2,16 @@
 
 #include "tests/support/LogLines.h"
 #include "tests/support/MemoryDefaultsStore.h"
+#include "tests/support/ScriptedLoginItem.h"
 
 #include <gtest/gtest.h>
-#include <stdexcept>
 #include <vector>
 
 namespace lumnara {
 namespace {
 
 using testing::MemoryDefaultsStore;
+using testing::ScriptedLoginItem;
 using BoardAppearance = AppSettings::BoardAppearance;
 
 TEST(AppSettings, WritesItsDefaultsUnderTheKeysAndTypesOfTheFile) {
@@ -161,17 +162,6 @@ TEST(AppSettings, ADisplayFollowsTheGeneralAppearanceUntilItHasItsOwn) {
         EXPECT_TRUE(later.boardPerDisplay->empty()) << damaged;
     }
 }
-
-class ScriptedLoginItem : public LoginItem {
-public:
-    bool isRegistered() const override { return registered; }
-    void setRegistered(bool wanted) override {
-        if (refuses) throw std::runtime_error("the disk is full");
-        registered = wanted;
-    }
-    bool registered = false;
-    bool refuses = false;
-};
 
 TEST(AppSettings, LaunchAtLoginTellsTheTrueState) {
     MemoryDefaultsStore defaults;

@@ -3,6 +3,7 @@
 #include "app/board/BoardSettings.h"
 #include "tests/qt/Pictures.h"
 #include "tests/support/MemoryDefaultsStore.h"
+#include "tests/support/ScriptedLoginItem.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -10,21 +11,9 @@
 #include <QLabel>
 #include <QSlider>
 #include <gtest/gtest.h>
-#include <stdexcept>
 
 namespace lumnara::testing {
 namespace {
-
-class SwitchedLoginItem : public LoginItem {
-public:
-    bool isRegistered() const override { return registered; }
-    void setRegistered(bool wanted) override {
-        if (refuses) throw std::runtime_error("the disk is full");
-        registered = wanted;
-    }
-    bool registered = false;
-    bool refuses = false;
-};
 
 class SettingsWindowTest : public ::testing::Test {
 protected:
@@ -36,7 +25,7 @@ protected:
     }
 
     MemoryDefaultsStore defaults;
-    SwitchedLoginItem loginItem;
+    ScriptedLoginItem loginItem;
     AppSettings settings{defaults, &loginItem};
     SettingsWindow window{settings};
 };
