@@ -43,12 +43,15 @@ public:
         jump("L", 300, "ml", {"L", "1: Mail"});
         restartProgram();
         jump("R", 1600, "notes", {"R", "4: Release notes"});
+        jump("L", 300, "wr", {"L", "3: Writing"});
+        linkFirstTiles("Mail");
+        jumpOnBoth("ml", {{"L", "1: Mail"}, {"R", "2: Mail"}});
         stopProgram();
         std::printf("\nEvery step showed its target. The pictures are in %s.\n", pictures_.c_str());
     }
 
 private:
-    static constexpr const char* bar = "bar {\n    status_command true\n    tray_output L\n}\n";
+    static constexpr const char* bar = "bar {\n    tray_output L\n}\n";
 
     void openWindows() {
         const std::vector<Target> desktops = {{"L", "1"}, {"L", "3"}, {"R", "2"}, {"R", "4"}};
@@ -128,6 +131,38 @@ private:
                    "\" and Return on " + monitor,
                milliseconds(start));
         picture("on " + target.workspace.substr(3));
+    }
+
+    /// Turns links on in the menu of a tile, and drags the first tile of L onto that of R, which takes its
+    /// name.
+    void linkFirstTiles(const std::string& name) {
+        constexpr int tileX = 300, tileY = 360;
+        openBoard(300);
+        session_.pressKey(XK_l, {XK_Super_L});
+        expect([this] { return logged("Lumnara menu tracking began") == 1; }, "the tile's menu is open");
+        picture("menu of a tile");
+        session_.pressKey(XK_Up);
+        session_.pressKey(XK_Return);
+        expect([this] { return logged("Lumnara menu tracking ended") == 1; }, "the menu is closed");
+        const auto start = Clock::now();
+        session_.drag(tileX, tileY, 1280 + tileX, tileY);
+        expect([&] { return workspaceOn("R", name); }, "R has the name " + name);
+        report("dragged \"" + name + "\" onto a desktop of R", milliseconds(start));
+        picture("linked " + name);
+        session_.pressKey(XK_Escape);
+        expect([this] { return session_.awaitFreeKeyboard(); }, "the Board is closed");
+    }
+
+    void jumpOnBoth(const std::string& letters, const std::vector<Target>& targets) {
+        openBoard(300);
+        type(letters);
+        const auto start = Clock::now();
+        session_.pressKey(XK_Return);
+        for (const Target& target : targets)
+            expect([&] { return visibleOn(target.monitor) == target.workspace; },
+                   target.monitor + " shows \"" + target.workspace + "\"");
+        report("typed \"" + letters + "\" and Return on L, both moved", milliseconds(start));
+        picture("on both");
     }
 
     void type(const std::string& text) {
