@@ -1,6 +1,7 @@
 #include "app/qt/NoticeWindow.h"
 
 #include "core/async/TestLoop.h"
+#include "tests/qt/Pictures.h"
 
 #include <QScreen>
 #include <gtest/gtest.h>
@@ -20,8 +21,7 @@ TEST(NoticeWindow, showsEachNoticeForItsTime) {
     EXPECT_GT(two, one) << "none takes the place of another";
     window.showNotice({"Another", 5});
     EXPECT_EQ(window.height(), two) << "the same again";
-    const QString folder = qEnvironmentVariable("LUMNARA_PICTURES");
-    if (!folder.isEmpty()) EXPECT_TRUE(window.grab().save(folder + "/notices.png"));
+    testing::savePicture(window, QStringLiteral("notices"));
     loop.advance(3); // the first one's time is over
     EXPECT_EQ(window.height(), one);
     loop.advance(2.1);
