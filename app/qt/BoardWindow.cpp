@@ -41,6 +41,7 @@ void BoardWindow::show(const ScreenInfo& info) {
     view_.setGeometry(screen->geometry());
     if (!placesOwnWindows()) {
         view_.showFullScreen();
+        windows_.shortcuts_.hold(*view_.windowHandle());
         if (!configureWatch_) configureWatch_ = drawingAtEachConfigure(view_);
         return;
     }
@@ -51,6 +52,7 @@ void BoardWindow::show(const ScreenInfo& info) {
 void BoardWindow::hide() {
     std::erase(windows_.shown_, this);
     windows_.keyboard_.release(view_);
+    if (view_.windowHandle()) windows_.shortcuts_.release(*view_.windowHandle());
     view_.closed();
     view_.hide();
 }

@@ -2,6 +2,7 @@
 
 #include "app/board/BoardSurface.h"
 #include "app/qt/KeyboardHold.h"
+#include "app/qt/ShortcutInhibitor.h"
 #include "core/async/Signal.h"
 
 #include <functional>
@@ -29,6 +30,8 @@ private:
     async::Loop& loop_;
     std::function<bool()> isComposited_;
     KeyboardHold keyboard_;
+    /// For every window, since the compositor may have the keyboard at another than we asked it to.
+    ShortcutInhibitor shortcuts_;
     std::vector<BoardWindow*> shown_;
 };
 

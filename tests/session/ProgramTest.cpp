@@ -1,3 +1,4 @@
+#include "tests/session/Program.h"
 #include "tests/session/Session.h"
 
 #include <X11/keysym.h>
@@ -5,50 +6,9 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 namespace lumnara::testing {
 namespace {
-
-/// The program as a user starts it, in a session under a window manager, driven by keys alone.
-class Program {
-public:
-    explicit Program(const Session& session) : session_(session) {}
-
-    void start() {
-        const int before = count("Lumnara: ready");
-        child_ = session_.start({LUMNARA_PROGRAM});
-        ASSERT_TRUE(waitUntil([&] { return count("Lumnara: ready") > before; })) << log();
-    }
-    int stop(int signal = SIGTERM) {
-        child_->send(signal);
-        return child_->waitForExit().value_or(-1);
-    }
-    bool running() const { return child_->running(); }
-
-    std::string log() const {
-        std::ifstream file(session_.folder() / "lumnara.log");
-        std::stringstream text;
-        text << file.rdbuf();
-        return text.str();
-    }
-    int count(const std::string& text) const {
-        const std::string all = log();
-        int found = 0;
-        for (std::size_t at = 0; (at = all.find(text, at)) != std::string::npos; at += text.size()) ++found;
-        return found;
-    }
-    /// desktops.json under the session's HOME, wherever the session has its data.
-    std::filesystem::path file(const std::string& name) const {
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(session_.folder()))
-            if (entry.path().filename() == name) return entry.path();
-        return {};
-    }
-
-private:
-    const Session& session_;
-    std::unique_ptr<Child> child_;
-};
 
 /// A place on the first tile of a monitor's Board.
 constexpr int tileX = 300;
@@ -165,53 +125,6 @@ TEST(Program, LinksDesktopsOnItsBoards) {
     ASSERT_TRUE(shows("1: Mail, 2")) << bothVisible(session) << program.log();
     session.pressKey(XK_Escape);
     EXPECT_TRUE(session.awaitFreeKeyboard());
-    EXPECT_EQ(program.stop(), 0);
-}
-
-TEST(Program, NamesADesktopOfSwayAndComesBackToIt) {
-    SwaySession session;
-    Program program(session);
-    program.start();
-    const auto type = [&session](std::vector<std::string> keys) {
-        // A keyboard that is new needs a moment until everybody listens to it.
-        keys.insert(keys.begin(), {"wtype", "-s", "300", "-d", "5"});
-        ASSERT_EQ(session.run(keys).status, 0);
-    };
-    const auto visible = [&session](const std::string& output) -> std::string {
-        for (const auto& workspace :
-             nlohmann::json::parse(session.run({"swaymsg", "-r", "-t", "get_workspaces"}).text))
-            if (workspace["output"] == output && workspace["visible"] == true) return workspace["name"];
-        return {};
-    };
-    /// The outputs on which a Board covers everything, and the one that has the keyboard.
-    const auto boards = [&session] {
-        std::string shown;
-        const auto tree = nlohmann::json::parse(session.run({"swaymsg", "-r", "-t", "get_tree"}).text);
-        for (const auto& output : tree["nodes"])
-            for (const auto& workspace : output["nodes"])
-                for (const auto& window : workspace["nodes"])
-                    if (window["fullscreen_mode"] == 1 && window["visible"] == true)
-                        shown += output["name"].get<std::string>() + (window["focused"] ? "* " : " ");
-        return shown;
-    };
-
-    const auto openBoards = [&] {
-        type({"-M", "alt", "-k", "1", "-m", "alt"});
-        EXPECT_TRUE(waitUntil([&] { return boards() == "HEADLESS-1* HEADLESS-2 "; })) << boards();
-    };
-
-    openBoards();
-    type({"-M", "logo", "-k", "Return", "-m", "logo", "Mail", "-k", "Return", "-k", "Escape"});
-    ASSERT_TRUE(waitUntil([&] { return visible("HEADLESS-1") == "1: Mail"; })) << program.log();
-    EXPECT_TRUE(waitUntil([&] { return boards().empty(); })) << boards();
-
-    session.command("workspace 5");
-    EXPECT_EQ(program.stop(), 0);
-    program.start();
-    openBoards();
-    type({"mai", "-k", "Return"});
-    EXPECT_TRUE(waitUntil([&] { return visible("HEADLESS-1") == "1: Mail"; })) << program.log();
-    EXPECT_EQ(visible("HEADLESS-2"), "2");
     EXPECT_EQ(program.stop(), 0);
 }
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds the layers: who may include whom, and who may touch Qt, X, JSON, the clock and threads.
+"""Holds the layers: who may include whom, and who may touch Qt, X, Wayland, JSON, the clock and threads.
 
 The rooms and what they use are read from CMakeLists.txt, so the build and this check can't disagree.
 Prints one line a violation, `file:line: what`, and exits with 1 when there is any.
@@ -18,6 +18,7 @@ TIME = re.compile(
 )
 MAY_TELL_TIME = ("core/async/", "app/qt/QtDriver", "bench/", "tests/", "fuzz/", "tools/")
 MAY_USE_QT = ("app/qt/", "app/main.cpp", "tests/qt/")
+MAY_USE_WAYLAND = ("app/qt/",)
 MAY_USE_XCB = ("core/platform/x11/", "tests/", "bench/", "tools/")
 
 
@@ -72,8 +73,10 @@ def check_file(path, found, allowed, report):
                 report(where + f"room {room} may not include room {other} ({target})")
             if production and target.startswith("tests/"):
                 report(where + "the product includes a test")
-            if re.match(r"Q[A-Z]|Qt[A-Z]", target) and not path.startswith(MAY_USE_QT):
+            if re.match(r"Q[A-Z]|Qt[A-Z]|qpa/", target) and not path.startswith(MAY_USE_QT):
                 report(where + "only the surfaces know Qt")
+            if re.search(r"^wayland-|-client-protocol\.h$", target) and not path.startswith(MAY_USE_WAYLAND):
+                report(where + "only the surfaces know Wayland")
             if re.match(r"xcb/|X11/", target) and not path.startswith(MAY_USE_XCB):
                 report(where + "only core/platform/x11 knows X")
             if "nlohmann/json.hpp" in target and path.startswith(("core/", "app/")) and path.endswith(".h"):
