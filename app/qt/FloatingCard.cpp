@@ -3,7 +3,10 @@
 #include "app/qt/Theme.h"
 
 #include <QBitmap>
+#include <QGuiApplication>
+#include <QImage>
 #include <QPainter>
+#include <QScreen>
 
 namespace lumnara {
 
@@ -17,12 +20,33 @@ FloatingCard::FloatingCard(const QString& title, double cornerRadius)
     setWindowTitle(title);
 }
 
+void FloatingCard::standOn(LayerShell& shell) {
+    layer_ = std::make_unique<LayerPicture>(shell);
+    setAttribute(Qt::WA_DontShowOnScreen);
+}
+
 void FloatingCard::putUp(const QRect& place) {
     setGeometry(place);
+    if (layer_) return putUpAsPicture(place);
     roundCorners(place.size());
     show();
     raise();
     update();
+}
+
+void FloatingCard::putUpAsPicture(const QRect& place) {
+    const QScreen* screen = QGuiApplication::screenAt(place.center());
+    if (!screen) screen = QGuiApplication::primaryScreen();
+    QImage picture(place.size() * screen->devicePixelRatio(), QImage::Format_ARGB32_Premultiplied);
+    picture.setDevicePixelRatio(screen->devicePixelRatio());
+    picture.fill(Qt::transparent);
+    render(&picture, {}, {}, RenderFlags());
+    show();
+    layer_->show(picture, screen->name().toStdString(), place.topLeft() - screen->geometry().topLeft());
+}
+
+void FloatingCard::hideEvent(QHideEvent*) {
+    if (layer_) layer_->hide();
 }
 
 /// Without a compositor the corners would be black.
@@ -39,10 +63,10 @@ void FloatingCard::roundCorners(QSize size) {
 
 void FloatingCard::drawGround(QPainter& painter, const Theme& theme) const {
     // Up to the shape's edge: half of a pixel of ours would let black through where nothing is blended.
-    painter.fillRect(rect(), theme.notice);
+    if (!layer_) painter.fillRect(rect(), theme.notice);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(theme.noticeBorder, 1));
-    painter.setBrush(Qt::NoBrush);
+    painter.setBrush(layer_ ? QBrush(theme.notice) : QBrush(Qt::NoBrush));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius_, cornerRadius_);
 }
 

@@ -52,7 +52,7 @@ void NoticeWindow::remove(const Paragraph& ended) {
 }
 
 void NoticeWindow::layOut() {
-    const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
+    const QScreen* screen = screenInUse ? screenInUse() : QGuiApplication::screenAt(QCursor::pos());
     if (!screen) screen = QGuiApplication::primaryScreen();
     const QRect area = screen->geometry();
     const double room = std::min(mostTextWidth, area.width() - 2 * sidePadding - 32);

@@ -4,17 +4,21 @@
 #include "app/qt/FloatingCard.h"
 #include "core/async/Timer.h"
 
+#include <functional>
 #include <memory>
 #include <vector>
 
 namespace lumnara {
 
-/// Shows notices near the bottom of the screen under the pointer, the latest last, each for its time.
+/// Shows notices near the bottom of the screen in use, the latest last, each for its time.
 class NoticeWindow final : public FloatingCard {
 public:
     explicit NoticeWindow(async::Loop& loop);
 
     void showNotice(const Notice& notice);
+
+    /// Tells the screen in use where the toolkit doesn't know the pointer's; may give null.
+    std::function<QScreen*()> screenInUse;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

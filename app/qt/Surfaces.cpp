@@ -2,6 +2,8 @@
 
 #include "app/qt/OverlayWindow.h"
 #include "app/qt/WindowSystem.h"
+#include "core/platform/Screens.h"
+#include "core/text/Text.h"
 
 #include <QApplication>
 
@@ -13,13 +15,21 @@ Surfaces::Surfaces(AppState& state, std::function<bool()> isComposited)
       board_(state, windows_),
       commands_(state),
       tray_(state.loop(), state.catalog(), state.settings()),
+      layers_(state.loop()),
       notice_(state.loop()),
       overlay_(
           {state.loop(), state.catalog(), state.settings(), state.platform().screens.get(), state.notices(),
            state.linkedSwitching().onSettled},
-          [] { return std::make_unique<OverlayWindow>(); },
-          // Where the compositor places windows, there is no card: it would be tiled like any other.
-          [this](const ScreenInfo& screen) { return placesOwnWindows() && !board_.covers(screen); }) {
+          [this] {
+              auto card = std::make_unique<OverlayWindow>();
+              if (layers_.isOffered()) card->standOn(layers_);
+              return card;
+          },
+          [this](const ScreenInfo& screen) { return hasCards() && !board_.covers(screen); }) {
+    if (layers_.isOffered()) {
+        notice_.standOn(layers_);
+        notice_.screenInUse = [this] { return screenInUse(); };
+    }
     QApplication::setQuitOnLastWindowClosed(false);
     board_.onShown = [this] { overlay_.giveWay(); };
     tray_.onChosen = [this](const DesktopMenuItem& item) { choose(item); };
@@ -49,9 +59,19 @@ void Surfaces::rename(const Desktop& desktop) {
     rename_->present(desktop);
 }
 
+bool Surfaces::hasCards() const { return placesOwnWindows() || layers_.isOffered(); }
+
+QScreen* Surfaces::screenInUse() const {
+    Screens* screens = state_.platform().screens.get();
+    const auto uuid = screens ? screens->displayUnderPointer() : std::nullopt;
+    if (!uuid) return nullptr;
+    for (const ScreenInfo& screen : screens->screens())
+        if (text::equalsIgnoringCase(screen.uuid, *uuid)) return screenFor(screen);
+    return nullptr;
+}
+
 void Surfaces::show(const Notice& notice) {
-    // Where the compositor places windows, a window of ours would be tiled like any other.
-    if (placesOwnWindows()) {
+    if (hasCards()) {
         notice_.showNotice(notice);
     } else {
         tray_.showMessage(QString::fromStdString(notice.text), notice.seconds);

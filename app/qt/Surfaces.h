@@ -5,6 +5,7 @@
 #include "app/board/QuickSwitcherController.h"
 #include "app/overlay/SwitchOverlayController.h"
 #include "app/qt/BoardWindows.h"
+#include "app/qt/LayerShell.h"
 #include "app/qt/NoticeWindow.h"
 #include "app/qt/RenameDialog.h"
 #include "app/qt/SettingsWindow.h"
@@ -31,6 +32,10 @@ public:
     std::function<void()> onQuit;
 
 private:
+    /// Whether anything of ours may stand over the windows; where the compositor places windows and has no
+    /// layer shell, a card would be tiled like any other.
+    bool hasCards() const;
+    QScreen* screenInUse() const;
     void show(const Notice& notice);
     void choose(const DesktopMenuItem& item);
     void showSettings();
@@ -41,6 +46,7 @@ private:
     QuickSwitcherController board_;
     DesktopMenuCommands commands_;
     TrayIcon tray_;
+    LayerShell layers_;
     NoticeWindow notice_;
     SwitchOverlayController overlay_;
     // Made when they are first wanted.

@@ -1,19 +1,50 @@
 #include "tests/session/Program.h"
 #include "tests/session/Session.h"
 
+#include <algorithm>
 #include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
+#include <iterator>
+#include <map>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 namespace lumnara::testing {
 namespace {
 
 using Keys = std::vector<std::string>;
 
+const Keys boardShortcut{"-M", "alt", "-k", "1", "-m", "alt"};
 const Keys superReturn{"-M", "logo", "-k", "Return", "-m", "logo"};
 const Keys superD{"-M", "logo", "-k", "d", "-m", "logo"};
 const Keys superL{"-M", "logo", "-k", "l", "-m", "logo"};
 const Keys escape{"-k", "Escape"};
+
+/// The part of an output's height, from the top, in which a light card stands; nothing where there is none.
+std::optional<double> cardOn(const Session& session, const std::string& output) {
+    constexpr std::size_t width = 1280;
+    constexpr std::size_t height = 800;
+    constexpr int least = 100; // pixels of a row
+    const std::string file = session.folder() / "output.ppm";
+    EXPECT_EQ(session.run({"grim", "-t", "ppm", "-o", output, file}).status, 0);
+    std::ifstream stream(file, std::ios::binary);
+    const std::string picture{std::istreambuf_iterator<char>(stream), {}};
+    const std::size_t start = picture.size() - std::min(picture.size(), width * height * 3);
+    for (std::size_t row = 0; row < height; ++row) {
+        const std::string pixels = picture.substr(start + row * width * 3, width * 3);
+        const auto isLight = [](char part) { return static_cast<unsigned char>(part) > 240; };
+        if (std::ranges::count_if(pixels, isLight) >= least * 3) return static_cast<double>(row) / height;
+    }
+    return std::nullopt;
+}
+
+/// Goes through sway's tree.
+void visitNodes(const nlohmann::json& node, const std::function<void(const nlohmann::json&)>& visit) {
+    visit(node);
+    for (const char* children : {"nodes", "floating_nodes"})
+        for (const auto& child : node[children]) visitNodes(child, visit);
+}
 
 /// The program on sway, driven by keys alone.
 class SwayProgram : public ::testing::Test {
@@ -27,6 +58,28 @@ protected:
     }
     nlohmann::json ask(const std::string& what) const {
         return nlohmann::json::parse(session.run({"swaymsg", "-r", "-t", what}).text);
+    }
+    bool cardComesTo(const std::string& output) const {
+        return waitUntil([&] { return cardOn(session, output).has_value(); });
+    }
+    bool cardLeaves(const std::string& output) const {
+        return waitUntil([&] { return !cardOn(session, output); });
+    }
+    /// Where every window stands.
+    std::map<int, std::string> windows() const {
+        std::map<int, std::string> found;
+        visitNodes(ask("get_tree"), [&](const nlohmann::json& node) {
+            if (node.contains("pid")) found[node["id"]] = node["rect"].dump();
+        });
+        return found;
+    }
+    /// The name of the window or workspace that has the focus.
+    std::string focused() const {
+        std::string name;
+        visitNodes(ask("get_tree"), [&](const nlohmann::json& node) {
+            if (node["focused"] == true) name = node["name"].get<std::string>();
+        });
+        return name;
     }
     std::string visible(const std::string& output) const {
         for (const auto& workspace : ask("get_workspaces"))
@@ -48,11 +101,11 @@ protected:
         return shown;
     }
     void openBoards() const {
-        type({"-M", "alt", "-k", "1", "-m", "alt"});
+        type(boardShortcut);
         EXPECT_TRUE(waitUntil([&] { return boards() == "HEADLESS-1* HEADLESS-2 "; })) << boards();
     }
-    void closeBoards() const {
-        type(escape);
+    void closeBoards(const Keys& keys) const {
+        type(keys);
         EXPECT_TRUE(waitUntil([&] { return boards().empty(); })) << boards();
     }
     /// Whether the one desktop that has a record comes to be saved as dimmed, or as not.
@@ -106,7 +159,7 @@ TEST_F(SwayProgram, KeepsTheBoardsKeysFromSwaysBindingsWhileItIsOpen) {
     type(superReturn);
     type({"Music", "-k", "Return"});
     EXPECT_TRUE(waitUntil([&] { return visible("HEADLESS-2") == "2: Music"; })) << program.log();
-    closeBoards();
+    closeBoards(boardShortcut); // which sway has a binding for, too
     EXPECT_EQ(visible("HEADLESS-1"), "1: Mail");
 
     type(superReturn);
@@ -130,8 +183,51 @@ TEST_F(SwayProgram, KeepsTheKeysThroughATilesMenu) {
     type(superD);
     EXPECT_TRUE(comesToBeDimmed(false));
     EXPECT_EQ(visible("HEADLESS-1"), "1");
-    closeBoards();
+    closeBoards(escape);
     EXPECT_EQ(program.stop(), 0);
+}
+
+TEST_F(SwayProgram, NamesADesktopOnACardThatLeavesFocusAndTilesAlone) {
+    session.command("default_border none"); // it comes late, and moves the window
+    session.command("workspace 7");
+    const auto first = session.start({"foot", "sleep", "1000"});
+    const auto second = session.start({"foot", "sleep", "1000"});
+    ASSERT_TRUE(waitUntil([&] { return windows().size() == 2; }));
+    session.command("workspace 1");
+    ASSERT_TRUE(cardLeaves("HEADLESS-1"));
+
+    const auto tiles = windows();
+    session.command("workspace 7");
+    const std::string window = focused();
+    ASSERT_TRUE(cardComesTo("HEADLESS-1")) << program.log();
+    EXPECT_LT(cardOn(session, "HEADLESS-1"), 0.2);
+    EXPECT_FALSE(cardOn(session, "HEADLESS-2"));
+    EXPECT_EQ(windows(), tiles);
+    EXPECT_EQ(focused(), window);
+    EXPECT_TRUE(cardLeaves("HEADLESS-1"));
+    EXPECT_EQ(windows(), tiles);
+
+    // With no window to have it, the focus stays with the workspace.
+    session.command("focus output HEADLESS-2; workspace 8");
+    ASSERT_TRUE(cardComesTo("HEADLESS-2")) << program.log();
+    EXPECT_FALSE(cardOn(session, "HEADLESS-1"));
+    EXPECT_EQ(focused(), "8");
+    EXPECT_TRUE(cardLeaves("HEADLESS-2"));
+    EXPECT_EQ(focused(), "8");
+    EXPECT_EQ(program.stop(), 0);
+}
+
+TEST(SwayNotice, StandsLowOnTheFocusedOutput) {
+    // The Board's first shortcut is taken, of which the program tells at the start.
+    const SwaySession session("bindsym Mod1+1 workspace 1\nbindsym Mod1+2 workspace 2\n"
+                              "focus output HEADLESS-2\n");
+    Program program(session);
+    program.start();
+    ASSERT_TRUE(waitUntil([&] { return cardOn(session, "HEADLESS-2").has_value(); })) << program.log();
+    EXPECT_GT(cardOn(session, "HEADLESS-2"), 0.7);
+    EXPECT_FALSE(cardOn(session, "HEADLESS-1"));
+    EXPECT_EQ(program.stop(), 0);
+    EXPECT_TRUE(waitUntil([&] { return !cardOn(session, "HEADLESS-2"); }));
 }
 
 } // namespace
