@@ -1,0 +1,45 @@
+#include "core/missioncontrol/MissionControlArranger.h"
+
+#include "core/missioncontrol/MissionControlScript.h"
+#include "core/missioncontrol/SpaceReorderError.h"
+
+#include <unordered_set>
+#include <utility>
+
+namespace lumnara {
+
+MissionControlArranger::MissionControlArranger(MissionControlDriving& driver, DesktopAdding& adding,
+                                               SpaceProvider& provider)
+    : driver_(driver),
+      provider_(provider),
+      reorderer_(driver),
+      remover_(driver),
+      creator_(driver, adding) {}
+
+async::Task<ReorderOutcome> MissionControlArranger::reorder(DisplayID display, std::vector<SpaceID> desired) {
+    reorderer_.onProgress = onProgress;
+    co_return co_await reorderer_.reorder(std::move(display), std::move(desired), provider_);
+}
+
+async::Task<RemoveOutcome> MissionControlArranger::remove(std::vector<SpaceID> ids, DisplayID display) {
+    remover_.onProgress = onProgress;
+    co_return co_await remover_.remove(std::move(ids), std::move(display), provider_);
+}
+
+async::Task<std::vector<SpaceID>> MissionControlArranger::create(DisplayID display) {
+    const SpaceSnapshot before = provider_.snapshot();
+    if (before.spacesOnDisplay(display.uuid) == nullptr)
+        throw SpaceReorderError(SpaceReorderError::Case::displayNotInSnapshot);
+    const auto frame = driver_.displayFrame(display);
+    if (!frame) throw SpaceReorderError(SpaceReorderError::Case::displayNotAttached);
+    co_await creator_.create(*frame, frame, static_cast<int>(before.userSpaces(display.uuid).size()));
+
+    std::unordered_set<SpaceID> known;
+    for (const PlacedSpace& each : before.allSpaces()) known.insert(each.space.id);
+    std::vector<SpaceID> added;
+    for (const Space& space : provider_.snapshot().userSpaces(display.uuid))
+        if (!known.contains(space.id)) added.push_back(space.id);
+    co_return added;
+}
+
+} // namespace lumnara

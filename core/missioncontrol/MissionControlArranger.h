@@ -1,0 +1,33 @@
+#pragma once
+
+#include "core/missioncontrol/DesktopArranger.h"
+#include "core/missioncontrol/DesktopCreator.h"
+#include "core/missioncontrol/DesktopRemover.h"
+#include "core/missioncontrol/SpaceReorderer.h"
+
+namespace lumnara {
+
+/// Arranges desktops by scripting Mission Control, which has the screen for the while.
+class MissionControlArranger : public DesktopArranger {
+public:
+    /// All must outlive the arranger.
+    MissionControlArranger(MissionControlDriving& driver, DesktopAdding& adding, SpaceProvider& provider);
+
+    std::optional<int> desktopsPerDisplay() const override { return DesktopCreator::desktopsPerDisplay; }
+    /// Throws what SpaceReorderer::reorder throws.
+    async::Task<ReorderOutcome> reorder(DisplayID display, std::vector<SpaceID> desired) override;
+    /// Throws what DesktopRemover::remove throws.
+    async::Task<RemoveOutcome> remove(std::vector<SpaceID> ids, DisplayID display) override;
+    /// Throws DesktopCreator::Failure, SpaceReorderError displayNotInSnapshot and displayNotAttached, and
+    /// what reading the desktops fails with, which may be after the desktop was added.
+    async::Task<std::vector<SpaceID>> create(DisplayID display) override;
+
+private:
+    MissionControlDriving& driver_;
+    SpaceProvider& provider_;
+    SpaceReorderer reorderer_;
+    DesktopRemover remover_;
+    DesktopCreator creator_;
+};
+
+} // namespace lumnara
