@@ -1,21 +1,11 @@
 #include "core/missioncontrol/MissionControlScript.h"
 
+#include "core/missioncontrol/FrameArea.h"
 #include "core/missioncontrol/SpaceReorderError.h"
 
-#include <cmath>
 #include <exception>
 
 namespace lumnara::MissionControlScript {
-
-namespace {
-
-/// Whether there is an area to point at; a display that is on its way out may report none.
-bool hasArea(const Rect& frame) {
-    return std::isfinite(frame.x) && std::isfinite(frame.y) && std::isfinite(frame.width) &&
-           std::isfinite(frame.height) && frame.width > 0 && frame.height > 0;
-}
-
-} // namespace
 
 Rect requireReady(MissionControlDriving& driver, const DisplayID& display) {
     using Case = SpaceReorderError::Case;

@@ -1,10 +1,10 @@
 #include "core/missioncontrol/MissionControlSession.h"
 
+#include "core/missioncontrol/FrameArea.h"
 #include "core/missioncontrol/MissionControlTiming.h"
 #include "core/missioncontrol/SpaceReorderError.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace lumnara {
 
@@ -20,11 +20,6 @@ constexpr double firstTopOffset = 20;
 constexpr double topOffsetStep = 8;
 /// The small last move is what makes the bar expand.
 constexpr Point hoverNudge{4, 2};
-
-bool isFinite(const Rect& frame) {
-    return std::isfinite(frame.x) && std::isfinite(frame.y) && std::isfinite(frame.width) &&
-           std::isfinite(frame.height);
-}
 
 } // namespace
 
@@ -89,7 +84,7 @@ bool MissionControlSession::isExpanded(const SpacesBarButtons& buttons, const Re
 std::optional<SpacesBarButtons> MissionControlSession::bar(const Rect& displayFrame, int expectedCount) {
     auto buttons = driver_.spacesBarButtons(displayFrame);
     if (!buttons || buttons->size() != static_cast<std::size_t>(expectedCount) ||
-        !std::ranges::all_of(*buttons, isFinite, &SpacesBarButton::frame))
+        !std::ranges::all_of(*buttons, hasArea, &SpacesBarButton::frame))
         return std::nullopt;
     return buttons;
 }

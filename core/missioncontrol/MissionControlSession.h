@@ -29,7 +29,7 @@ public:
     /// Whether this is a bar with pictures, at the display's own top edge.
     static bool isExpanded(const SpacesBarButtons& buttons, const Rect& displayFrame);
 
-    /// The bar as it is now; nothing when it hasn't just so many thumbnails, or one whose frame isn't finite.
+    /// The bar as it is now; nothing when it hasn't just so many thumbnails, or one without an area.
     std::optional<SpacesBarButtons> bar(const Rect& displayFrame, int expectedCount);
     /// The same, and nothing unless it is expanded.
     std::optional<SpacesBarButtons> expandedBar(const Rect& displayFrame, int expectedCount);

@@ -126,6 +126,16 @@ TEST_F(DesktopRemoverTest, ADesktopThatMovedToAnotherDisplayIsNotRemoved) {
     expectStopped(remove({2}), {}, "Mission Control did not remove the desktop.");
 }
 
+TEST_F(DesktopRemoverTest, ADisplayThatVanishedHasLostNoDesktop) {
+    mc.onCall = [&] {
+        if (!mc.removed.empty() && mc.layout().displays.size() == 2)
+            mc.change([](SpaceSnapshot& layout) { layout.displays.erase(layout.displays.begin()); });
+    };
+    const auto ended = remove({2});
+    EXPECT_EQ(ended.value, (RemoveOutcome{{}, "Mission Control did not remove the desktop."}));
+    expectLeft();
+}
+
 TEST_F(DesktopRemoverTest, StopsWhenTheDesktopOrTheBarHasGone) {
     remover.onProgress = [&](const std::string& sentence) {
         if (sentence == "Removing desktops in Mission Control (2/2)")
