@@ -3,6 +3,7 @@
 #include "core/missioncontrol/ReorderMove.h"
 
 #include <cstddef>
+#include <memory_resource>
 #include <span>
 #include <unordered_map>
 #include <utility>
@@ -19,7 +20,8 @@ std::vector<ReorderMove> movesOfRanks(std::span<const std::size_t> ranks);
 /// The place in `current` of each element of reconciled(desired, current).
 template <class T>
 std::vector<std::size_t> reconciledPlaces(const std::vector<T>& desired, const std::vector<T>& current) {
-    std::unordered_map<T, std::size_t> placeOf;
+    std::pmr::monotonic_buffer_resource memory;
+    std::pmr::unordered_map<T, std::size_t> placeOf(&memory);
     placeOf.reserve(current.size());
     for (std::size_t place = 0; place < current.size(); ++place) placeOf.emplace(current[place], place);
     std::vector<bool> seen(current.size(), false);
