@@ -1,11 +1,15 @@
 #pragma once
 
+#include "core/platform/Accessibility.h"
 #include "core/platform/DesktopNamePublisher.h"
+#include "core/platform/EventServices.h"
 #include "core/platform/GlobalShortcuts.h"
+#include "core/platform/OwnApplication.h"
 #include "core/platform/Screens.h"
+#include "core/platform/SessionProbe.h"
+#include "core/platform/SpaceActivator.h"
 #include "core/platform/WindowServer.h"
 #include "core/platform/Workspace.h"
-#include "core/switching/SpaceActivator.h"
 
 #include <memory>
 #include <string>
@@ -24,6 +28,10 @@ struct Platform {
     std::unique_ptr<SpaceActivator> spaceActivator;
     std::unique_ptr<DesktopNamePublisher> namePublisher;
     std::unique_ptr<GlobalShortcuts> globalShortcuts;
+    std::unique_ptr<EventServices> eventServices;
+    std::unique_ptr<Accessibility> accessibility;
+    std::unique_ptr<OwnApplication> ownApplication;
+    std::unique_ptr<SessionProbe> sessionProbe;
 };
 
 } // namespace lumnara

@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace lumnara {
@@ -21,9 +22,14 @@ struct ScreenInfo {
     std::string name;
     Rect frame;
     double scale = 1;
+    /// It is the computer's own panel.
+    bool isBuiltIn = false;
 
     bool operator==(const ScreenInfo&) const = default;
 };
+
+/// Whether a connector of that name ("eDP-1") leads to the computer's own panel.
+bool isPanelConnector(std::string_view connector);
 
 /// The screens with the connector behind the names that several have.
 std::vector<ScreenInfo> distinctlyNamed(std::vector<ScreenInfo> screens);

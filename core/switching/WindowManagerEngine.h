@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/model/SpaceProvider.h"
-#include "core/switching/SpaceActivator.h"
+#include "core/platform/SpaceActivator.h"
 #include "core/switching/SpaceSwitching.h"
 
 namespace lumnara {

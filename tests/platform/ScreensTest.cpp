@@ -14,5 +14,11 @@ TEST(Screens, TellsTwoMonitorsOfOneModelApart) {
     EXPECT_EQ(named.at(2).name, "U2720Q (DP-2)");
 }
 
+TEST(Screens, KnowsTheConnectorsOfBuiltInPanels) {
+    for (const char* panel : {"eDP-1", "LVDS1", "DSI-1"}) EXPECT_TRUE(isPanelConnector(panel)) << panel;
+    for (const char* other : {"DP-1", "HDMI-A-1", "VGA-0", ""})
+        EXPECT_FALSE(isPanelConnector(other)) << other;
+}
+
 } // namespace
 } // namespace lumnara

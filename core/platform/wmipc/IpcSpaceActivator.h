@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/platform/SpaceActivator.h"
 #include "core/platform/wmipc/IpcSession.h"
-#include "core/switching/SpaceActivator.h"
 
 #include <memory>
 

@@ -23,7 +23,8 @@ std::vector<ScreenInfo> SwayScreens::screens() try {
                            .connector = display.output.name,
                            .name = nameOf(display.output),
                            .frame = display.output.rect,
-                           .scale = display.output.scale});
+                           .scale = display.output.scale,
+                           .isBuiltIn = isPanelConnector(display.output.name)});
     }
     return distinctlyNamed(std::move(screens));
 } catch (const WindowManagerError&) {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/async/Trigger.h"
+#include "core/platform/SpaceActivator.h"
 #include "core/platform/x11/EwmhDesktops.h"
-#include "core/switching/SpaceActivator.h"
 
 #include <memory>
 

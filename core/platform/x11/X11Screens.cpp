@@ -31,8 +31,11 @@ std::vector<ScreenInfo> X11Screens::screens() {
         for (const auto& monitor : found) connected.push_back(monitor.connected);
         const auto identities = monitorIdentities(connected);
         for (std::size_t i = 0; i < found.size(); ++i)
-            screens.push_back(
-                {identities[i], connected[i].connector, humanName(connected[i]), found[i].frame, 1});
+            screens.push_back({.uuid = identities[i],
+                               .connector = connected[i].connector,
+                               .name = humanName(connected[i]),
+                               .frame = found[i].frame,
+                               .isBuiltIn = isPanelConnector(connected[i].connector)});
     } catch (const Failure&) {
         return {};
     }
