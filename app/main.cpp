@@ -111,7 +111,8 @@ int run(int& count, char** arguments) {
     AppSettings settings(defaults, &loginItem);
     Platform platform = choosePlatform(loop, windowSystem, environment, folders.data);
     AppState state(loop, settings, platform,
-                   std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens),
+                   std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens,
+                                                       platform.workspace.get()),
                    folders.data);
     if (const auto& error = defaults.loadError()) state.notices().show(error->sentence(), startNoticeSeconds);
     Surfaces surfaces(state);

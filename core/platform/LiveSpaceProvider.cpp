@@ -1,7 +1,10 @@
 #include "core/platform/LiveSpaceProvider.h"
 
 #include "core/model/SnapshotParser.h"
-#include "core/text/Text.h"
+#include "core/platform/DisplayHelpers.h"
+#include "core/platform/FullscreenOwnerResolver.h"
+
+#include <utility>
 
 namespace lumnara {
 
@@ -14,6 +17,8 @@ const DisplayID mainDisplay{"Main"};
 SpaceSnapshot LiveSpaceProvider::snapshot() {
     const PropertyList displays = windowServer_.managedDisplaySpaces();
     SpaceSnapshot snapshot = SnapshotParser::parse(displays, loop_.date());
+    if (resolvesFullscreenOwners)
+        snapshot = FullscreenOwnerResolver::resolve(std::move(snapshot), windowServer_, workspace_);
     sharedMain_ = snapshot.isSharedMain();
     return snapshot;
 }
@@ -34,9 +39,9 @@ std::optional<DisplayID> LiveSpaceProvider::cursorDisplay() {
 
 std::optional<std::string> LiveSpaceProvider::displayName(const std::string& uuid) {
     if (DisplayID{uuid}.isMain()) return "All Displays";
-    for (const ScreenInfo& screen : screens_.screens())
-        if (text::equalsIgnoringCase(screen.uuid, uuid)) return screen.name;
-    return std::nullopt;
+    auto screen = DisplayHelpers::screen(screens_, uuid);
+    if (!screen) return std::nullopt;
+    return std::move(screen->name);
 }
 
 } // namespace lumnara

@@ -4,16 +4,22 @@
 #include "core/model/SpaceProvider.h"
 #include "core/platform/Screens.h"
 #include "core/platform/WindowServer.h"
+#include "core/platform/Workspace.h"
 
 namespace lumnara {
 
-/// Reads the real window server. The arguments have to outlive it. Main thread.
+/// Reads the real window server. The arguments have to outlive it; without a workspace the owners of
+/// full-screen Spaces have only the names that their windows tell. Main thread.
 class LiveSpaceProvider : public SpaceProvider {
 public:
-    LiveSpaceProvider(const async::Loop& loop, WindowServer& windowServer, Screens& screens)
+    LiveSpaceProvider(const async::Loop& loop, WindowServer& windowServer, Screens& screens,
+                      Workspace* workspace = nullptr)
         : loop_(loop),
           windowServer_(windowServer),
-          screens_(screens) {}
+          screens_(screens),
+          workspace_(workspace) {}
+
+    bool resolvesFullscreenOwners = true;
 
     SpaceSnapshot snapshot() override;
     std::optional<DisplayID> menuBarDisplay() override;
@@ -25,6 +31,7 @@ private:
     const async::Loop& loop_;
     WindowServer& windowServer_;
     Screens& screens_;
+    Workspace* workspace_;
     /// The last reading was of one shared arrangement, which every screen belongs to.
     bool sharedMain_ = false;
 };

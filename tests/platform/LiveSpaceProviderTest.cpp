@@ -12,9 +12,16 @@ struct FakeWindowServer : WindowServer {
     std::optional<SpaceID> currentSpace(const DisplayID&) override { return std::nullopt; }
     std::optional<bool> isAnimating(const DisplayID&) override { return std::nullopt; }
     std::optional<std::string> activeMenuBarDisplay() override { return menuBar; }
+    std::vector<SpaceID> spacesOfWindows(const std::vector<WindowNumber>&) override { return {{5}}; }
+    std::optional<PropertyList> windowList(WindowListOption) override {
+        return PropertyList{{{"kCGWindowNumber", 1},
+                             {"kCGWindowOwnerPID", 10},
+                             {"kCGWindowOwnerName", "Player"},
+                             {"kCGWindowLayer", 0}}};
+    }
 
-    void show(const std::string& display) {
-        const PropertyDictionary space{{"id64", 5}, {"uuid", "A"}, {"type", 0}};
+    void show(const std::string& display, int type = 0) {
+        const PropertyDictionary space{{"id64", 5}, {"uuid", "A"}, {"type", type}};
         list = {
             {{"Display Identifier", display}, {"Spaces", PropertyArray{space}}, {"Current Space", space}}};
     }
@@ -65,6 +72,14 @@ TEST_F(LiveSpaceProviderTest, AnswersMainUnderASharedArrangement) {
     windowServer.show("Left");
     provider.snapshot();
     EXPECT_EQ(provider.cursorDisplay(), DisplayID{"Left"});
+}
+
+TEST_F(LiveSpaceProviderTest, FillsInTheOwnersOfFullscreenSpacesUnlessToldNotTo) {
+    windowServer.show("Left", 4);
+    EXPECT_EQ(provider.snapshot().displays.at(0).spaces.at(0).fullscreenOwner,
+              (RunningApp{10, std::nullopt, "Player"}));
+    provider.resolvesFullscreenOwners = false;
+    EXPECT_EQ(provider.snapshot().displays.at(0).spaces.at(0).fullscreenOwner, std::nullopt);
 }
 
 TEST_F(LiveSpaceProviderTest, PassesOnWhatCannotBeRead) { EXPECT_THROW(provider.snapshot(), SpaceKitError); }

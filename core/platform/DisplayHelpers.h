@@ -1,0 +1,21 @@
+#pragma once
+
+#include "core/platform/Screens.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// Screens by their display uuid, which is compared in any case.
+namespace lumnara::DisplayHelpers {
+
+std::optional<ScreenInfo> screen(Screens& screens, std::string_view uuid);
+inline const std::string& uuid(const ScreenInfo& screen) { return screen.uuid; }
+
+/// The first screen whose frame holds the pointer; all its edges belong to it.
+std::optional<ScreenInfo> displayUnderCursor(Screens& screens);
+
+/// Whether the screen is the built-in panel.
+inline bool isBuiltIn(const ScreenInfo& screen) { return screen.isBuiltIn; }
+
+} // namespace lumnara::DisplayHelpers
