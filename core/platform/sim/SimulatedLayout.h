@@ -1,0 +1,81 @@
+#pragma once
+
+#include "core/model/PropertyList.h"
+#include "core/platform/Screens.h"
+#include "core/platform/WindowServer.h"
+#include "core/platform/sim/SimulatedRandom.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lumnara {
+
+struct SimulatedSpace {
+    SpaceID id;
+    /// Empty for the first desktop of a display.
+    std::string uuid;
+    SpaceKind kind = SpaceKind::user;
+    /// The window that has a full-screen Space to itself.
+    WindowNumber fullscreenWindow = 0;
+};
+
+/// A display of the window server: a screen, or "Main" for all of them.
+struct SimulatedDisplay {
+    std::string uuid;
+    std::vector<SimulatedSpace> spaces;
+    SpaceID current;
+
+    const SimulatedSpace* find(SpaceID space) const;
+    /// The place of a Space that is there.
+    std::size_t indexOf(SpaceID space) const;
+};
+
+/// Screens, and the Spaces of each display in their order: what is where, without time. Ids are given out
+/// once in a login; a full-screen Space that ends takes its id and uuid along.
+class SimulatedLayout {
+public:
+    SimulatedLayout(SimulatedRandom& random, bool separateSpaces)
+        : random_(random),
+          separateSpaces_(separateSpaces) {}
+
+    const std::vector<ScreenInfo>& screens() const { return screens_; }
+    const std::vector<SimulatedDisplay>& displays() const { return displays_; }
+
+    /// Adds a screen with so many desktops. Where screens share their Spaces, the first one brings them.
+    void addScreen(ScreenInfo screen, int desktops);
+    SpaceID addDesktop(std::string_view display);
+    /// Adds a Space for the window behind the one that the display shows.
+    SpaceID addFullscreen(std::string_view display, WindowNumber window);
+    /// Takes a Space away that isn't the last desktop of its display; a neighbour is shown in place of it.
+    /// Returns the neighbour, or nothing when the Space stays.
+    std::optional<SpaceID> remove(SpaceID space);
+    void show(SpaceID space);
+    /// Logs in anew: every Space has another id, and what names it across logins stays.
+    void renumber();
+
+    /// The display of that uuid, in any case, or null.
+    const SimulatedDisplay* display(std::string_view uuid) const;
+    /// The display that holds a Space, or null.
+    const SimulatedDisplay* displayOf(SpaceID space) const;
+    bool isShown(SpaceID space) const;
+    /// The display for a point; the first one for a point off all screens, null when there is none.
+    const SimulatedDisplay* displayAt(Point point) const;
+
+private:
+    SimulatedDisplay* mutableDisplay(std::string_view uuid);
+    SpaceID newID() { return {lastID_ += 1 + random_.below(40)}; }
+
+    SimulatedRandom& random_;
+    bool separateSpaces_;
+    std::uint64_t lastID_ = 0;
+    std::vector<ScreenInfo> screens_;
+    std::vector<SimulatedDisplay> displays_;
+};
+
+/// The window server's property list of managed display spaces.
+PropertyValue managedDisplaySpacesOf(const std::vector<SimulatedDisplay>& displays);
+
+} // namespace lumnara

@@ -1,0 +1,106 @@
+#include "core/platform/sim/SimulatedWindows.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace lumnara {
+
+const SimulatedWindow* SimulatedWindows::find(WindowNumber number) const {
+    const auto found = std::ranges::find(windows_, number, &SimulatedWindow::number);
+    return found == windows_.end() ? nullptr : &*found;
+}
+
+WindowNumber SimulatedWindows::add(SimulatedWindow window) {
+    window.number = ++lastNumber_;
+    insertInFront(std::move(window));
+    return lastNumber_;
+}
+
+void SimulatedWindows::remove(WindowNumber number) {
+    std::erase_if(windows_, [=](const SimulatedWindow& window) { return window.number == number; });
+}
+
+void SimulatedWindows::removeAllOf(std::int32_t pid) {
+    std::erase_if(windows_, [=](const SimulatedWindow& window) { return window.ownerPid == pid; });
+}
+
+void SimulatedWindows::clear() { windows_.clear(); }
+
+void SimulatedWindows::orderFront(WindowNumber number) {
+    const auto found = position(number);
+    if (found == windows_.end()) return;
+    SimulatedWindow window = std::move(*found);
+    windows_.erase(found);
+    window.isOrderedIn = true;
+    const Point middle{window.bounds.x + window.bounds.width / 2, window.bounds.y + window.bounds.height / 2};
+    const SimulatedDisplay* display = layout_.displayAt(middle);
+    if (window.spaces.empty() && display) window.spaces = {display->current};
+    insertInFront(std::move(window));
+}
+
+void SimulatedWindows::orderOut(WindowNumber number) {
+    const auto found = position(number);
+    if (found != windows_.end()) found->isOrderedIn = false;
+}
+
+void SimulatedWindows::addToSpaces(WindowNumber number, const std::vector<SpaceID>& spaces) {
+    const auto window = position(number);
+    if (window == windows_.end()) return;
+    for (const SpaceID id : spaces) {
+        const SimulatedDisplay* display = layout_.displayOf(id);
+        const SimulatedSpace* space = display ? display->find(id) : nullptr;
+        if (!space || std::ranges::count(window->spaces, id) > 0) continue;
+        const SimulatedWindow* fullscreen = find(space->fullscreenWindow);
+        const bool isOwners = fullscreen && fullscreen->ownerPid == window->ownerPid;
+        if (space->kind != SpaceKind::fullscreen || isOwners) window->spaces.push_back(id);
+    }
+}
+
+void SimulatedWindows::removeFromSpaces(WindowNumber number, const std::vector<SpaceID>& spaces) {
+    const auto window = position(number);
+    if (window == windows_.end()) return;
+    std::erase_if(window->spaces, [&](SpaceID id) { return std::ranges::count(spaces, id) > 0; });
+}
+
+void SimulatedWindows::moveOff(SpaceID from, SpaceID to) {
+    for (SimulatedWindow& window : windows_) {
+        const bool wasThere = std::erase(window.spaces, from) > 0;
+        if (wasThere && window.spaces.empty()) window.spaces = {to};
+    }
+}
+
+bool SimulatedWindows::isOnScreen(const SimulatedWindow& window) const {
+    return window.isOrderedIn && window.alpha > 0 &&
+           std::ranges::any_of(window.spaces, [this](SpaceID id) { return layout_.isShown(id); });
+}
+
+PropertyList SimulatedWindows::list(WindowListOption option) const {
+    PropertyList entries;
+    for (const SimulatedWindow& window : windows_) {
+        const bool isDesktopElement = window.layer < 0;
+        if (option != WindowListOption::all && !isOnScreen(window)) continue;
+        if (option == WindowListOption::onScreenOnlyWithoutDesktop && isDesktopElement) continue;
+        entries.push_back({{"kCGWindowNumber", window.number},
+                           {"kCGWindowOwnerPID", window.ownerPid},
+                           {"kCGWindowOwnerName", window.ownerName},
+                           {"kCGWindowLayer", window.layer},
+                           {"kCGWindowAlpha", window.alpha},
+                           {"kCGWindowBounds", PropertyDictionary{{"X", window.bounds.x},
+                                                                  {"Y", window.bounds.y},
+                                                                  {"Width", window.bounds.width},
+                                                                  {"Height", window.bounds.height}}}});
+    }
+    return entries;
+}
+
+std::vector<SimulatedWindow>::iterator SimulatedWindows::position(WindowNumber number) {
+    return std::ranges::find(windows_, number, &SimulatedWindow::number);
+}
+
+void SimulatedWindows::insertInFront(SimulatedWindow window) {
+    const auto behind = std::ranges::find_if(
+        windows_, [&](const SimulatedWindow& other) { return other.layer <= window.layer; });
+    windows_.insert(behind, std::move(window));
+}
+
+} // namespace lumnara

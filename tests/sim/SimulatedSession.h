@@ -1,0 +1,50 @@
+#pragma once
+
+#include "core/async/TestLoop.h"
+#include "core/platform/LiveSpaceProvider.h"
+#include "core/platform/PrivateAPI.h"
+#include "core/platform/sim/SimulatedMac.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace lumnara::testing {
+
+/// A simulated Mac with the screens "LEFT" (built in) and "RIGHT", of three desktops each.
+class SimulatedSession {
+public:
+    explicit SimulatedSession(SimulatedMacOptions options = {}) : mac(loop, options) {
+        mac.addScreen({.uuid = "LEFT",
+                       .connector = "built-in",
+                       .name = "Panel",
+                       .frame = {0, 0, 1512, 982},
+                       .scale = 2,
+                       .isBuiltIn = true},
+                      3);
+        mac.addScreen(
+            {.uuid = "RIGHT", .connector = "1", .name = "Desk", .frame = {1512, 0, 2560, 1440}, .scale = 1},
+            3);
+        mac.pointer().moveTo({10, 10});
+        platform = mac.platform();
+    }
+
+    SpaceID space(const char* display, std::size_t index) const {
+        return mac.layout().display(display)->spaces.at(index).id;
+    }
+    /// The place of the Space that a display shows.
+    std::size_t shownAt(const char* display) const {
+        const SimulatedDisplay* found = mac.layout().display(display);
+        return found->indexOf(found->current);
+    }
+    std::string front() { return platform.workspace->frontmostApplication().value_or("nobody"); }
+    LiveSpaceProvider provider() {
+        return {loop, *platform.windowServer, *platform.screens, platform.workspace.get()};
+    }
+
+    async::TestLoop loop;
+    SimulatedMac mac;
+    Platform platform;
+};
+
+} // namespace lumnara::testing
