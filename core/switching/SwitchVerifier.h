@@ -35,14 +35,15 @@ public:
     /// nothing when that fails too.
     static std::optional<SpaceID> currentSpace(const DisplayID& display, SpaceProvider& provider);
 
+    /// Whether the display's Space animation runs now; never for the shared arrangement, and not where it
+    /// can't be told.
+    static bool isAnimating(const DisplayID& display);
+
     /// Whether the display shows the target within the polls. A poll that finds the display animating is
     /// spent without a read. A cancelled sleep is passed over, and the polling goes on at once. The provider
     /// must live until the task ends.
     static async::Task<bool> awaitLanding(SpaceID target, DisplayID display, SpaceProvider& provider,
                                           Config config);
-
-private:
-    static bool isAnimating(const DisplayID& display);
 };
 
 } // namespace lumnara

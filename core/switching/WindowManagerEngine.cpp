@@ -1,9 +1,9 @@
 #include "core/switching/WindowManagerEngine.h"
 
 #include "core/switching/SwitchError.h"
+#include "core/switching/SwitchTarget.h"
 #include "core/switching/SwitchVerifier.h"
 
-#include <algorithm>
 #include <exception>
 
 namespace lumnara {
@@ -26,11 +26,6 @@ constexpr double currentFreshness = 0.005;
 bool isYounger(const SpaceSnapshot& snapshot, double seconds, Date now) {
     const double age = now.secondsSince(snapshot.takenAt);
     return age >= 0 && age <= seconds; // a negative age: the clock was set back
-}
-
-bool holdsSpace(const DisplaySpaces* shown, SpaceID target) {
-    return shown != nullptr &&
-           std::ranges::any_of(shown->spaces, [&](const Space& space) { return space.id == target; });
 }
 
 } // namespace
@@ -56,10 +51,9 @@ void WindowManagerEngine::requireElsewhere(SpaceID target, const DisplayID& disp
     std::optional<SpaceSnapshot> readAgain;
     if (!isYounger(given, listFreshness, now)) readAgain = provider_.snapshot();
     const SpaceSnapshot& known = readAgain ? *readAgain : given;
-    const DisplaySpaces* shown = known.spacesOnDisplay(display.uuid);
-    if (!holdsSpace(shown, target)) throw SwitchError(SwitchError::Case::targetNotInSnapshot);
+    const DisplaySpaces& shown = requireOnDisplay(target, display, known);
     const bool isCurrent = readAgain || isYounger(given, currentFreshness, now);
-    const auto current = isCurrent ? shown->currentID : SwitchVerifier::currentSpace(display, provider_);
+    const auto current = isCurrent ? shown.currentID : SwitchVerifier::currentSpace(display, provider_);
     if (current == target) throw SwitchError(SwitchError::Case::alreadyThere);
 }
 
