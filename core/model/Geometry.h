@@ -16,6 +16,8 @@ struct Rect {
     double height = 0;
     bool operator==(const Rect&) const = default;
 
+    Point middle() const { return {x + width / 2, y + height / 2}; }
+
     /// Whether the point lies inside; the left and top edges belong to the rectangle, and so do the
     /// right and bottom ones.
     bool contains(Point p) const { return p.x >= x && p.x <= x + width && p.y >= y && p.y <= y + height; }

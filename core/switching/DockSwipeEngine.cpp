@@ -116,8 +116,7 @@ std::optional<Point> DockSwipeEngine::warpTarget(const DisplayID& display) {
     if (!cursor || text::equalsIgnoringCase(cursor->uuid, display.uuid)) return std::nullopt;
     const auto screen = DisplayHelpers::screen(screens_, display.uuid);
     if (!screen) return std::nullopt;
-    const Rect& frame = screen->frame;
-    return Point{frame.x + frame.width / 2, frame.y + frame.height / 2};
+    return screen->frame.middle();
 }
 
 SpaceSnapshot DockSwipeEngine::readAgain(const DisplayID& display, int afterAttempts) {

@@ -13,6 +13,15 @@ std::string historyKey(const SpaceSnapshot& snapshot, const Space& space, const 
     return "unkeyed:" + space.id.text();
 }
 
+/// The stable key of a Space as a later snapshot has it, or nothing.
+std::optional<std::string> keyIn(const SpaceSnapshot& snapshot, const PlacedSpace& placed) {
+    const DisplaySpaces* shown = snapshot.spacesOnDisplay(placed.display.uuid);
+    if (!shown) return std::nullopt;
+    const auto space = std::ranges::find(shown->spaces, placed.space.id, &Space::id);
+    if (space == shown->spaces.end()) return std::nullopt;
+    return snapshot.key(*space, placed.display.uuid);
+}
+
 /// The display as the snapshot spells it. The screens may spell it in another case, and the history is kept
 /// under one spelling.
 DisplayID spelledAsIn(const SpaceSnapshot& snapshot, const DisplayID& display) {
@@ -53,8 +62,7 @@ async::Task<SwitchResult> SpaceSwitcher::switchBack(std::optional<DisplayID> dis
 
 async::Task<SwitchResult> SpaceSwitcher::switchTo(Space target, DisplayID display,
                                                   std::optional<SpaceSnapshot> snapshot) {
-    if (blockingReason)
-        if (const auto reason = blockingReason()) throw *reason;
+    throwIfBlocked();
     const SpaceSnapshot used = snapshot ? *std::move(snapshot) : provider_.snapshot();
 
     const SwitchResult result = co_await runChain(target, display, used);
@@ -62,6 +70,24 @@ async::Task<SwitchResult> SpaceSwitcher::switchTo(Space target, DisplayID displa
     history.record(historyKey(used, target, spelled), spelled.uuid);
     if (onLanded) onLanded(target, spelled, result);
     co_return result;
+}
+
+async::Task<SwitchResult> SpaceSwitcher::switchWithHelperWindow(std::string key,
+                                                                std::function<SpaceSnapshot()> rereading) {
+    const SpaceSnapshot snapshot = provider_.snapshot();
+    const PlacedSpace found = requireSpace(snapshot, key);
+    throwIfBlocked();
+    if (!helperWindow) throw SwitchError(SwitchError::Case::engineUnavailable);
+
+    const SwitchResult result = co_await helperWindow->switchTo(found.space, found.display, snapshot);
+    if (const auto landedOn = keyIn(rereading(), found)) history.record(*landedOn, found.display.uuid);
+    if (onLanded) onLanded(found.space, found.display, result);
+    co_return result;
+}
+
+void SpaceSwitcher::throwIfBlocked() const {
+    if (!blockingReason) return;
+    if (const auto reason = blockingReason()) throw *reason;
 }
 
 async::Task<SwitchResult> SpaceSwitcher::runChain(const Space& target, const DisplayID& display,
@@ -100,6 +126,10 @@ DisplayID SpaceSwitcher::displayToGoBackOn(const SpaceSnapshot& snapshot,
 }
 
 void SpaceSwitcher::observe(const SpaceSnapshot& snapshot) {
+    if (helperWindow) {
+        helperWindow->pruneWindows(snapshot);
+        if (!settings.instantSwitching || keepHelperWindowsWarm) helperWindow->warm(snapshot);
+    }
     for (const DisplaySpaces& shown : snapshot.displays) {
         const auto current = std::ranges::find(shown.spaces, shown.currentID, &Space::id);
         if (current != shown.spaces.end())

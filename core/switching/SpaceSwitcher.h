@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/model/SpaceProvider.h"
-#include "core/switching/SpaceSwitching.h"
+#include "core/switching/HelperWindowSwitching.h"
 #include "core/switching/SwitchError.h"
 #include "core/switching/SwitchHistory.h"
 
@@ -30,7 +30,9 @@ public:
     SwitchHistory history;
     /// The platform's engines, which must outlive the switcher; null where there is no such engine.
     SpaceSwitching* dockSwipe = nullptr;
-    SpaceSwitching* helperWindow = nullptr;
+    HelperWindowSwitching* helperWindow = nullptr;
+    /// Have a helper window on each Space even while the gesture is tried first.
+    bool keepHelperWindowsWarm = false;
     /// Takes the place of the chosen chain, whatever the settings say; an empty one leaves no engine.
     std::optional<std::vector<SpaceSwitching*>> engineOverride;
     /// What forbids every switch right now, or nothing. Empty where nothing can.
@@ -50,11 +52,18 @@ public:
     /// first.
     async::Task<SwitchResult> switchBack(std::optional<DisplayID> display = std::nullopt);
 
+    /// Shows the desktop of a stable key with the helper window alone, past the chain: a window that the
+    /// pointer holds travels along. The history takes the key that `rereading` gives after the landing, if
+    /// any.
+    async::Task<SwitchResult> switchWithHelperWindow(std::string key,
+                                                     std::function<SpaceSnapshot()> rereading);
+
     /// Takes in what each display shows, so that switches made elsewhere reach the history. After each
-    /// reading of the desktops.
+    /// reading of the desktops. The helper windows follow the Spaces that there are.
     void observe(const SpaceSnapshot& snapshot);
 
 private:
+    void throwIfBlocked() const;
     std::vector<SpaceSwitching*> chain() const;
     async::Task<SwitchResult> runChain(const Space& target, const DisplayID& display,
                                        const SpaceSnapshot& snapshot);

@@ -16,7 +16,7 @@ using Case = SwitchError::Case;
 using Keys = std::vector<std::string>;
 
 /// Lands, or throws what it is told to.
-class ScriptedEngine : public SpaceSwitching {
+class ScriptedEngine : public HelperWindowSwitching {
 public:
     explicit ScriptedEngine(EngineKind kind, std::exception_ptr failure = {})
         : failure_(failure),
@@ -30,6 +30,8 @@ public:
         if (failure_) std::rethrow_exception(failure_);
         co_return SwitchResult{true, kind_, 1, 0.1};
     }
+    void warm(const SpaceSnapshot&) override { calls.push_back("warm"); }
+    void pruneWindows(const SpaceSnapshot&) override { calls.push_back("prune"); }
 
     std::vector<std::string> calls;
 
@@ -189,6 +191,52 @@ TEST_F(SpaceSwitcherTest, ObservingRecordsSwitchesMadeElsewhere) {
     provider.show("D1", 7);
     switcher.observe(provider.current);
     EXPECT_EQ(switcher.history.current("D1"), "unkeyed:7");
+}
+
+TEST_F(SpaceSwitcherTest, ObservingKeepsTheHelperWindowsInStepWithTheSpaces) {
+    switcher.helperWindow = &helper;
+    switcher.observe(provider.current);
+    EXPECT_EQ(helper.calls, Keys{"prune"}) << "the gesture is tried first, and nobody wants them warm";
+    switcher.keepHelperWindowsWarm = true;
+    switcher.observe(provider.current);
+    switcher.keepHelperWindowsWarm = false;
+    switcher.settings.instantSwitching = false;
+    switcher.observe(provider.current);
+    EXPECT_EQ(helper.calls, (Keys{"prune", "prune", "warm", "prune", "warm"}));
+}
+
+TEST_F(SpaceSwitcherTest, TheHelperWindowAloneSwitchesPastTheChain) {
+    const auto go = [&](const char* key, std::function<SpaceSnapshot()> rereading) {
+        return finish(loop, switcher.switchWithHelperWindow(key, std::move(rereading)));
+    };
+    const auto asIs = [&] { return provider.current; };
+    EXPECT_TRUE(go("U2", asIs).failedWith(Case::engineUnavailable));
+    switcher.dockSwipe = &dock;
+    switcher.helperWindow = &helper;
+    switcher.engineOverride = {&dock};
+    EXPECT_TRUE(go("unknown", asIs).failedWith(Case::targetNotInSnapshot));
+    EXPECT_EQ(go("U2", asIs).result->engine, EngineKind::helperWindow);
+    EXPECT_EQ(helper.calls, Keys{"2@D1"});
+    EXPECT_TRUE(dock.calls.empty());
+
+    // The key is that of the later reading, and there may be none.
+    go("U3", [&] {
+        SpaceSnapshot renamed = provider.current;
+        renamed.displays[0].spaces[2].uuid = "new";
+        return renamed;
+    });
+    go("U2", [] { return SpaceSnapshot(); });
+    go("U2", [&] {
+        SpaceSnapshot nameless = provider.current;
+        nameless.displays[0].spaces[1].uuid.clear();
+        return nameless;
+    });
+    EXPECT_EQ(switcher.history.entries("D1"), (Keys{"U2", "new"}));
+    EXPECT_EQ(landed, (Keys{"2@D1", "3@D1", "2@D1", "2@D1"}));
+
+    switcher.blockingReason = [] { return std::optional(SwitchError(Case::missionControlActive)); };
+    EXPECT_TRUE(go("U2", asIs).failedWith(Case::missionControlActive));
+    EXPECT_TRUE(go("unknown", asIs).failedWith(Case::targetNotInSnapshot));
 }
 
 TEST(SwitchResult, DescribesItselfInWholeMilliseconds) {

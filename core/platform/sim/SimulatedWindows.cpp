@@ -32,8 +32,7 @@ void SimulatedWindows::orderFront(WindowNumber number) {
     SimulatedWindow window = std::move(*found);
     windows_.erase(found);
     window.isOrderedIn = true;
-    const Point middle{window.bounds.x + window.bounds.width / 2, window.bounds.y + window.bounds.height / 2};
-    const SimulatedDisplay* display = layout_.displayAt(middle);
+    const SimulatedDisplay* display = layout_.displayAt(window.bounds.middle());
     if (window.spaces.empty() && display) window.spaces = {display->current};
     insertInFront(std::move(window));
 }
