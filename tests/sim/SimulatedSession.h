@@ -5,6 +5,7 @@
 #include "core/platform/PrivateAPI.h"
 #include "core/platform/sim/SimulatedMac.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -14,7 +15,10 @@ namespace lumnara::testing {
 /// A simulated Mac with the screens "LEFT" (built in) and "RIGHT", of three desktops each.
 class SimulatedSession {
 public:
-    explicit SimulatedSession(SimulatedMacOptions options = {}) : mac(loop, options) {
+    /// `prepare` is called before the platform looks anything up.
+    explicit SimulatedSession(SimulatedMacOptions options = {},
+                              const std::function<void(SimulatedMac&)>& prepare = {})
+        : mac(loop, options) {
         mac.addScreen({.uuid = "LEFT",
                        .connector = "built-in",
                        .name = "Panel",
@@ -26,6 +30,7 @@ public:
             {.uuid = "RIGHT", .connector = "1", .name = "Desk", .frame = {1512, 0, 2560, 1440}, .scale = 1},
             3);
         mac.pointer().moveTo({10, 10});
+        if (prepare) prepare(mac);
         platform = mac.platform();
     }
 

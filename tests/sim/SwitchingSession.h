@@ -1,0 +1,70 @@
+#pragma once
+
+#include "core/switching/DockSwipeEngine.h"
+#include "core/switching/HelperWindowEngine.h"
+#include "core/switching/SessionState.h"
+#include "core/switching/SpaceSwitcher.h"
+#include "tests/sim/SimulatedSession.h"
+#include "tests/switching/SwitchingTest.h"
+
+#include <optional>
+
+namespace lumnara::testing {
+
+/// The pointer's services with what the engines did through them.
+class WatchedEvents : public EventServices {
+public:
+    explicit WatchedEvents(EventServices& events) : events_(events) {}
+    void post(const SyntheticEvent& event, EventTap tap) override {
+        ++posted;
+        events_.post(event, tap);
+    }
+    std::optional<Point> pointer() override { return saved = events_.pointer(); }
+    void warpPointer(Point to) override {
+        lastWarp = to;
+        events_.warpPointer(to);
+    }
+    void forget() {
+        posted = 0;
+        saved.reset();
+        lastWarp.reset();
+    }
+
+    int posted = 0;
+    std::optional<Point> saved;
+    std::optional<Point> lastWarp;
+
+private:
+    EventServices& events_;
+};
+
+/// The whole chain of engines on a simulated Mac.
+class SwitchingSession : public SimulatedSession {
+public:
+    explicit SwitchingSession(SimulatedMacOptions options = {},
+                              const std::function<void(SimulatedMac&)>& prepare = {})
+        : SimulatedSession(options, prepare) {
+        switcher.dockSwipe = &dockSwipe;
+        switcher.helperWindow = &helperWindow;
+        switcher.blockingReason = [this] {
+            return SessionState::blockingReason(*platform.sessionProbe, *platform.windowServer);
+        };
+    }
+
+    Outcome switchTo(const char* display, std::size_t index) {
+        const auto snapshot = reader.snapshot();
+        const Space target = snapshot.spacesOnDisplay(display)->spaces.at(index);
+        return finish(loop, switcher.switchTo(target, {display}, std::nullopt));
+    }
+
+    LiveSpaceProvider reader = provider();
+    WatchedEvents events{*platform.eventServices};
+    DockSwipeEngine dockSwipe{reader, *platform.accessibility, events, *platform.screens};
+    HelperWindowEngine helperWindow{reader, *platform.windowServer, *platform.ownApplication,
+                                    *platform.workspace, *platform.screens};
+    SpaceSwitcher switcher{reader};
+    Probes probes{[this](const DisplayID& display) { return platform.windowServer->currentSpace(display); },
+                  [this](const DisplayID& display) { return platform.windowServer->isAnimating(display); }};
+};
+
+} // namespace lumnara::testing
