@@ -1,4 +1,5 @@
 #include "core/model/SpaceKitError.h"
+#include "core/switching/SwitchSettle.h"
 #include "tests/sim/SwitchingSession.h"
 
 #include <algorithm>
@@ -53,7 +54,7 @@ TEST_F(SwitchChainTest, FollowsTheUsersScrollDirection) {
     EXPECT_EQ(switchTo("LEFT", 2).result->attempts, 1);
 }
 
-TEST_F(SwitchChainTest, ALostGestureAndASnapBackCostARoundEach) {
+TEST_F(SwitchChainTest, ALostGestureCostsARound) {
     mac.inject(SimulatedFault::gestureLost);
     const Outcome second = switchTo("LEFT", 1);
     EXPECT_EQ(second.result->attempts, 2);
@@ -62,6 +63,34 @@ TEST_F(SwitchChainTest, ALostGestureAndASnapBackCostARoundEach) {
     mac.inject(SimulatedFault::gestureLost); // one step of two
     EXPECT_EQ(switchTo("RIGHT", 2).result->attempts, 2);
     EXPECT_EQ(shownAt("RIGHT"), 2u);
+}
+
+TEST(SwitchChain, ADisplayThatSnapsBackIsCaughtByTheLookOrByTheOneAfter) {
+    int caughtInTime = 0;
+    constexpr int seeds = 40;
+    for (std::uint64_t seed = 1; seed <= seeds; ++seed) {
+        testing::SwitchingSession session({.seed = seed});
+        const SpaceID target = session.space("LEFT", 1);
+        Space wanted;
+        wanted.id = target;
+        session.mac.inject(SimulatedFault::snapBack);
+        const DisplayID display{"LEFT"};
+        Outcome outcome;
+        const auto handle = async::spawn(
+            session.loop,
+            testing::noteOutcome(session.switcher.switchTo(wanted, display, std::nullopt), outcome));
+        session.loop.advance(2);
+        ASSERT_TRUE(outcome.result);
+        const auto reading = [&](const DisplayID& each) {
+            return session.platform.windowServer->currentSpace(each);
+        };
+        const bool holds =
+            SwitchSettle::unsettled(SwitchSettle::entries({{display, target}}, reading)).empty();
+        EXPECT_EQ(holds, outcome.result->attempts == 2);
+        caughtInTime += holds ? 1 : 0;
+    }
+    EXPECT_GT(caughtInTime, 0);
+    EXPECT_LT(caughtInTime, seeds);
 }
 
 TEST_F(SwitchChainTest, WithoutThePermissionTheHelperWindowSwitchesAndHandsTheFocusBack) {

@@ -139,9 +139,12 @@ private:
 
     void judgePointer() {
         const auto& events = session_.events;
-        if (events.lastWarp) EXPECT_EQ(*events.lastWarp, *events.saved) << "the last warp is the way back";
-        if (!befell(SimulatedFault::pointerGrabbed))
+        if (events.lastWarp) {
+            EXPECT_EQ(*events.lastWarp, *events.saved) << "the last warp is the way back";
+        }
+        if (!befell(SimulatedFault::pointerGrabbed)) {
             EXPECT_EQ(session_.mac.pointer().position(), pointerBefore_);
+        }
     }
 
     void judgeLanding(const SwitchResult& result) {

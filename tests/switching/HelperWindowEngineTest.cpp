@@ -233,6 +233,22 @@ TEST_F(HelperWindowEngineTest, WaitsLongAndHandsTheFocusBackBeforeItFails) {
     EXPECT_EQ(desk.take().back(), "activate 7 with 0");
 }
 
+TEST_F(HelperWindowEngineTest, ACancelledSwitchHandsTheFocusBackToo) {
+    run(7, "com.apple.finder");
+    const Space target = desktop(2);
+    const DisplayID display{"D1"};
+    const SpaceSnapshot snapshot = provider.current;
+    Outcome outcome;
+    auto handle =
+        async::spawn(loop, testing::noteOutcome(engine.switchTo(target, display, snapshot), outcome));
+    loop.advance(0.1);
+    handle.cancel();
+    loop.runUntilDone();
+    EXPECT_TRUE(outcome.failedWithA<async::Cancelled>());
+    EXPECT_EQ(loop.now(), async::wholeNanos(0.1));
+    EXPECT_EQ(desk.take().back(), "activate 7 with 0");
+}
+
 TEST_F(HelperWindowEngineTest, RefusesWhatItCannotDo) {
     EXPECT_TRUE(switchTo(desktop(4)).failedWith(Case::targetNotInSnapshot));
     EXPECT_TRUE(switchTo(desktop(2), "gone").failedWith(Case::targetNotInSnapshot));
