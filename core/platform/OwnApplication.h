@@ -22,7 +22,7 @@ struct WindowForm {
     bool ignoresMouseEvents = false;
     int level = 0;
     std::uint32_t collectionBehavior = 0;
-    std::string title;
+    std::string title{};
     bool isExcludedFromWindowsMenu = false;
 
     bool operator==(const WindowForm&) const = default;

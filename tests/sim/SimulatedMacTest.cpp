@@ -90,6 +90,11 @@ TEST_F(SimulatedMacTest, AFullscreenWindowHasASpaceToItselfBehindTheOneItLeft) {
     platform.windowServer->addWindowsToSpaces({foreign}, {fullscreen});
     EXPECT_EQ(spacesOf(foreign), std::vector<SpaceID>{space("LEFT", 0)}) << "it takes no foreign window";
 
+    const auto own = platform.ownApplication->makeWindow({.contentRect = {5, 5, 1, 1}});
+    own->orderFrontRegardless();
+    EXPECT_EQ(spacesOf(static_cast<WindowNumber>(own->windowNumber())), std::vector{space("LEFT", 0)})
+        << "not even one that opens while it is shown";
+
     mac.leaveFullscreen(window);
     loop.runUntilDone();
     EXPECT_EQ(mac.layout().display("LEFT")->spaces.size(), 3u);
@@ -139,6 +144,23 @@ TEST_F(SimulatedMacTest, ActivatingAnAppWhoseKeyWindowIsElsewhereGoesThereInTime
     EXPECT_EQ(front(), "Notes");
     EXPECT_EQ(platform.windowServer->activeMenuBarDisplay(), "RIGHT");
     EXPECT_EQ(events, std::vector{WorkspaceEvent::activeSpaceDidChange});
+}
+
+TEST_F(SimulatedMacTest, ALandingOnAnotherDisplayDoesNotStealTheFocusOfTheOneUnderWay) {
+    const auto app = mac.launch("Notes", {});
+    mac.openWindow(app, space("RIGHT", 2));
+    const WindowNumber other = mac.openWindow(mac.launch("Other", {}), space("RIGHT", 2));
+    mac.apps().activateSelf(app);
+    loop.advance(0.1);
+    mac.stage().move(space("LEFT", 1), 0);
+    loop.advance(1);
+    EXPECT_EQ(front(), "Notes") << "and not who stands in front there";
+
+    EXPECT_EQ(listed(WindowListOption::onScreenOnly).back(), other) << "the focused window came to the front";
+    mac.stage().move(space("RIGHT", 0), 0);
+    mac.windows().orderFront(other);
+    mac.stage().move(space("RIGHT", 2), 0);
+    EXPECT_EQ(front(), "Other") << "a landing that nobody led";
 }
 
 TEST_F(SimulatedMacTest, AnAppThatHasAWindowInViewStays) {

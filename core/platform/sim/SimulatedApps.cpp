@@ -71,10 +71,9 @@ void SimulatedApps::carryOut() {
     const auto request = std::exchange(requested_, std::nullopt);
     if (!request || !find(request->pid)) return;
     const SimulatedWindow* window = windowToShow(*request);
-    if (!window || window->alpha <= 0 || window->spaces.empty() || windows_.isOnScreen(*window)) {
-        focus(request->pid, window);
-        return;
-    }
+    const bool leadsNowhere = !window || !window->isOrderedIn || window->alpha <= 0 ||
+                              window->spaces.empty() || windows_.isOnScreen(*window);
+    if (leadsNowhere) return focus(request->pid, window ? window->number : 0);
     active_ = request->pid;
     underWay_ = Request{request->pid, window->number};
     stage_.move(window->spaces.front(), random_.between(0.45, 0.75));
@@ -96,26 +95,32 @@ const SimulatedWindow* SimulatedApps::frontWindowInView(std::int32_t pid) const 
 }
 
 void SimulatedApps::focusWhatIsShown(SpaceID space) {
-    const auto led = std::exchange(underWay_, std::nullopt);
-    const SimulatedWindow* leading = led ? windows_.find(led->window) : nullptr;
-    if (leading && std::ranges::count(leading->spaces, space) > 0) return focus(led->pid, leading);
-    if (const SimulatedDisplay* display = layout_.displayOf(space)) menuBarDisplay_ = display->uuid;
+    const SimulatedDisplay* display = layout_.displayOf(space);
+    const SimulatedWindow* leading = underWay_ ? windows_.find(underWay_->window) : nullptr;
+    // A landing on another display leaves the one that is under way alone.
+    if (leading && !leading->spaces.empty() && layout_.displayOf(leading->spaces.front()) == display) {
+        const Request led = *std::exchange(underWay_, std::nullopt);
+        if (std::ranges::count(leading->spaces, space) > 0) return focus(led.pid, led.window);
+    }
+    if (display) menuBarDisplay_ = display->uuid;
     for (const SimulatedWindow& window : windows_.all()) {
         const RunningApplication* owner = find(window.ownerPid);
         const bool isThere =
             window.layer == 0 && windows_.isOnScreen(window) && std::ranges::count(window.spaces, space) > 0;
         if (isThere && owner && owner->policy == ActivationPolicy::regular)
-            return focus(window.ownerPid, &window);
+            return focus(window.ownerPid, window.number);
     }
 }
 
-void SimulatedApps::focus(std::int32_t pid, const SimulatedWindow* window) {
+void SimulatedApps::focus(std::int32_t pid, WindowNumber number) {
     active_ = pid;
-    if (!window) return;
-    keyWindows_[pid] = window->number;
+    const SimulatedWindow* window = windows_.find(number);
+    if (!window || !window->isOrderedIn) return;
+    keyWindows_[pid] = number;
     const SimulatedDisplay* display =
         window->spaces.empty() ? nullptr : layout_.displayOf(window->spaces.front());
     if (display) menuBarDisplay_ = display->uuid;
+    windows_.orderFront(number);
 }
 
 } // namespace lumnara

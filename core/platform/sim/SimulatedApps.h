@@ -55,7 +55,8 @@ private:
     const SimulatedWindow* windowToShow(const Request& request) const;
     const SimulatedWindow* frontWindowInView(std::int32_t pid) const;
     void focusWhatIsShown(SpaceID space);
-    void focus(std::int32_t pid, const SimulatedWindow* window);
+    /// `number` may be 0, for an application without a window to focus.
+    void focus(std::int32_t pid, WindowNumber number);
 
     async::Loop& loop_;
     SimulatedRandom& random_;
@@ -71,7 +72,7 @@ private:
     std::string menuBarDisplay_;
     std::optional<Request> requested_;
     std::unique_ptr<async::Delayed> timer_;
-    /// The window that leads to a Space; it gets the focus there.
+    /// The window that leads its display to a Space, where it gets the focus.
     std::optional<Request> underWay_;
     async::Subscription shown_;
 };

@@ -33,7 +33,7 @@ void SimulatedWindows::orderFront(WindowNumber number) {
     windows_.erase(found);
     window.isOrderedIn = true;
     const SimulatedDisplay* display = layout_.displayAt(window.bounds.middle());
-    if (window.spaces.empty() && display) window.spaces = {display->current};
+    if (window.spaces.empty() && display) window.spaces = {spaceFor(window, *display, display->current)};
     insertInFront(std::move(window));
 }
 
@@ -49,9 +49,7 @@ void SimulatedWindows::addToSpaces(WindowNumber number, const std::vector<SpaceI
         const SimulatedDisplay* display = layout_.displayOf(id);
         const SimulatedSpace* space = display ? display->find(id) : nullptr;
         if (!space || std::ranges::count(window->spaces, id) > 0) continue;
-        const SimulatedWindow* fullscreen = find(space->fullscreenWindow);
-        const bool isOwners = fullscreen && fullscreen->ownerPid == window->ownerPid;
-        if (space->kind != SpaceKind::fullscreen || isOwners) window->spaces.push_back(id);
+        if (takes(*space, *window)) window->spaces.push_back(id);
     }
 }
 
@@ -62,9 +60,10 @@ void SimulatedWindows::removeFromSpaces(WindowNumber number, const std::vector<S
 }
 
 void SimulatedWindows::moveOff(SpaceID from, SpaceID to) {
+    const SimulatedDisplay* display = layout_.displayOf(to);
     for (SimulatedWindow& window : windows_) {
         const bool wasThere = std::erase(window.spaces, from) > 0;
-        if (wasThere && window.spaces.empty()) window.spaces = {to};
+        if (wasThere && window.spaces.empty()) window.spaces = {spaceFor(window, *display, to)};
     }
 }
 
@@ -90,6 +89,17 @@ PropertyList SimulatedWindows::list(WindowListOption option) const {
                                                                   {"Height", window.bounds.height}}}});
     }
     return entries;
+}
+
+bool SimulatedWindows::takes(const SimulatedSpace& space, const SimulatedWindow& window) const {
+    const SimulatedWindow* fullscreen = find(space.fullscreenWindow);
+    return space.kind != SpaceKind::fullscreen || (fullscreen && fullscreen->ownerPid == window.ownerPid);
+}
+
+SpaceID SimulatedWindows::spaceFor(const SimulatedWindow& window, const SimulatedDisplay& display,
+                                   SpaceID wanted) const {
+    if (takes(*display.find(wanted), window)) return wanted;
+    return std::ranges::find(display.spaces, SpaceKind::user, &SimulatedSpace::kind)->id;
 }
 
 std::vector<SimulatedWindow>::iterator SimulatedWindows::position(WindowNumber number) {

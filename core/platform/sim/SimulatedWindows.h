@@ -34,14 +34,16 @@ public:
     void remove(WindowNumber number);
     void removeAllOf(std::int32_t pid);
     void clear();
-    /// To the front of its layer. A window that was on no Space comes to the one shown where it lies.
+    /// To the front of its layer. A window that was on no Space comes to the one shown where it lies, or to
+    /// the first desktop there.
     void orderFront(WindowNumber number);
     void orderOut(WindowNumber number);
 
     /// A Space that a full-screen window has to itself takes only windows of the same owner.
     void addToSpaces(WindowNumber number, const std::vector<SpaceID>& spaces);
     void removeFromSpaces(WindowNumber number, const std::vector<SpaceID>& spaces);
-    /// The windows that are on `from` alone go to `to`, all others leave `from`.
+    /// The windows that are on `from` alone go to `to`, or to the first desktop there; all others leave
+    /// `from`. `to` is there.
     void moveOff(SpaceID from, SpaceID to);
 
     /// Ordered in, not wholly transparent, and on a Space that is shown.
@@ -50,6 +52,9 @@ public:
     PropertyList list(WindowListOption option) const;
 
 private:
+    bool takes(const SimulatedSpace& space, const SimulatedWindow& window) const;
+    /// The wanted Space if it takes the window, else the first desktop.
+    SpaceID spaceFor(const SimulatedWindow& window, const SimulatedDisplay& display, SpaceID wanted) const;
     std::vector<SimulatedWindow>::iterator position(WindowNumber number);
     void insertInFront(SimulatedWindow window);
 
