@@ -3,25 +3,11 @@
 namespace lumnara {
 namespace {
 
-/// The event of a swipe as a trackpad's would be read, with one field as the test wants it.
-SyntheticEvent swipeEvent(std::int64_t phase, double velocity) {
-    SyntheticEvent event;
-    event.set(55, std::int64_t{30});
-    event.set(110, std::int64_t{23});
-    event.set(132, phase);
-    event.set(124, velocity < 0 ? -0.1 : 0.1);
-    event.set(123, std::int64_t{1});
-    event.set(129, velocity);
-    event.set(130, velocity);
-    return event;
-}
+using testing::swipeEvent;
 
 class SimulatedDockTest : public ::testing::Test, protected testing::SimulatedSession {
 protected:
     void post(const SyntheticEvent& event) { platform.eventServices->post(event, EventTap::session); }
-    void swipe(double velocity) {
-        for (const std::int64_t phase : {1, 2, 4}) post(swipeEvent(phase, velocity));
-    }
     /// Where "LEFT" stands after a swipe whose events all carry this field, from its middle desktop.
     template <class T> std::size_t shownAfterSwipeWith(int field, T value) {
         mac.stage().move(space("LEFT", 1), 0);
@@ -131,8 +117,7 @@ TEST_F(SimulatedDockTest, TheScrollDirectionTurnsTheSignAround) {
 TEST(SimulatedDock, MovesTheSharedArrangementFromAnyScreen) {
     testing::SimulatedSession session({.separateSpaces = false});
     session.mac.pointer().moveTo({2000, 500});
-    for (const std::int64_t phase : {1, 2, 4})
-        session.platform.eventServices->post(swipeEvent(phase, 2000), EventTap::session);
+    session.swipe(2000);
     session.loop.runUntilDone();
     EXPECT_EQ(session.shownAt("Main"), 1u);
 }

@@ -10,17 +10,7 @@ namespace {
 class SimulatedFaultsTest : public ::testing::Test, protected testing::SimulatedSession {
 protected:
     void swipe() {
-        for (const std::int64_t phase : {1, 2, 4}) {
-            SyntheticEvent event;
-            event.set(55, std::int64_t{30});
-            event.set(110, std::int64_t{23});
-            event.set(132, phase);
-            event.set(124, 0.1);
-            event.set(123, std::int64_t{1});
-            event.set(129, 2000.0);
-            event.set(130, 2000.0);
-            platform.eventServices->post(event, EventTap::session);
-        }
+        SimulatedSession::swipe(2000);
         loop.advance(0.02);
     }
 };

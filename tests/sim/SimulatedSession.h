@@ -12,6 +12,19 @@
 
 namespace lumnara::testing {
 
+/// The event of one phase of a swipe, as a trackpad's would be read.
+inline SyntheticEvent swipeEvent(std::int64_t phase, double velocity) {
+    SyntheticEvent event;
+    event.set(55, std::int64_t{30});
+    event.set(110, std::int64_t{23});
+    event.set(132, phase);
+    event.set(124, velocity < 0 ? -0.1 : 0.1);
+    event.set(123, std::int64_t{1});
+    event.set(129, velocity);
+    event.set(130, velocity);
+    return event;
+}
+
 /// A simulated Mac with the screens "LEFT" (built in) and "RIGHT", of three desktops each.
 class SimulatedSession {
 public:
@@ -41,6 +54,10 @@ public:
     std::size_t shownAt(const char* display) const {
         const SimulatedDisplay* found = mac.layout().display(display);
         return found->indexOf(found->current);
+    }
+    void swipe(double velocity) {
+        for (const std::int64_t phase : {1, 2, 4})
+            platform.eventServices->post(swipeEvent(phase, velocity), EventTap::session);
     }
     std::string front() { return platform.workspace->frontmostApplication().value_or("nobody"); }
     LiveSpaceProvider provider() {
