@@ -17,7 +17,7 @@ enum class SimulatedFault {
     pointerGrabbed       ///< for a while the user pushes the pointer about
 };
 
-constexpr std::array everySimulatedFault{
+inline constexpr std::array everySimulatedFault{
     SimulatedFault::gestureLost,   SimulatedFault::animationNeverEnds,  SimulatedFault::snapBack,
     SimulatedFault::staleReading,  SimulatedFault::permissionWithdrawn, SimulatedFault::symbolMissing,
     SimulatedFault::pointerGrabbed};
