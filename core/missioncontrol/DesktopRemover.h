@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/missioncontrol/MissionControlSession.h"
-#include "core/missioncontrol/RemoveOutcome.h"
 #include "core/model/SpaceProvider.h"
+#include "core/platform/RemoveOutcome.h"
 
 #include <functional>
 #include <optional>

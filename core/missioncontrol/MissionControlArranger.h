@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/missioncontrol/DesktopArranger.h"
 #include "core/missioncontrol/DesktopCreator.h"
 #include "core/missioncontrol/DesktopRemover.h"
 #include "core/missioncontrol/SpaceReorderer.h"
+#include "core/platform/DesktopArranger.h"
 
 namespace lumnara {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/missioncontrol/ReorderMove.h"
+#include "core/platform/ReorderMove.h"
 
 #include <cstddef>
 #include <memory_resource>

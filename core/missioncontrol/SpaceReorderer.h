@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/missioncontrol/MissionControlSession.h"
-#include "core/missioncontrol/ReorderOutcome.h"
 #include "core/model/SpaceProvider.h"
+#include "core/platform/ReorderOutcome.h"
 
 #include <functional>
 #include <string>

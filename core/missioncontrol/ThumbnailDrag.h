@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/missioncontrol/MissionControlSession.h"
-#include "core/missioncontrol/ReorderMove.h"
+#include "core/platform/ReorderMove.h"
 
 #include <optional>
 #include <string>

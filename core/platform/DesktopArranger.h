@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/async/Task.h"
-#include "core/missioncontrol/RemoveOutcome.h"
-#include "core/missioncontrol/ReorderOutcome.h"
+#include "core/platform/RemoveOutcome.h"
+#include "core/platform/ReorderOutcome.h"
 
 #include <functional>
 #include <optional>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/missioncontrol/ReorderMove.h"
 #include "core/model/SpaceSnapshot.h"
+#include "core/platform/ReorderMove.h"
 
 #include <optional>
 #include <string>
