@@ -1,6 +1,6 @@
 #include "core/missioncontrol/DesktopRemover.h"
 
-#include "core/missioncontrol/DesktopRemoveError.h"
+#include "core/missioncontrol/DesktopReadings.h"
 #include "core/missioncontrol/MissionControlScript.h"
 #include "core/missioncontrol/MissionControlSentences.h"
 #include "core/missioncontrol/MissionControlTiming.h"
@@ -8,34 +8,13 @@
 #include <algorithm>
 #include <charconv>
 #include <fmt/core.h>
-#include <unordered_set>
 #include <utility>
 
 namespace lumnara {
 
 namespace {
 
-std::vector<SpaceID> withoutRepetitions(const std::vector<SpaceID>& ids) {
-    std::unordered_set<SpaceID> seen;
-    std::vector<SpaceID> kept;
-    for (const SpaceID id : ids)
-        if (seen.insert(id).second) kept.push_back(id);
-    return kept;
-}
-
 bool isUserDesktop(const Space& space) { return space.kind == SpaceKind::user; }
-
-void requireRemovable(const std::vector<SpaceID>& ids, const DisplaySpaces& shown) {
-    using Case = DesktopRemoveError::Case;
-    for (const SpaceID id : ids) {
-        const auto space = std::ranges::find(shown.spaces, id, &Space::id);
-        if (space == shown.spaces.end()) throw DesktopRemoveError(Case::notOnDisplay);
-        if (!isUserDesktop(*space)) throw DesktopRemoveError(Case::notAUserDesktop);
-    }
-    const auto userDesktops = std::ranges::count_if(shown.spaces, isUserDesktop);
-    if (userDesktops <= static_cast<std::ptrdiff_t>(ids.size()))
-        throw DesktopRemoveError(Case::lastOnDisplay);
-}
 
 /// Where the desktop stands on its display.
 struct DesktopPlace {
@@ -69,24 +48,13 @@ std::optional<int> numberInTitle(std::string_view title) {
     return number;
 }
 
-/// Whether the desktop is gone and its display is still there. A display that was unplugged takes its
-/// desktops to another one, and nothing has been removed then.
-bool isRemoved(SpaceID id, const DisplayID& display, SpaceProvider& provider) {
-    const auto snapshot = MissionControlScript::look(provider);
-    if (!snapshot || snapshot->spacesOnDisplay(display.uuid) == nullptr) return false;
-    return std::ranges::none_of(snapshot->displays, [id](const DisplaySpaces& shown) {
-        return std::ranges::find(shown.spaces, id, &Space::id) != shown.spaces.end();
-    });
-}
-
 } // namespace
 
 async::Task<RemoveOutcome> DesktopRemover::remove(std::vector<SpaceID> ids, DisplayID display,
                                                   SpaceProvider& provider) {
     const Rect frame = MissionControlScript::requireReady(driver_, display);
     const DisplaySpaces shown = MissionControlScript::requireDisplay(provider, display);
-    ids = withoutRepetitions(ids);
-    requireRemovable(ids, shown);
+    ids = DesktopReadings::removable(ids, shown);
     RemoveOutcome outcome;
     if (ids.empty()) co_return outcome;
 
@@ -109,7 +77,8 @@ async::Task<> DesktopRemover::removeAll(std::vector<SpaceID> ids, DisplayID disp
         outcome.stoppedBecause = requestRemoval(id, display, displayFrame, count, provider);
         if (outcome.stoppedBecause) co_return;
         co_await driver_.pause(MissionControlTiming::afterDrop);
-        if (!isRemoved(id, display, provider)) {
+        const auto now = MissionControlScript::look(provider);
+        if (!now || !DesktopReadings::isRemoved(id, display, *now)) {
             outcome.stoppedBecause = "Mission Control did not remove the desktop.";
             co_return;
         }

@@ -1,9 +1,9 @@
 #include "core/missioncontrol/MissionControlArranger.h"
 
+#include "core/missioncontrol/DesktopReadings.h"
 #include "core/missioncontrol/MissionControlScript.h"
 #include "core/missioncontrol/SpaceReorderError.h"
 
-#include <unordered_set>
 #include <utility>
 
 namespace lumnara {
@@ -34,12 +34,7 @@ async::Task<std::vector<SpaceID>> MissionControlArranger::create(DisplayID displ
     if (!frame) throw SpaceReorderError(SpaceReorderError::Case::displayNotAttached);
     co_await creator_.create(*frame, frame, static_cast<int>(before.userSpaces(display.uuid).size()));
 
-    std::unordered_set<SpaceID> known;
-    for (const PlacedSpace& each : before.allSpaces()) known.insert(each.space.id);
-    std::vector<SpaceID> added;
-    for (const Space& space : provider_.snapshot().userSpaces(display.uuid))
-        if (!known.contains(space.id)) added.push_back(space.id);
-    co_return added;
+    co_return DesktopReadings::added(before, provider_.snapshot(), display);
 }
 
 } // namespace lumnara

@@ -1,5 +1,6 @@
 #include "core/missioncontrol/SpaceReorderer.h"
 
+#include "core/missioncontrol/DesktopReadings.h"
 #include "core/missioncontrol/MissionControlScript.h"
 #include "core/missioncontrol/MissionControlTiming.h"
 #include "core/missioncontrol/ReorderPlan.h"
@@ -13,18 +14,12 @@ namespace lumnara {
 
 namespace {
 
-std::vector<SpaceID> idsOf(const DisplaySpaces& shown) {
-    std::vector<SpaceID> ids;
-    for (const Space& space : shown.spaces) ids.push_back(space.id);
-    return ids;
-}
-
 /// The display's order as it is now; nothing when it can't be read or the display is gone.
 std::optional<std::vector<SpaceID>> orderOn(SpaceProvider& provider, const DisplayID& display) {
     const auto snapshot = MissionControlScript::look(provider);
     const DisplaySpaces* shown = snapshot ? snapshot->spacesOnDisplay(display.uuid) : nullptr;
     if (shown == nullptr) return std::nullopt;
-    return idsOf(*shown);
+    return DesktopReadings::idsOf(*shown);
 }
 
 } // namespace
@@ -32,7 +27,8 @@ std::optional<std::vector<SpaceID>> orderOn(SpaceProvider& provider, const Displ
 async::Task<ReorderOutcome> SpaceReorderer::reorder(DisplayID display, std::vector<SpaceID> desired,
                                                     SpaceProvider& provider) {
     const Rect frame = MissionControlScript::requireReady(driver_, display);
-    std::vector<SpaceID> working = idsOf(MissionControlScript::requireDisplay(provider, display));
+    std::vector<SpaceID> working =
+        DesktopReadings::idsOf(MissionControlScript::requireDisplay(provider, display));
     if (working.empty()) throw SpaceReorderError(SpaceReorderError::Case::displayNotInSnapshot);
     const std::vector<SpaceID> target = ReorderPlan::reconciled(desired, working);
     ReorderOutcome outcome;
