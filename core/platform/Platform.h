@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/platform/Accessibility.h"
+#include "core/platform/DesktopArranger.h"
 #include "core/platform/DesktopNamePublisher.h"
 #include "core/platform/EventServices.h"
 #include "core/platform/GlobalShortcuts.h"
@@ -32,6 +33,8 @@ struct Platform {
     std::unique_ptr<Accessibility> accessibility;
     std::unique_ptr<OwnApplication> ownApplication;
     std::unique_ptr<SessionProbe> sessionProbe;
+    /// Uses the window server.
+    std::unique_ptr<DesktopArranger> arranger;
 };
 
 } // namespace lumnara

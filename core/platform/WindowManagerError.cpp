@@ -14,6 +14,7 @@ std::string sentenceOf(WindowManagerError::Case which, const std::string& window
         return "The connection to " + windowManager + " was lost. Lumnara keeps trying to reach it.";
     case Case::notAnswering: return windowManager + " is not answering. Lumnara keeps asking.";
     case Case::refused: return windowManager + " refused a command: " + detail + ".";
+    case Case::noDesktops: return windowManager + " did not report any desktops on that display.";
     }
     return {};
 }

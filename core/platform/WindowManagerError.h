@@ -14,7 +14,8 @@ public:
         noWindowManager, ///< a display, and no window manager that tells of desktops
         connectionLost,  ///< it went away; the connection is tried again
         notAnswering,    ///< it is there and doesn't answer in time; it is asked again
-        refused          ///< it answered a command with an error; detail holds its words
+        refused,         ///< it answered a command with an error; detail holds its words
+        noDesktops       ///< it tells of no desktops on that display
     };
 
     WindowManagerError(Case which, std::string windowManager, std::string detail = {});

@@ -82,6 +82,10 @@ public:
         const bool met = runUntil([&] { return (seen = workspaces(output)) == expected; });
         return met ? ::testing::AssertionSuccess() : ::testing::AssertionFailure() << "shows " << seen;
     }
+    bool hasMark(const std::string& mark) {
+        const auto marks = nlohmann::json::parse(message({"-t", "get_marks"}));
+        return std::ranges::find(marks, nlohmann::json(mark)) != marks.end();
+    }
     void command(const std::string& command) { message({"--", command}); }
 
     DisplaySpaces desktops(const std::string& output) {

@@ -361,5 +361,50 @@ TEST_F(WorkspaceRegistryTest, ForgetsTheOldestOfThoseWithoutARecord) {
     EXPECT_EQ(uuid("kept"), kept);
 }
 
+TEST_F(WorkspaceRegistryTest, AddsADesktopWithTheFirstFreeNumber) {
+    registry->reconcile({{"L", {{11, "1"}, {12, "4: x"}, {13, "web"}}}, {"R", {{14, "5"}, {15, "6"}}}});
+    registry->reconcile({{"L", {{11, "1"}, {12, "4: x"}, {13, "web"}}}, {"R", {{14, "5"}}}});
+    registry->create("L");
+    registry->reconcile({{"L", {{11, "1"}, {12, "4: x"}, {13, "web"}}}, {"R", {{14, "5"}}}});
+    EXPECT_EQ(shown("L"), "1 4: x [6] web ") << "6 was only remembered";
+    const std::string six = uuid("6");
+    publish({});
+    open();
+    registry->reconcile({{"L", {{21, "6"}}}, {"R", {{24, "5"}}}});
+    EXPECT_EQ(uuid("6"), six);
+    registry->reconcile({{"L", {{22, "7"}}}, {"R", {{24, "5"}}}});
+    EXPECT_EQ(shown("L"), "[6] 7 ");
+    registry->remove(named("7").id);
+    EXPECT_EQ(shown("L"), "[6] 7 ") << "it has a workspace";
+    registry->remove(named("6").id);
+    EXPECT_EQ(shown("L"), "7 ");
+}
+
+TEST_F(WorkspaceRegistryTest, FollowsAnOrderAsFarAsItWasCarriedOut) {
+    const Live live{{"L", {{11, "1"}, {12, "2"}}}};
+    registry->reconcile(live);
+    const SpaceID one = named("1").id;
+    const SpaceID two = named("2").id;
+    const std::string first = uuid("1");
+    auto renames = registry->arrange({two, one}, IpcDialect::i3);
+    ASSERT_EQ(renames.size(), 4U);
+    registry->arranged(renames);
+    registry->reconcile(live);
+    EXPECT_EQ(named("1").id, one) << "nothing was announced";
+    EXPECT_EQ(settle(), "");
+
+    renames = registry->arrange({two, one}, IpcDialect::i3);
+    for (const auto& rename : renames) registry->renamed(rename.uuid == first ? 11 : 12, rename.to);
+    registry->arranged(renames);
+    registry->reconcile({{"L", {{12, "1"}, {11, "2"}}}});
+    EXPECT_EQ(registry->spaces("L").front()->id, two);
+    EXPECT_EQ(registry->spaces("L").front()->ownName, "1");
+
+    renames = registry->arrange({one, two}, IpcDialect::i3);
+    registry->renamed(12, renames[1].to);
+    registry->arranged(renames);
+    EXPECT_EQ(settle(), renames[1].to + ">1 ") << "it was left with the name in passing";
+}
+
 } // namespace
 } // namespace lumnara::testing

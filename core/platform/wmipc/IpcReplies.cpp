@@ -84,6 +84,22 @@ const json& array(const json& value) {
     return value;
 }
 
+/// The nodes below a node; none where it has no such list.
+std::vector<const json*> childrenOf(const json& node, std::initializer_list<const char*> lists) {
+    std::vector<const json*> children;
+    for (const char* list : lists)
+        if (const auto found = node.find(list); found != node.end())
+            for (const json& child : array(*found)) children.push_back(&child);
+    return children;
+}
+
+IpcWorkspaceContents contentsOf(const json& workspace) {
+    IpcWorkspaceContents contents{.id = integer(workspace, "id"), .containers = {}};
+    for (const json* container : childrenOf(workspace, {"nodes", "floating_nodes"}))
+        contents.containers.push_back(integer(*container, "id"));
+    return contents;
+}
+
 IpcOutcome outcome(const json& reply) {
     return {.success = flag(reply, "success"), .error = textOrNone(reply, "error")};
 }
@@ -161,11 +177,25 @@ std::optional<std::string> parseFocusedApplication(std::string_view text) {
             if (properties == node.end() || !properties->contains("class")) return std::nullopt;
             return textIn(*properties, "class");
         }
-        for (const char* children : {"nodes", "floating_nodes"})
-            if (const auto found = node.find(children); found != node.end())
-                for (const json& child : *found) left.push_back(&child);
+        for (const json* child : childrenOf(node, {"nodes", "floating_nodes"})) left.push_back(child);
     }
     return std::nullopt;
+}
+
+std::vector<IpcWorkspaceContents> parseContents(std::string_view text) {
+    const json tree = parseReply(text);
+    std::vector<IpcWorkspaceContents> contents;
+    std::vector<const json*> left{&tree};
+    while (!left.empty()) {
+        const json& node = *left.back();
+        left.pop_back();
+        if (textOrNone(node, "type") == "workspace") {
+            contents.push_back(contentsOf(node));
+            continue;
+        }
+        for (const json* child : childrenOf(node, {"nodes"})) left.push_back(child);
+    }
+    return contents;
 }
 
 std::string parseConfig(std::string_view text) {

@@ -63,6 +63,14 @@ std::string parseBindingEvent(std::string_view json);
 /// workspace has it.
 std::optional<std::string> parseFocusedApplication(std::string_view text);
 
+/// A workspace of GET_TREE with what stands on it: the containers that are moved as a whole, tiled and
+/// floating ones.
+struct IpcWorkspaceContents {
+    std::int64_t id = 0;
+    std::vector<std::int64_t> containers;
+};
+std::vector<IpcWorkspaceContents> parseContents(std::string_view json);
+
 /// The text of the configuration file that GET_CONFIG answers with.
 std::string parseConfig(std::string_view json);
 

@@ -87,7 +87,7 @@ std::vector<IpcSession::Display> IpcSession::identified(std::vector<IpcOutputRep
 
 void IpcSession::activate(SpaceID space, const DisplayID& display, const DisplayID* focused,
                           I3Ipc::OnOutcomes onOutcomes) {
-    std::string commands = activation(space, display);
+    std::string commands = showing(space, display);
     if (focused && !text::equalsIgnoringCase(focused->uuid, display.uuid))
         if (const auto focus = focusing(*focused)) commands += "; " + *focus;
     const auto result = std::make_shared<std::optional<std::vector<IpcOutcome>>>();
@@ -100,7 +100,7 @@ void IpcSession::activate(SpaceID space, const DisplayID& display, const Display
     });
 }
 
-std::string IpcSession::activation(SpaceID space, const DisplayID& display) const {
+std::string IpcSession::showing(SpaceID space, const DisplayID& display) const {
     const RegisteredDesktop* desktop = registry_.find(space);
     const auto focus = focusing(display);
     if (!desktop || !focus) {
@@ -118,11 +118,17 @@ std::optional<std::string> IpcSession::focusing(const DisplayID& display) const 
     return "focus output " + quoted(dialect_, connector->second);
 }
 
+std::string IpcSession::renaming(const std::string& from, const std::string& to) const {
+    return "rename workspace " + quoted(dialect_, from) + " to " + quoted(dialect_, to);
+}
+
+void IpcSession::noteChange() {
+    news_.space = true;
+    tellLater();
+}
+
 void IpcSession::publish(const std::vector<PublishedDesktop>& desktops) {
-    if (registry_.setPublished(desktops)) {
-        news_.space = true;
-        tellLater();
-    }
+    if (registry_.setPublished(desktops)) noteChange();
     settleNames();
 }
 
@@ -134,10 +140,9 @@ void IpcSession::settleNames() {
         return titledWorkspace(dialect_, ownName, title, taken);
     };
     for (const WorkspaceRegistry::Rename& rename : registry_.settleNames(makeName)) {
-        const std::string command =
-            "rename workspace " + quoted(dialect_, rename.from) + " to " + quoted(dialect_, rename.to);
         try {
-            ipc_.run(command, [this, rename](const std::vector<IpcOutcome>* outcomes) {
+            ipc_.run(renaming(rename.from, rename.to), [this,
+                                                        rename](const std::vector<IpcOutcome>* outcomes) {
                 if (!outcomes || (!outcomes->empty() && outcomes->front().success)) return;
                 if (!registry_.renameRefused(rename)) return;
                 log("Lumnara " + ipc_.windowManager() + ": \"" + rename.from + "\" was not renamed to \"" +
@@ -156,10 +161,7 @@ void IpcSession::onConnected() {
     tellLater();
 }
 
-void IpcSession::onLost() {
-    news_.space = true;
-    tellLater();
-}
+void IpcSession::onLost() { noteChange(); }
 
 void IpcSession::onEvent(const IpcFrame& event) {
     toldAhead_.reset();

@@ -41,7 +41,8 @@ public:
     IpcSession(async::Loop& loop, Setup setup);
 
     I3Ipc& ipc() { return ipc_; }
-    const WorkspaceRegistry& registry() const { return registry_; }
+    WorkspaceRegistry& registry() { return registry_; }
+    IpcDialect dialect() const { return dialect_; }
 
     /// Reads outputs and workspaces and takes them into the registry: the active displays, left to right
     /// and then top to bottom. Throws WindowManagerError.
@@ -54,9 +55,20 @@ public:
     void activate(SpaceID space, const DisplayID& display, const DisplayID* focused,
                   I3Ipc::OnOutcomes onOutcomes);
 
+    /// The command that shows a desktop and gives it the keyboard. Throws WindowManagerError when nobody
+    /// knows the desktop or the display.
+    std::string showing(SpaceID space, const DisplayID& display) const;
+    /// The command that gives the keyboard to a display; nothing for one that nobody knows.
+    std::optional<std::string> focusing(const DisplayID& display) const;
+    /// The command that renames a workspace.
+    std::string renaming(const std::string& from, const std::string& to) const;
+
     /// Takes in which desktops have records, and puts their names on the workspaces: now, or once the window
     /// manager can be asked. Doesn't wait for it.
     void publish(const std::vector<PublishedDesktop>& desktops);
+
+    /// Desktops came or went in the registry alone.
+    void noteChange();
 
     /// Something changed; emitted outside of any reading, once of a kind for all that came together.
     async::Signal<WorkspaceEvent>& changed() { return changed_; }
@@ -71,9 +83,6 @@ private:
     void onEvent(const IpcFrame& event) override;
     void onWorkspaceEvent(const IpcWorkspaceEvent& event);
 
-    std::string activation(SpaceID space, const DisplayID& display) const;
-    /// The command that gives the keyboard to a display; nothing for one that nobody knows.
-    std::optional<std::string> focusing(const DisplayID& display) const;
     std::vector<IpcWorkspaceReply> readWorkspaces();
     void readDisplays();
     std::vector<Display> identified(std::vector<IpcOutputReply> outputs) const;

@@ -23,6 +23,8 @@ struct RegisteredDesktop {
     std::string title;
     /// It has a record, so it stays a Space while its workspace is gone.
     bool kept = false;
+    /// The user has added it, so it stays a Space until it is removed.
+    bool added = false;
     /// The number of the last reading that had its workspace.
     std::uint64_t lastSeen = 0;
 
@@ -36,7 +38,7 @@ struct RegisteredDesktop {
     /// How often the window manager has refused to show this title.
     int refusals = 0;
 
-    bool isSpace() const { return handle || kept; }
+    bool isSpace() const { return handle || kept || added; }
     /// The workspace's name once the window manager has done what it was asked.
     const std::string& nextName() const { return asked.empty() ? workspace : asked.back(); }
 };

@@ -1,5 +1,7 @@
 #include "core/platform/wmipc/WmIpcPlatform.h"
 
+#include "core/missioncontrol/WindowManagerArranger.h"
+#include "core/platform/wmipc/IpcDesktopArranging.h"
 #include "core/platform/wmipc/IpcNamePublisher.h"
 #include "core/platform/wmipc/IpcSession.h"
 #include "core/platform/wmipc/IpcSpaceActivator.h"
@@ -16,13 +18,15 @@ namespace {
 
 constexpr const char* registryFileName = "workspaces.json";
 
-Platform platformOn(std::shared_ptr<IpcSession> session) {
+Platform platformOn(async::Loop& loop, std::shared_ptr<IpcSession> session) {
     Platform platform;
     platform.name = session->ipc().windowManager();
     platform.windowServer = std::make_unique<IpcWindowServer>(*session);
     platform.workspace = std::make_unique<IpcWorkspace>(*session);
     platform.spaceActivator = std::make_unique<IpcSpaceActivator>(*session);
     platform.namePublisher = std::make_unique<IpcNamePublisher>(*session);
+    platform.arranger = std::make_unique<WindowManagerArranger>(
+        loop, *platform.windowServer, std::make_unique<IpcDesktopArranging>(*session));
     platform.keepAlive = std::move(session);
     return platform;
 }
@@ -44,7 +48,7 @@ Platform swayPlatform(async::Loop& loop, const Environment& environment,
     setup.registryFile = folder / registryFileName;
     setup.identify = SwayScreens::identity;
     const auto session = std::make_shared<IpcSession>(loop, std::move(setup));
-    Platform platform = platformOn(session);
+    Platform platform = platformOn(loop, session);
     platform.screens = std::make_unique<SwayScreens>(*session);
     platform.globalShortcuts = std::make_unique<SwayShortcuts>(*session);
     return platform;
@@ -65,7 +69,7 @@ Platform i3Platform(async::Loop& loop, const Environment& environment, const std
     setup.identify = [identify = std::move(identify)](const IpcOutputReply& output) {
         return identify(output.name);
     };
-    return platformOn(std::make_shared<IpcSession>(loop, std::move(setup)));
+    return platformOn(loop, std::make_shared<IpcSession>(loop, std::move(setup)));
 }
 
 } // namespace lumnara

@@ -44,6 +44,7 @@ RegisteredDesktop decodeDesktop(const json& desktop) {
             .ownName = textOf(desktop, "ownName"),
             .title = textOf(desktop, "title"),
             .kept = desktop.at("kept").get<bool>(),
+            .added = desktop.value("added", false), // absent in older files
             .lastSeen = desktop.at("lastSeen").get<std::uint64_t>(),
             .asked = textsOf(desktop, "asked"),
             .nameOwed = desktop.at("nameOwed").get<bool>()};
@@ -99,6 +100,7 @@ std::string encodeWorkspaceFile(const std::vector<RegisteredDesktop>& desktops) 
                         {"ownName", desktop.ownName},
                         {"title", desktop.title},
                         {"kept", desktop.kept},
+                        {"added", desktop.added},
                         {"lastSeen", desktop.lastSeen},
                         {"asked", desktop.asked},
                         {"nameOwed", desktop.nameOwed}});

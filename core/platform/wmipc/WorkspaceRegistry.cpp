@@ -5,9 +5,9 @@
 #include "core/base/Uuid.h"
 #include "core/platform/wmipc/WorkspaceFile.h"
 #include "core/platform/wmipc/WorkspaceNames.h"
+#include "core/platform/wmipc/WorkspaceOrder.h"
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 #include <system_error>
 #include <utility>
@@ -25,28 +25,20 @@ std::uint64_t hashOf(const std::string& text) {
     return hash;
 }
 
-/// The number by which the window manager sorts a workspace; those without one come after.
-std::uint64_t sortNumber(const std::string& name) {
-    constexpr std::uint64_t none = ~std::uint64_t{0};
-    const std::string_view digits = leadingDigits(name);
-    std::uint64_t number = none;
-    std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    return number;
-}
-
 /// Puts an absent desktop among those that are there: by its number, and one without behind the unnumbered
 /// one that it followed in `remembered`.
 void insertAbsent(std::vector<const RegisteredDesktop*>& placed, const RegisteredDesktop& absent,
                   const std::vector<const RegisteredDesktop*>& remembered) {
-    const std::uint64_t number = sortNumber(absent.workspace);
+    const std::uint64_t number = WorkspaceOrder::sortNumber(absent.workspace);
     auto position = std::ranges::find_if(
-        placed, [&](const auto* other) { return sortNumber(other->workspace) > number; });
-    if (sortNumber("") == number) {
-        position = std::ranges::find_if(
-            placed, [&](const auto* other) { return sortNumber(other->workspace) == number; });
+        placed, [&](const auto* other) { return WorkspaceOrder::sortNumber(other->workspace) > number; });
+    if (number == WorkspaceOrder::noNumber) {
+        position = std::ranges::find_if(placed, [&](const auto* other) {
+            return WorkspaceOrder::sortNumber(other->workspace) == number;
+        });
         for (auto before = std::ranges::find(remembered, &absent); before != remembered.begin();) {
             const auto found = std::ranges::find(placed, *--before);
-            if (found == placed.end() || sortNumber((*found)->workspace) != number) continue;
+            if (found == placed.end() || WorkspaceOrder::sortNumber((*found)->workspace) != number) continue;
             position = found + 1;
             break;
         }
@@ -313,14 +305,93 @@ std::vector<WorkspaceRegistry::Rename> WorkspaceRegistry::settleNames(const Name
 }
 
 bool WorkspaceRegistry::renameRefused(const Rename& rename) {
-    const auto found = std::ranges::find(desktops_, rename.uuid, &RegisteredDesktop::uuid);
-    if (found == desktops_.end()) return true;
-    std::erase(found->asked, rename.to);
-    claimName(*found);
-    const bool last = ++found->refusals > 1;
-    found->nameOwed = found->nameOwed || !last;
+    RegisteredDesktop* desktop = at(rename.uuid);
+    if (!desktop) return true;
+    std::erase(desktop->asked, rename.to);
+    claimName(*desktop);
+    const bool last = ++desktop->refusals > 1;
+    desktop->nameOwed = desktop->nameOwed || !last;
     changed();
     return last;
+}
+
+void WorkspaceRegistry::create(const std::string& display) {
+    std::set<std::uint64_t> taken;
+    std::uint64_t number = 1;
+    for (const RegisteredDesktop& desktop : desktops_) {
+        if (!desktop.isSpace()) continue;
+        for (const std::string& name : {desktop.ownName, desktop.workspace, desktop.nextName()}) {
+            const std::uint64_t its = WorkspaceOrder::sortNumber(name);
+            taken.insert(its);
+            if (desktop.display == display && its < WorkspaceOrder::passingNumber)
+                number = std::max(number, its + 1);
+        }
+    }
+    while (taken.contains(number)) ++number;
+
+    // One that was only remembered for its name is not this one.
+    std::erase_if(desktops_, [&](const RegisteredDesktop& desktop) {
+        return !desktop.isSpace() && WorkspaceOrder::sortNumber(desktop.workspace) == number;
+    });
+    RegisteredDesktop& desktop = desktops_[add(std::to_string(number))];
+    desktop.display = display;
+    desktop.added = true;
+}
+
+void WorkspaceRegistry::remove(SpaceID id) {
+    if (std::erase_if(desktops_, [id](const auto& desktop) { return desktop.id == id && !desktop.handle; }))
+        changed();
+}
+
+std::vector<WorkspaceRegistry::Rename> WorkspaceRegistry::arrange(const std::vector<SpaceID>& order,
+                                                                  IpcDialect dialect) {
+    std::vector<const RegisteredDesktop*> ordered;
+    for (const SpaceID id : order)
+        if (const RegisteredDesktop* desktop = find(id)) ordered.push_back(desktop);
+    std::vector<Rename> renames;
+    if (ordered.empty()) return renames;
+    const auto current = spaces(ordered.front()->display);
+    for (const WorkspaceOrder::Step& step : WorkspaceOrder::steps(current, ordered, dialect)) {
+        RegisteredDesktop& desktop = *at(step.uuid);
+        if (desktop.handle) {
+            renames.push_back({.uuid = step.uuid, .from = desktop.nextName(), .to = step.name});
+            desktop.asked.push_back(step.name);
+        } else {
+            desktop.workspace = step.name;
+            desktop.ownName = WorkspaceOrder::renumbered(desktop.ownName, step.name);
+        }
+    }
+    moveTo(order);
+    changed();
+    return renames;
+}
+
+/// Puts the desktops, which keep their places as a whole, into this order.
+void WorkspaceRegistry::moveTo(const std::vector<SpaceID>& order) {
+    std::vector<RegisteredDesktop> moved;
+    for (const SpaceID id : order)
+        if (const RegisteredDesktop* desktop = find(id)) moved.push_back(*desktop);
+    auto next = moved.begin();
+    for (RegisteredDesktop& desktop : desktops_)
+        if (std::ranges::find(order, desktop.id) != order.end()) desktop = std::move(*next++);
+}
+
+void WorkspaceRegistry::arranged(const std::vector<Rename>& renames) {
+    std::map<std::string, std::string> aims;
+    for (const Rename& rename : renames) {
+        aims[rename.uuid] = rename.to;
+        if (RegisteredDesktop* desktop = at(rename.uuid)) std::erase(desktop->asked, rename.to);
+    }
+    for (const auto& [uuid, aim] : aims) {
+        RegisteredDesktop* desktop = at(uuid);
+        if (!desktop) continue;
+        if (desktop->workspace == aim)
+            desktop->ownName = WorkspaceOrder::renumbered(desktop->ownName, aim);
+        else if (WorkspaceOrder::isPassing(desktop->workspace))
+            desktop->nameOwed = true;
+        claimName(*desktop);
+    }
+    changed();
 }
 
 std::vector<const RegisteredDesktop*> WorkspaceRegistry::spaces(const std::string& display) const {
@@ -342,6 +413,11 @@ const RegisteredDesktop* WorkspaceRegistry::find(std::int64_t handle) const {
 
 RegisteredDesktop* WorkspaceRegistry::at(std::int64_t handle) {
     return const_cast<RegisteredDesktop*>(std::as_const(*this).find(handle));
+}
+
+RegisteredDesktop* WorkspaceRegistry::at(const std::string& uuid) {
+    const auto found = std::ranges::find(desktops_, uuid, &RegisteredDesktop::uuid);
+    return found == desktops_.end() ? nullptr : &*found;
 }
 
 void WorkspaceRegistry::changed() {

@@ -4,6 +4,7 @@
 #include "core/async/Timer.h"
 #include "core/platform/DesktopNamePublisher.h"
 #include "core/platform/wmipc/RegisteredDesktop.h"
+#include "core/platform/wmipc/WorkspaceNames.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -22,9 +23,9 @@ namespace lumnara {
 /// i3 and sway forget an empty workspace when it is left, and know one by its name alone, which is unique
 /// over all outputs. So a workspace is the desktop that bears its name; failing that, one that was to get the
 /// name when the run before ended; failing that, the one whose own name or number it bears and whose title
-/// the window manager has forgotten. Announced renames are followed within a run. Desktops with a record stay
-/// when their workspace goes; the others only keep their uuid for the case that the name comes back, the
-/// newest of them.
+/// the window manager has forgotten. Announced renames are followed within a run. Desktops with a record, and
+/// those that were added here, stay when their workspace goes; the others only keep their uuid for the case
+/// that the name comes back, the newest of them.
 ///
 /// References into the registry hold until its next change. Main thread.
 class WorkspaceRegistry {
@@ -79,6 +80,17 @@ public:
     /// been renamed meanwhile; returns whether that was the last attempt.
     bool renameRefused(const Rename& rename);
 
+    /// A new desktop of the display, behind its others that have a number. Its workspace is made when one
+    /// goes there; until it is removed it is a Space all the same.
+    void create(const std::string& display);
+    /// The desktop is none any more, unless it has a workspace.
+    void remove(SpaceID id);
+    /// The workspaces to rename, one after the other, for this order of all the Spaces of one display, as
+    /// WorkspaceOrder has it. A desktop without a workspace is moved and given its name here.
+    std::vector<Rename> arrange(const std::vector<SpaceID>& order, IpcDialect dialect);
+    /// The window manager has answered to the renames of arrange(), and announced those that it did.
+    void arranged(const std::vector<Rename>& renames);
+
     /// The desktops of a display, in their places.
     std::vector<const RegisteredDesktop*> spaces(const std::string& display) const;
     const RegisteredDesktop* find(SpaceID id) const;
@@ -86,6 +98,8 @@ public:
 
 private:
     RegisteredDesktop* at(std::int64_t handle);
+    RegisteredDesktop* at(const std::string& uuid);
+    void moveTo(const std::vector<SpaceID>& order);
     std::size_t add(const std::string& workspace);
     SpaceID mintID(const std::string& uuid) const;
     std::vector<std::size_t> match(const std::vector<const LiveWorkspace*>& workspaces);
