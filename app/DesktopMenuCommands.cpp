@@ -4,7 +4,8 @@ namespace lumnara {
 
 DesktopMenuCommands::DesktopMenuCommands(AppState& state, std::function<void(std::string)> onRefused)
     : state_(state),
-      links_(state.loop(), state.catalog(), state.notices(), std::move(onRefused)) {}
+      links_(state.loop(), state.catalog(), state.notices(), state.platform().arranger.get(),
+             std::move(onRefused)) {}
 
 bool DesktopMenuCommands::carryOut(const DesktopMenuItem& chosen) {
     using Kind = DesktopMenuItem::Kind;

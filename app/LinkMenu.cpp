@@ -20,6 +20,10 @@ DesktopMenuItem linkLine(std::string title, LinkRequest request) {
     return item;
 }
 
+bool isGrouped(const DesktopCatalog& catalog, const Desktop& desktop) {
+    return DisplayLink::groupOf(*catalog.store().file(), desktop.spaceKey).has_value();
+}
+
 bool isSameNamed(const Desktop& one, const Desktop& other) {
     return one.isNamed() && other.isNamed() &&
            NameRules::normalizedKey(one.record->name) == NameRules::normalizedKey(other.record->name);
@@ -62,7 +66,7 @@ DesktopMenuItem mode(const DesktopCatalog& catalog) {
 
 std::vector<DesktopMenuItem> lines(const DesktopCatalog& catalog, const Desktop& desktop) {
     std::vector<DesktopMenuItem> menu;
-    if (DisplayLink::groupOf(*catalog.store().file(), desktop.spaceKey)) {
+    if (isGrouped(catalog, desktop)) {
         menu.push_back(linkLine("Unlink", LinkRequest::unlink(desktop)));
     } else if (desktop.space.kind == SpaceKind::user) {
         DesktopMenuItem with = DesktopMenuItem::line(LineKind::submenu, "Link with");
@@ -70,6 +74,11 @@ std::vector<DesktopMenuItem> lines(const DesktopCatalog& catalog, const Desktop&
         if (!with.children.empty()) menu.push_back(std::move(with));
     }
     return menu;
+}
+
+std::optional<DesktopMenuItem> newPartner(const DesktopCatalog& catalog, const Desktop& desktop) {
+    if (desktop.space.kind != SpaceKind::user || isGrouped(catalog, desktop)) return std::nullopt;
+    return linkLine("New desktop, linked to this one", LinkRequest::create(desktop));
 }
 
 } // namespace lumnara::LinkMenu

@@ -24,15 +24,26 @@ const char* wordFor(LinkRequest::Kind kind) {
     return "unlink";
 }
 
+async::Task<std::optional<SpaceID>> createWith(DesktopArranger& arranger, DisplayID display) {
+    const auto made = co_await arranger.create(display);
+    if (made.size() != 1) co_return std::nullopt;
+    co_return made.front();
+}
+
+DesktopLinker::DesktopCreator creatorOf(DesktopArranger* arranger) {
+    if (!arranger) return {};
+    return [arranger](DisplayID display) { return createWith(*arranger, std::move(display)); };
+}
+
 } // namespace
 
 LinkRequests::LinkRequests(async::Loop& loop, DesktopCatalog& catalog, Notices& notices,
-                           std::function<void(std::string)> onRefused)
+                           DesktopArranger* arranger, std::function<void(std::string)> onRefused)
     : loop_(loop),
       catalog_(catalog),
       notices_(notices),
       onRefused_(std::move(onRefused)),
-      linker_(catalog) {}
+      linker_(catalog, creatorOf(arranger)) {}
 
 void LinkRequests::carryOut(LinkRequest request) {
     log(fmt::format("Lumnara link request: {} for {}", wordFor(request.kind), request.desktop.displayName()));

@@ -4,6 +4,7 @@
 #include "app/Notices.h"
 #include "core/async/Loop.h"
 #include "core/async/Task.h"
+#include "core/platform/DesktopArranger.h"
 
 #include <functional>
 #include <string>
@@ -13,8 +14,9 @@ namespace lumnara {
 /// Carries out what the surfaces ask of links, and tells the user what came of it. Main thread.
 class LinkRequests {
 public:
-    /// The first three outlive this object. A refusal is told to `onRefused`, or as a notice without it.
-    LinkRequests(async::Loop& loop, DesktopCatalog& catalog, Notices& notices,
+    /// All outlive this object; `arranger` is null where desktops can't be added. A refusal is told to
+    /// `onRefused`, or as a notice without it.
+    LinkRequests(async::Loop& loop, DesktopCatalog& catalog, Notices& notices, DesktopArranger* arranger,
                  std::function<void(std::string)> onRefused = {});
 
     /// A later request takes over from one that is still under way.

@@ -285,7 +285,8 @@ void QuickSwitcherController::openTileMenu(Panel& panel, const std::string& key)
     if (!isShown(panel) || panel.model.renamingKey()) return;
     const Desktop* tile = panel.model.tile(key);
     if (!tile) return;
-    const std::vector<DesktopMenuItem> menu = tileMenu(state_.catalog(), *tile);
+    const std::vector<DesktopMenuItem> menu =
+        tileMenu(state_.catalog(), *tile, state_.platform().arranger != nullptr);
     panel.model.select(key);
     panel.surface->openMenu(key, menu);
 }

@@ -6,7 +6,7 @@
 
 namespace lumnara {
 
-std::vector<DesktopMenuItem> tileMenu(const DesktopCatalog& catalog, const Desktop& desktop) {
+std::vector<DesktopMenuItem> tileMenu(const DesktopCatalog& catalog, const Desktop& desktop, bool canAdd) {
     using Kind = DesktopMenuItem::Kind;
     DesktopMenuItem rename = DesktopMenuItem::line(Kind::rename, "Rename…");
     rename.desktop = desktop;
@@ -18,6 +18,8 @@ std::vector<DesktopMenuItem> tileMenu(const DesktopCatalog& catalog, const Deskt
     if (!LinkMenu::hasPlace(catalog)) return menu;
 
     std::vector<DesktopMenuItem> links = LinkMenu::lines(catalog, desktop);
+    if (auto added = canAdd ? LinkMenu::newPartner(catalog, desktop) : std::nullopt)
+        links.push_back(*std::move(added));
     // Nothing of a link would show before links hold at all.
     if (catalog.linkMode() == DisplayLinkMode::independent) links = {LinkMenu::mode(catalog)};
     if (links.empty()) return menu;

@@ -2,6 +2,7 @@
 
 #include "tests/app/ScriptedSession.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace lumnara::testing {
@@ -62,16 +63,56 @@ public:
     std::vector<std::string> events;
 };
 
+/// Adds desktops and does nothing else.
+class AddingArranger : public DesktopArranger {
+public:
+    explicit AddingArranger(ScriptedProvider& provider) : provider_(provider) {}
+
+    std::optional<int> desktopsPerDisplay() const override { return std::nullopt; }
+    async::Task<ReorderOutcome> reorder(DisplayID, std::vector<SpaceID>) override {
+        co_return ReorderOutcome();
+    }
+    async::Task<RemoveOutcome> remove(std::vector<SpaceID>, DisplayID) override { co_return RemoveOutcome(); }
+    async::Task<std::vector<SpaceID>> create(DisplayID display) override {
+        std::vector<SpaceID> made;
+        for (int n = 0; n < adds; ++n) {
+            Space& space = std::ranges::find(provider_.current.displays, display, &DisplaySpaces::display)
+                               ->spaces.emplace_back();
+            space.id = {nextID_++};
+            space.uuid = "added-" + space.id.text();
+            space.kind = SpaceKind::user;
+            made.push_back(space.id);
+        }
+        co_return made;
+    }
+
+    int adds = 1;
+
+private:
+    ScriptedProvider& provider_;
+    std::uint64_t nextID_ = 90;
+};
+
 struct Board {
-    explicit Board(std::vector<DisplaySpaces> displays)
+    explicit Board(std::vector<DisplaySpaces> displays, bool canAdd = false)
         : session(std::move(displays)),
-          controller(session.start(), factory) {}
+          controller(start(canAdd), factory) {}
+
+    AppState& start(bool canAdd) {
+        if (canAdd) {
+            auto adding = std::make_unique<AddingArranger>(*session.provider);
+            arranger = adding.get();
+            session.platform.arranger = std::move(adding);
+        }
+        return session.start();
+    }
 
     Texts events() { return std::exchange(factory.events, {}); }
     RecordingSurface& on(const std::string& screen) { return factory.on(screen); }
 
     ScriptedSession session;
     RecordingFactory factory;
+    AddingArranger* arranger = nullptr;
     QuickSwitcherController controller;
 };
 
@@ -337,7 +378,7 @@ constexpr Point onA{100, 100};
 constexpr Point onB{1280 + 300, 200};
 
 struct LinkBoard : Board {
-    LinkBoard() : Board(twoDisplays()) {
+    explicit LinkBoard(bool canAdd = false) : Board(twoDisplays(), canAdd) {
         session.settings.displayLinkMode.set(DisplayLinkMode::linked);
         controller.open();
         events();
@@ -449,6 +490,30 @@ TEST(QuickSwitcherController, theMenuOfATileDoesWhatItSays) {
     EXPECT_EQ(titles(), (Texts{"Rename…", "Stop Dimming", "", "Link Displays"}));
     a.onMenuChosen(a.menu[3]);
     EXPECT_TRUE(a.model.linksAcross());
+}
+
+TEST(QuickSwitcherController, theMenuOfATileMakesALinkedDesktop) {
+    LinkBoard board(true);
+    RecordingSurface& a = board.on("A");
+    a.onTileMenu("A-1");
+    ASSERT_EQ(a.menu.size(), 5u);
+    const DesktopMenuItem line = a.menu.back();
+    EXPECT_EQ(line.title, "New desktop, linked to this one");
+    EXPECT_EQ(line.request, LinkRequest::create(board.session.desktop("A-1")));
+    a.onMenuChosen(line);
+    board.session.loop.advance(0.1);
+    const Desktop made = board.session.desktop("added-90");
+    EXPECT_EQ(made.display, DisplayID{"B"});
+    EXPECT_EQ(made.key, board.session.desktop("A-1").key);
+    a.onTileMenu(made.key);
+    EXPECT_EQ(a.menu.back().title, "Unlink");
+
+    board.arranger->adds = 2; // somebody else added one too
+    a.onTileMenu("A-2");
+    a.onMenuChosen(a.menu.back());
+    board.session.loop.advance(0.1);
+    EXPECT_FALSE(board.session.desktop("A-2").isLinked());
+    EXPECT_NE(board.error("A").find("could not tell which one it is"), std::string::npos);
 }
 
 } // namespace
