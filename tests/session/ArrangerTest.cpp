@@ -20,7 +20,8 @@ protected:
     ArrangerSession at{GetParam()};
 };
 
-INSTANTIATE_TEST_SUITE_P(WindowManagers, ArrangerTest, ::testing::Values(WindowManager::i3),
+INSTANTIATE_TEST_SUITE_P(WindowManagers, ArrangerTest,
+                         ::testing::Values(WindowManager::i3, WindowManager::openbox, WindowManager::xfwm4),
                          [](const auto& info) {
                              switch (info.param) {
                              case WindowManager::i3: return "i3";

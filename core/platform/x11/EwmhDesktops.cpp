@@ -41,6 +41,7 @@ EwmhDesktops::EwmhDesktops(const std::shared_ptr<X11Connection>& connection, std
       saved_(remembered_) {}
 
 const EwmhReading& EwmhDesktops::read() {
+    if (!held_.expired()) return lastReading_;
     if (const auto current = root_.readCurrentAlone(); current && *current < lastReading_.desktops.size()) {
         lastReading_.current = *current;
         return lastReading_;
@@ -51,6 +52,7 @@ const EwmhReading& EwmhDesktops::read() {
 }
 
 bool EwmhDesktops::showNames(const std::map<std::string, std::string>& wanted) {
+    if (!held_.expired()) return false;
     const auto state = readIdentified();
     const auto names = namesToShow(state.names, state.count, wanted, remembered_);
     const bool changed = names != state.names;
@@ -58,6 +60,50 @@ bool EwmhDesktops::showNames(const std::map<std::string, std::string>& wanted) {
     save();
     if (changed) root_.setNames(names);
     return changed;
+}
+
+std::shared_ptr<const void> EwmhDesktops::hold() {
+    const std::shared_ptr<const void> held = std::make_shared<int>();
+    held_ = held;
+    return held;
+}
+
+void EwmhDesktops::identify(const std::vector<std::size_t>& places) {
+    auto names = readIdentified().names;
+    auto now = uuids();
+    names.resize(std::max(names.size(), places.size()));
+    const auto uuidsBefore = now;
+    const auto namesBefore = names;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        now[i] = uuidsBefore.at(places[i]);
+        names[i] = namesBefore.at(places[i]);
+    }
+    while (!names.empty() && names.back().empty()) names.pop_back();
+    root_.setUuids(now);
+    root_.setNames(names);
+}
+
+void EwmhDesktops::expectNew(std::size_t index) {
+    readIdentified();
+    auto now = uuids();
+    now.insert(now.begin() + static_cast<std::ptrdiff_t>(std::min(index, now.size())), newUuid());
+    root_.setUuids(now);
+}
+
+void EwmhDesktops::forget(std::size_t index) {
+    auto names = readIdentified().names;
+    auto now = uuids();
+    if (index < now.size()) now.erase(now.begin() + static_cast<std::ptrdiff_t>(index));
+    if (index < names.size()) names.erase(names.begin() + static_cast<std::ptrdiff_t>(index));
+    root_.setUuids(now);
+    root_.setNames(names);
+}
+
+/// Of the last reading, and those beyond the last desktop.
+std::vector<std::string> EwmhDesktops::uuids() const {
+    std::vector<std::string> uuids;
+    for (const RememberedDesktop& desktop : remembered_) uuids.push_back(desktop.uuid);
+    return uuids;
 }
 
 EwmhState EwmhDesktops::readIdentified() {

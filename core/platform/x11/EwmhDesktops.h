@@ -4,6 +4,7 @@
 #include "core/platform/x11/EwmhRoot.h"
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -42,8 +43,22 @@ public:
 
     EwmhRoot& root() { return root_; }
 
+    /// As long as it stands, readings give what was read last and names are left alone: while desktops are
+    /// rearranged, the window manager's indexes and our identities don't agree for some moments.
+    std::shared_ptr<const void> hold();
+    /// Who the desktops are now, and with it their names: the one at index i is the one that was at
+    /// `places[i]`. What lies beyond the last one stays. Throws WindowManagerError.
+    void identify(const std::vector<std::size_t>& places);
+    /// The desktop that is added next, at this index, is a new one, not one that was taken away from there
+    /// before. Throws WindowManagerError.
+    void expectNew(std::size_t index);
+    /// The desktop that was taken away from this index, behind the last one, does not come back. Throws
+    /// WindowManagerError.
+    void forget(std::size_t index);
+
 private:
     EwmhState readIdentified();
+    std::vector<std::string> uuids() const;
     void remember(const std::vector<std::string>& uuids, const std::vector<std::string>& names);
     void save();
 
@@ -53,6 +68,7 @@ private:
     std::vector<RememberedDesktop> remembered_;
     std::vector<RememberedDesktop> saved_;
     EwmhReading lastReading_;
+    std::weak_ptr<const void> held_;
 };
 
 } // namespace lumnara

@@ -103,17 +103,13 @@ void EwmhRoot::reportAway() {
 
 void EwmhRoot::requestDesktop(std::size_t index) const {
     const auto& x = *connection_;
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = x.root();
-    message.type = x.atoms().netCurrentDesktop;
-    message.data.data32[0] = static_cast<std::uint32_t>(index);
-    message.data.data32[1] = XCB_CURRENT_TIME;
-    xcb_send_event(x.xcb(), 0, x.root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                   reinterpret_cast<const char*>(&message));
-    xcb_flush(x.xcb());
+    x.askWindowManager(x.root(), x.atoms().netCurrentDesktop,
+                       {static_cast<std::uint32_t>(index), XCB_CURRENT_TIME});
+}
+
+void EwmhRoot::requestCount(std::size_t count) const {
+    const auto& x = *connection_;
+    x.askWindowManager(x.root(), x.atoms().netNumberOfDesktops, {static_cast<std::uint32_t>(count), 0});
 }
 
 void EwmhRoot::setNames(const std::vector<std::string>& names) const {

@@ -38,6 +38,8 @@ public:
 
     /// Asks the window manager to show a desktop; it answers by changing _NET_CURRENT_DESKTOP.
     void requestDesktop(std::size_t index) const;
+    /// Asks it for so many desktops; it answers by changing _NET_NUMBER_OF_DESKTOPS.
+    void requestCount(std::size_t count) const;
     /// An empty list leaves every desktop without a name.
     void setNames(const std::vector<std::string>& names) const;
     void setUuids(const std::vector<std::string>& uuids) const;

@@ -12,6 +12,9 @@ struct X11Atoms {
     xcb_atom_t netNumberOfDesktops;
     xcb_atom_t netCurrentDesktop;
     xcb_atom_t netDesktopNames;
+    xcb_atom_t netClientList;
+    xcb_atom_t netWmDesktop;
+    xcb_atom_t netActiveWindow;
     xcb_atom_t lumnaraDesktopUuids;
     xcb_atom_t i3SocketPath;
     xcb_atom_t edid;

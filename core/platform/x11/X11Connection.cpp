@@ -2,7 +2,7 @@
 
 #include "core/platform/WindowManagerError.h"
 
-#include <array>
+#include <algorithm>
 #include <cstring>
 #include <poll.h>
 #include <utility>
@@ -18,13 +18,16 @@ constexpr double serverPatience = 0.5;
 /// Longer than any property we read, in 32-bit units.
 constexpr std::uint32_t wholeProperty = 1U << 20U;
 
-constexpr std::array<std::pair<xcb_atom_t X11Atoms::*, std::string_view>, 9> atomNames{{
+constexpr std::array<std::pair<xcb_atom_t X11Atoms::*, std::string_view>, 12> atomNames{{
     {&X11Atoms::utf8String, "UTF8_STRING"},
     {&X11Atoms::netSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK"},
     {&X11Atoms::netWmName, "_NET_WM_NAME"},
     {&X11Atoms::netNumberOfDesktops, "_NET_NUMBER_OF_DESKTOPS"},
     {&X11Atoms::netCurrentDesktop, "_NET_CURRENT_DESKTOP"},
     {&X11Atoms::netDesktopNames, "_NET_DESKTOP_NAMES"},
+    {&X11Atoms::netClientList, "_NET_CLIENT_LIST"},
+    {&X11Atoms::netWmDesktop, "_NET_WM_DESKTOP"},
+    {&X11Atoms::netActiveWindow, "_NET_ACTIVE_WINDOW"},
     {&X11Atoms::lumnaraDesktopUuids, "_LUMNARA_DESKTOP_UUIDS"},
     {&X11Atoms::i3SocketPath, "I3_SOCKET_PATH"},
     {&X11Atoms::edid, "EDID"},
@@ -143,6 +146,19 @@ std::vector<std::uint32_t> X11Connection::items(xcb_get_property_cookie_t cookie
 void X11Connection::setText(xcb_window_t window, xcb_atom_t property, std::string_view bytes) const {
     xcb_change_property(xcb(), XCB_PROP_MODE_REPLACE, window, property, atoms_.utf8String, 8,
                         static_cast<std::uint32_t>(bytes.size()), bytes.data());
+    xcb_flush(xcb());
+}
+
+void X11Connection::askWindowManager(xcb_window_t window, xcb_atom_t type,
+                                     const std::array<std::uint32_t, 2>& data) const {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = type;
+    std::ranges::copy(data, message.data.data32);
+    xcb_send_event(xcb(), 0, root_, XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&message));
     xcb_flush(xcb());
 }
 

@@ -4,6 +4,7 @@
 #include "core/async/Signal.h"
 #include "core/platform/x11/X11Atoms.h"
 
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <deque>
@@ -53,6 +54,10 @@ public:
     /// The 32-bit items of a property; none when it isn't there. Throws as reply().
     std::vector<std::uint32_t> items(xcb_get_property_cookie_t cookie);
     void setText(xcb_window_t window, xcb_atom_t property, std::string_view bytes) const;
+
+    /// Sends the window manager a message about a window or the root, with the first items of its data.
+    void askWindowManager(xcb_window_t window, xcb_atom_t type,
+                          const std::array<std::uint32_t, 2>& data) const;
 
     /// An event has come in and is yet to be delivered by the signals below; perhaps within a reading. The
     /// server sends events before the reply to a later request, so a cache that listens here is never older

@@ -1,7 +1,9 @@
 #include "core/platform/x11/X11Platform.h"
 
 #include "core/base/Failure.h"
+#include "core/missioncontrol/WindowManagerArranger.h"
 #include "core/platform/WindowManagerError.h"
+#include "core/platform/x11/EwmhDesktopArranging.h"
 #include "core/platform/x11/EwmhNamePublisher.h"
 #include "core/platform/x11/EwmhSpaceActivator.h"
 #include "core/platform/x11/EwmhWindowServer.h"
@@ -56,6 +58,9 @@ Platform X11Session::ewmhPlatform(const std::filesystem::path& folder) const {
     platform.spaceActivator = std::make_unique<EwmhSpaceActivator>(connection_, desktops);
     platform.namePublisher = std::make_unique<EwmhNamePublisher>(connection_, desktops);
     platform.globalShortcuts = globalShortcuts();
+    platform.arranger = std::make_unique<WindowManagerArranger>(
+        connection_->loop(), *platform.windowServer,
+        std::make_unique<EwmhDesktopArranging>(connection_, desktops));
     return platform;
 }
 
