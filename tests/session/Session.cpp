@@ -58,7 +58,8 @@ bool accepts(const std::string& socketPath) {
 }
 
 std::string desktopName(int index) {
-    static const std::array names{"one", "two", "three", "four", "five", "six", "seven", "eight"};
+    static const std::array names{"one", "two",   "three", "four", "five",
+                                  "six", "seven", "eight", "nine", "ten"};
     return names.at(static_cast<std::size_t>(index));
 }
 
