@@ -1,4 +1,5 @@
 #include "app/AppState.h"
+#include "app/DesktopMenuCommands.h"
 #include "core/names/DisplayLink.h"
 #include "tests/session/IpcFixture.h"
 #include "tests/support/MemoryDefaultsStore.h"
@@ -147,6 +148,19 @@ TEST_F(LinkedSwitchTest, ALinkOutlivesItsBeingOffButNotItsScreen) {
     at.x().plug("R");
     ASSERT_TRUE(at.runUntil([&] { return state->catalog().displays->size() == 2; }));
     EXPECT_TRUE(state->catalog().desktopOfSpace(onR));
+}
+
+TEST_F(LinkedSwitchTest, MakesTheOtherDesktopOfALink) {
+    state->catalog().rename(desktopOn("L").key, "Mail");
+    DesktopMenuCommands commands(*state);
+    commands.carryOut(LinkRequest::create(desktopOn("L")));
+    ASSERT_TRUE(at.runUntil([&] { return !notices.empty(); }));
+    EXPECT_EQ(notices.back(), "Displays linked. Say “Mail” and both screens go there.");
+    EXPECT_TRUE(at.shows("L", "1: Mail* ") && at.shows("R", "2* ")) << "nobody was taken anywhere";
+
+    show("L", "5");
+    state->switchTo(named("Mail"));
+    EXPECT_TRUE(at.shows("L", "1: Mail* ") && at.shows("R", "3: Mail* "));
 }
 
 } // namespace

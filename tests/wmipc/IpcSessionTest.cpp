@@ -1,8 +1,10 @@
 #include "core/async/PollLoop.h"
 #include "core/async/Task.h"
 #include "core/base/Log.h"
+#include "core/missioncontrol/WindowManagerArranger.h"
 #include "core/model/SnapshotParser.h"
 #include "core/model/SpaceKitError.h"
+#include "core/platform/wmipc/IpcDesktopArranging.h"
 #include "core/platform/wmipc/IpcSpaceActivator.h"
 #include "core/platform/wmipc/IpcWindowServer.h"
 #include "core/platform/wmipc/SwayScreens.h"
@@ -51,6 +53,8 @@ protected:
         if (hanging) return {};
         if (type == 2) return {frame(type, R"({"success":true})")};
         if (type == 0) commands.push_back(payload);
+        if (type == 0 && hangsAtCommands) hanging = true;
+        if (hanging) return {};
         if (type == 0) return {frame(type, outcome)};
         if (type != 1) return {frame(type, outputs)};
         std::string bytes = frame(type, workspaces);
@@ -95,6 +99,7 @@ protected:
     std::string outcome = R"([{"success":true}])";
     std::vector<std::string> commands;
     bool hanging = false;
+    bool hangsAtCommands = false;
     std::string logged;
     LogSink oldSink;
     ScriptedServer server{folder / "ipc.sock",
@@ -235,6 +240,54 @@ TEST_F(IpcSessionTest, ActivatesOnTheRightOutput) {
     server.closeConnections();
     EXPECT_EQ(activate(right.spaces[0], {"R"}),
               "The connection to i3 was lost. Lumnara keeps trying to reach it.");
+}
+
+async::Task<> noteOutcomes(DesktopArranger& arranger, std::vector<SpaceID> wish,
+                           std::optional<ReorderOutcome>& reordered, std::optional<RemoveOutcome>& removed) {
+    const DisplayID display{"R"};
+    const std::vector<SpaceID> last{wish.back()};
+    const auto order = co_await arranger.reorder(display, wish);
+    reordered = order;
+    try {
+        const auto removal = co_await arranger.remove(last, display);
+        removed = removal;
+    } catch (const WindowManagerError&) {
+        removed = RemoveOutcome{.removedIDs = {}, .stoppedBecause = "not begun"};
+    }
+}
+
+TEST_F(IpcSessionTest, SaysWhatKeptDesktopsFromBeingArranged) {
+    showTwo();
+    const std::vector<Space> before = snapshot().displays[1].spaces;
+    WindowManagerArranger arranger(loop, windowServer(), std::make_unique<IpcDesktopArranging>(*session));
+    std::optional<ReorderOutcome> reordered;
+    std::optional<RemoveOutcome> removed;
+    const auto run = [&] {
+        reordered.reset();
+        removed.reset();
+        const auto handle =
+            async::spawn(loop, noteOutcomes(arranger, {before[1].id, before[0].id}, reordered, removed));
+        return loop.runUntil([&] { return removed.has_value(); }, 5);
+    };
+    const auto stopped = [&] { return reordered->stoppedBecause.value_or(""); };
+
+    outcome = R"([{"success":false,"error":"No"}])";
+    ASSERT_TRUE(run());
+    EXPECT_TRUE(commands.at(0).starts_with("rename workspace \"3\" to ")) << commands.at(0);
+    EXPECT_EQ(stopped(), "i3 refused a command: No.");
+    EXPECT_EQ(removed->stoppedBecause, "i3 did not remove the desktop.");
+
+    outcome = R"([{"success":true}])"; // and yet nothing changes
+    ASSERT_TRUE(run());
+    EXPECT_EQ(stopped(), "i3 did not move desktop 1 to position 2.");
+    EXPECT_EQ(reordered->performed, 0);
+    EXPECT_EQ(removed->stoppedBecause, "i3 did not remove the desktop.");
+    EXPECT_EQ(snapshot().displays[1].spaces, before);
+
+    hangsAtCommands = true;
+    ASSERT_TRUE(run());
+    EXPECT_EQ(stopped(), "i3 is not answering. Lumnara keeps asking.");
+    EXPECT_TRUE(removed->removedIDs.empty());
 }
 
 TEST_F(IpcSessionTest, TellsOnceOfWhatComesTogether) {
