@@ -92,11 +92,7 @@ async::Task<bool> EwmhDesktopArranging::moveAll(Indexes targets) {
         moved = movedLater;
     }
     windows_.watch(move.after, false);
-    if (!moved)
-        takeBack(move);
-    else if (move.active != XCB_WINDOW_NONE && windows_.active() != move.active &&
-             windows_.misplaced({{move.active, static_cast<std::uint32_t>(move.current)}}).empty())
-        windows_.requestActive(move.active);
+    if (!moved) takeBack(move);
     co_return moved;
 }
 
@@ -113,7 +109,8 @@ EwmhDesktopArranging::Move EwmhDesktopArranging::planMove(const Indexes& targets
     return move;
 }
 
-/// What shows is taken along on all desktops, so that it neither flickers nor loses the keyboard.
+/// What shows is taken along on all desktops, so that it doesn't flicker. It may lose the keyboard all the
+/// same, and gets it again in the end.
 void EwmhDesktopArranging::request(const Move& move) {
     std::vector<EwmhPlacement> shown;
     for (std::size_t i = 0; i < move.after.size(); ++i) {
@@ -125,14 +122,17 @@ void EwmhDesktopArranging::request(const Move& move) {
     }
     for (const EwmhPlacement& placement : shown)
         windows_.request({placement.window, EwmhWindows::everywhere});
-    if (move.current != move.currentBefore) root_.requestDesktop(move.current);
+    if (move.current == move.currentBefore) return;
+    root_.requestDesktop(move.current);
     for (const EwmhPlacement& placement : shown) windows_.request(placement);
+    if (move.active != XCB_WINDOW_NONE) windows_.requestActive(move.active);
 }
 
 void EwmhDesktopArranging::takeBack(const Move& move) {
-    if (move.current != move.currentBefore) root_.requestDesktop(move.currentBefore);
+    const bool showsAnother = move.current != move.currentBefore;
+    if (showsAnother) root_.requestDesktop(move.currentBefore);
     for (const EwmhPlacement& placement : move.before) windows_.request(placement);
-    if (move.active != XCB_WINDOW_NONE) windows_.requestActive(move.active);
+    if (showsAnother && move.active != XCB_WINDOW_NONE) windows_.requestActive(move.active);
 }
 
 bool EwmhDesktopArranging::hasCome(const Move& move) {

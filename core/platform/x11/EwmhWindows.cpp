@@ -60,7 +60,8 @@ void EwmhWindows::watch(const std::vector<EwmhPlacement>& placements, bool watch
 xcb_window_t EwmhWindows::active() {
     const auto& x = *connection_;
     const auto items = connection_->items(x.requestProperty(x.root(), x.atoms().netActiveWindow));
-    return items.empty() ? XCB_WINDOW_NONE : items[0];
+    if (items.empty()) return XCB_WINDOW_NONE;
+    return items[0];
 }
 
 void EwmhWindows::requestActive(xcb_window_t window) const {
