@@ -123,8 +123,19 @@ TEST(Program, LinksDesktopsOnItsBoards) {
     session.pressKey(XK_Up);
     session.pressKey(XK_Return);
     ASSERT_TRUE(shows("1: Mail, 2")) << bothVisible(session) << program.log();
+
+    // Where nothing is linked, the last line makes the other half.
+    session.click(tileX, tileY, 3);
+    ASSERT_TRUE(waitUntil([&] { return program.count("menu tracking began") == 3; })) << program.log();
+    session.pressKey(XK_Up);
+    session.pressKey(XK_Return);
+    ASSERT_TRUE(waitUntil([&] { return program.count("Lumnara link request: create for Mail") == 1; }))
+        << program.log();
     session.pressKey(XK_Escape);
     EXPECT_TRUE(session.awaitFreeKeyboard());
+    EXPECT_TRUE(shows("1: Mail, 2")) << "nobody was taken anywhere";
+    goTo(session, program, "mai");
+    ASSERT_TRUE(shows("1: Mail, 3: Mail")) << bothVisible(session) << program.log();
     EXPECT_EQ(program.stop(), 0);
 }
 
