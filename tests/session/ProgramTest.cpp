@@ -125,12 +125,14 @@ TEST(Program, LinksDesktopsOnItsBoards) {
     ASSERT_TRUE(shows("1: Mail, 2")) << bothVisible(session) << program.log();
 
     // Where nothing is linked, the last line makes the other half.
+    ASSERT_TRUE(waitUntil([&] { return program.count("menu tracking ended") == 2; })) << program.log();
     session.click(tileX, tileY, 3);
     ASSERT_TRUE(waitUntil([&] { return program.count("menu tracking began") == 3; })) << program.log();
     session.pressKey(XK_Up);
     session.pressKey(XK_Return);
     ASSERT_TRUE(waitUntil([&] { return program.count("Lumnara link request: create for Mail") == 1; }))
         << program.log();
+    ASSERT_TRUE(waitUntil([&] { return program.count("menu tracking ended") == 3; })) << program.log();
     session.pressKey(XK_Escape);
     EXPECT_TRUE(session.awaitFreeKeyboard());
     EXPECT_TRUE(shows("1: Mail, 2")) << "nobody was taken anywhere";
