@@ -34,13 +34,15 @@ protected:
             at.x().openWindow("window");
             return;
         }
-        at.command("exec foot sleep 600");
+        // Not by sway, which may be a user who can't enter the folder that it was started in.
+        windows.push_back(at.sway().start({"foot", "sleep", "600"}));
         EXPECT_TRUE(at.runUntil([&] { return at.platform().workspace->frontmostApplication() == "foot"; }));
     }
 
     IpcFixture at{GetParam(), "workspace_auto_back_and_forth yes\n"};
     std::string left = at.left();
     std::string right = at.right();
+    std::vector<std::unique_ptr<Child>> windows;
 };
 
 INSTANTIATE_TEST_SUITE_P(Ipc, IpcArrangerTest,
