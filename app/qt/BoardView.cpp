@@ -235,12 +235,12 @@ void BoardView::makeMenu() {
     menu_ = new QMenu(this);
     connect(menu_, &QMenu::aboutToShow, this, [this] { surface_.onMenuTracking(true); });
     connect(menu_, &QMenu::aboutToHide, this, [this] {
-        surface_.onMenuTracking(false);
-        // Behind the menu, which still has the keyboard.
+        // The menu still has the keyboard, and is over only when that is back.
         QMetaObject::invokeMethod(
             this,
             [this] {
                 if (onMenuClosed) onMenuClosed();
+                surface_.onMenuTracking(false);
             },
             Qt::QueuedConnection);
     });
