@@ -26,6 +26,8 @@ void typeText(XSession& session, const std::string& text) {
 
 void openBoard(XSession& session, const Program& program) {
     const int before = program.count("Lumnara Board: open on");
+    // Right after a choice the Board that closed may still have it.
+    ASSERT_TRUE(session.awaitFreeKeyboard());
     session.pressKey(XK_1, {XK_Alt_L});
     ASSERT_TRUE(waitUntil([&] { return program.count("Lumnara Board: open on") > before; })) << program.log();
 }

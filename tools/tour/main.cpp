@@ -88,6 +88,7 @@ private:
 
     void openBoard(int pointerX) {
         session_.movePointer(pointerX, 600);
+        expect([this] { return session_.awaitFreeKeyboard(); }, "the keyboard is free");
         const auto start = Clock::now();
         session_.pressKey(XK_1, {XK_Alt_L});
         expect([this] { return logged("Lumnara Board: open on") > boards_; }, "the Board is open");
