@@ -52,7 +52,8 @@ BoardView::BoardView(async::Loop& loop, BoardSurface& surface, QuickSwitcherMode
     setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
-void BoardView::open(QSize size, bool translucent) {
+void BoardView::open(const QRect& area, bool translucent) {
+    origin_ = area.topLeft();
     translucent_ = translucent;
     awaitingPaint_ = true;
     restingTiles_ = 0;
@@ -60,7 +61,7 @@ void BoardView::open(QSize size, bool translucent) {
     preedit_.clear();
     letGo();
     content_ = readModel();
-    resize(size);
+    resize(area.size());
     layOut();
     motion_.jumpTo(content_.selected ? layout_.scrollShowing(static_cast<int>(*content_.selected), 0) : 0);
     update();
@@ -215,8 +216,8 @@ std::optional<std::string> BoardView::keyAt(QPointF point) const {
 }
 
 std::optional<std::string> BoardView::tileAt(Point pointer) const {
-    const QPointF origin = screen()->geometry().topLeft();
-    return keyAt((QPointF(pointer.x, pointer.y) - origin) / unitsPerPoint(*screen()));
+    const Point origin = arrangementPoint(origin_);
+    return keyAt(QPointF(pointer.x - origin.x, pointer.y - origin.y) / unitsPerPoint(*screen()));
 }
 
 void BoardView::openMenu(const std::string& key, const std::vector<DesktopMenuItem>& items) {

@@ -25,8 +25,8 @@ class BoardView final : public QWidget {
 public:
     BoardView(async::Loop& loop, BoardSurface& surface, QuickSwitcherModel& model);
 
-    /// Takes a fresh start over `size`, before it is shown.
-    void open(QSize size, bool translucent);
+    /// Takes a fresh start over an area of the toolkit's virtual desktop, before it is shown there.
+    void open(const QRect& area, bool translucent);
     /// It is shown no longer.
     void closed();
     /// Whether the keys come here; it shows.
@@ -91,6 +91,7 @@ private:
     BoardContent content_;
     BoardLayout layout_{BoardLayout::Input{}};
     BoardMotion motion_;
+    QPoint origin_; ///< of the view on the toolkit's virtual desktop
     int restingTiles_ = 0;
     int restingColumns_ = 1;
     QString preedit_;

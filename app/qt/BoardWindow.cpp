@@ -36,9 +36,10 @@ void BoardWindow::show(const ScreenInfo& info) {
     const bool translucent = view_.testAttribute(Qt::WA_TranslucentBackground) && windows_.isComposited_ &&
                              windows_.isComposited_();
     view_.setScreen(screen);
-    view_.open(screen->size(), translucent);
+    const QRect area = areaOf(info);
+    view_.open(area, translucent);
     // Also where the compositor places it: a window is made for the screen that its place is on.
-    view_.setGeometry(screen->geometry());
+    view_.setGeometry(area);
     if (!placesOwnWindows()) {
         view_.showFullScreen();
         windows_.shortcuts_.hold(*view_.windowHandle());

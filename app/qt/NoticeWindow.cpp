@@ -24,6 +24,11 @@ constexpr int mostLines = 5;
 constexpr std::size_t mostParagraphs = 4;
 constexpr int paragraphGap = 19;
 
+QRect areaUnderPointer() {
+    const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
+    return (screen ? screen : QGuiApplication::primaryScreen())->geometry();
+}
+
 QFont noticeFont() { return interfaceFont(textSize, QFont::Medium); }
 
 } // namespace
@@ -52,9 +57,8 @@ void NoticeWindow::remove(const Paragraph& ended) {
 }
 
 void NoticeWindow::layOut() {
-    const QScreen* screen = screenInUse ? screenInUse() : QGuiApplication::screenAt(QCursor::pos());
-    if (!screen) screen = QGuiApplication::primaryScreen();
-    const QRect area = screen->geometry();
+    const auto inUse = areaInUse ? areaInUse() : std::nullopt;
+    const QRect area = inUse ? *inUse : areaUnderPointer();
     const double room = std::min(mostTextWidth, area.width() - 2 * sidePadding - 32);
     QSize size(0, -paragraphGap);
     for (const auto& paragraph : paragraphs_) {

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace lumnara {
@@ -17,8 +18,9 @@ public:
 
     void showNotice(const Notice& notice);
 
-    /// Tells the screen in use where the toolkit doesn't know the pointer's; may give null.
-    std::function<QScreen*()> screenInUse;
+    /// Tells the area of the screen in use; without it, or when it gives nothing, the toolkit's screen under
+    /// the pointer is taken.
+    std::function<std::optional<QRect>()> areaInUse;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -60,11 +60,11 @@ void OverlayWindow::show(const OverlayCard& card, const ScreenInfo& info) {
     color_ = colorOf(card.desktop);
     isNamed_ = card.desktop.isNamed();
     isLinked_ = card.desktop.isLinked();
-    QScreen* screen = screenFor(info);
-    scale_ = std::clamp(screen->size().height() / usualHeight, 0.8, 1.7);
-    arrangement_ = arrange(screen->size());
-    setScreen(screen);
-    putUp(placeOn(screen->geometry(), arrangement_.card.toSize()));
+    const QRect area = areaOf(info);
+    scale_ = std::clamp(area.height() / usualHeight, 0.8, 1.7);
+    arrangement_ = arrange(area.size());
+    setScreen(screenFor(info));
+    putUp(placeOn(area, arrangement_.card.toSize()));
 }
 
 OverlayWindow::Arrangement OverlayWindow::arrange(QSize screen) const {

@@ -26,10 +26,8 @@ Surfaces::Surfaces(AppState& state, std::function<bool()> isComposited)
               return card;
           },
           [this](const ScreenInfo& screen) { return hasCards() && !board_.covers(screen); }) {
-    if (layers_.isOffered()) {
-        notice_.standOn(layers_);
-        notice_.screenInUse = [this] { return screenInUse(); };
-    }
+    if (layers_.isOffered()) notice_.standOn(layers_);
+    notice_.areaInUse = [this] { return areaInUse(); };
     QApplication::setQuitOnLastWindowClosed(false);
     board_.onShown = [this] { overlay_.giveWay(); };
     tray_.onChosen = [this](const DesktopMenuItem& item) { choose(item); };
@@ -61,13 +59,13 @@ void Surfaces::rename(const Desktop& desktop) {
 
 bool Surfaces::hasCards() const { return placesOwnWindows() || layers_.isOffered(); }
 
-QScreen* Surfaces::screenInUse() const {
+std::optional<QRect> Surfaces::areaInUse() const {
     Screens* screens = state_.platform().screens.get();
     const auto uuid = screens ? screens->displayUnderPointer() : std::nullopt;
-    if (!uuid) return nullptr;
+    if (!uuid) return std::nullopt;
     for (const ScreenInfo& screen : screens->screens())
-        if (text::equalsIgnoringCase(screen.uuid, *uuid)) return screenFor(screen);
-    return nullptr;
+        if (text::equalsIgnoringCase(screen.uuid, *uuid)) return areaOf(screen);
+    return std::nullopt;
 }
 
 void Surfaces::show(const Notice& notice) {

@@ -35,7 +35,7 @@ private:
     /// Whether anything of ours may stand over the windows; where the compositor places windows and has no
     /// layer shell, a card would be tiled like any other.
     bool hasCards() const;
-    QScreen* screenInUse() const;
+    std::optional<QRect> areaInUse() const;
     void show(const Notice& notice);
     void choose(const DesktopMenuItem& item);
     void showSettings();

@@ -4,6 +4,7 @@
 
 #include <QEvent>
 #include <QGuiApplication>
+#include <QRect>
 #include <QScreen>
 #include <QWidget>
 #include <QWindow>
@@ -32,6 +33,15 @@ bool placesOwnWindows() { return QGuiApplication::platformName() == QLatin1Strin
 
 QScreen* screenFor(const ScreenInfo& info) {
     const auto screens = QGuiApplication::screens();
+    if (info.connector.empty()) {
+        const Point middle = info.frame.middle();
+        for (QScreen* screen : screens) {
+            const QRectF frame(screen->geometry().topLeft(),
+                               QSizeF(screen->geometry().size()) * unitsPerPoint(*screen));
+            if (frame.contains(middle.x, middle.y)) return screen;
+        }
+        return QGuiApplication::primaryScreen();
+    }
     for (QScreen* screen : screens) {
         if (screen->name().toStdString() == info.connector) return screen;
     }
@@ -39,6 +49,16 @@ QScreen* screenFor(const ScreenInfo& info) {
         if (QPointF(screen->geometry().topLeft()) == QPointF(info.frame.x, info.frame.y)) return screen;
     }
     return QGuiApplication::primaryScreen();
+}
+
+QRect areaOf(const ScreenInfo& info) {
+    const QScreen* screen = screenFor(info);
+    if (!info.connector.empty()) return screen->geometry();
+    const QPointF origin = screen->geometry().topLeft();
+    const double units = unitsPerPoint(*screen);
+    return QRectF(origin + (QPointF(info.frame.x, info.frame.y) - origin) / units,
+                  QSizeF(info.frame.width, info.frame.height) / units)
+        .toRect();
 }
 
 double unitsPerPoint(const QScreen& screen) { return placesOwnWindows() ? screen.devicePixelRatio() : 1; }

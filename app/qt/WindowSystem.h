@@ -6,6 +6,7 @@
 
 class QObject;
 class QPointF;
+class QRect;
 class QScreen;
 class QWidget;
 
@@ -20,6 +21,10 @@ bool placesOwnWindows();
 /// The toolkit's screen for the platform's: by its connector, else by its place; the first screen for one
 /// that the toolkit doesn't know.
 QScreen* screenFor(const ScreenInfo& info);
+
+/// Where the platform's screen lies on the toolkit's virtual desktop: all of the toolkit's screen, or for one
+/// without a connector, which no monitor shows by itself, the part of a screen that its frame covers.
+QRect areaOf(const ScreenInfo& info);
 
 /// How many of the arrangement's units, in which the platform tells of screens and the pointer, a logical
 /// pixel of the screen has.

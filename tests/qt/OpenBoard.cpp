@@ -80,7 +80,7 @@ OpenBoard::~OpenBoard() = default;
 
 void OpenBoard::open() {
     model.reset();
-    view.open(view.size(), false);
+    view.open(view.geometry(), false);
     view.setKeyboard(true);
     view.show();
     settle();

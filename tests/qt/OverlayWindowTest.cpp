@@ -61,7 +61,9 @@ void leavePicture(OverlayWindow& window, const QString& path, const char* look) 
 
 ScreenInfo screenOfTheTest() {
     const QScreen* screen = QGuiApplication::primaryScreen();
-    return {"A", screen->name().toStdString(), "Monitor A", Rect{}, 1};
+    const QRect area = screen->geometry();
+    const Rect frame{double(area.x()), double(area.y()), double(area.width()), double(area.height())};
+    return {"A", screen->name().toStdString(), "Monitor A", frame, 1};
 }
 
 /// With a folder in LUMNARA_PICTURES the cards are left there to be looked at.
@@ -88,6 +90,12 @@ TEST(OverlayWindow, staysInTheUpperPartOfItsScreenWhateverTheName) {
     }
     window.hide();
     EXPECT_FALSE(window.isVisible());
+}
+
+TEST(OverlayWindow, staysOnAScreenThatIsPartOfAMonitor) {
+    OverlayWindow window;
+    window.show(cardOf("Mail", "DP-1"), {"A", "", "Drawn", {200, 100, 420, 300}, 1});
+    EXPECT_TRUE(QRect(200, 100, 420, 300).contains(window.geometry()));
 }
 
 TEST(OverlayWindow, isRoundAndOutOfTheWay) {
