@@ -3,7 +3,6 @@
 #include "core/base/Failure.h"
 #include "core/names/DisplayLink.h"
 #include "core/switching/SwitchError.h"
-#include "core/switching/SwitchVerifier.h"
 #include "core/text/Text.h"
 
 #include <algorithm>
@@ -26,8 +25,8 @@ AppState::AppState(async::Loop& loop, AppSettings& settings, Platform& platform,
       provider_(std::move(provider)),
       catalog_(loop, *provider_, store_, *settings.displayLinkMode),
       switcher_(*provider_, {.instantSwitching = *settings.instantSwitching}),
+      engines_(platform, *provider_, switcher_, settings),
       linkedSwitching_(loop, platform, *provider_, catalog_, switcher_, notices_) {
-    connectSwitcher();
     reportStart();
     displaysChanged_ = catalog_.displays.subscribe([this](const auto&) { publishNames(); });
     catalog_.onRefresh = [this](const SpaceSnapshot& snapshot) { handleRefresh(snapshot); };
@@ -37,31 +36,7 @@ AppState::AppState(async::Loop& loop, AppSettings& settings, Platform& platform,
     followSettings();
 }
 
-AppState::~AppState() {
-    SwitchVerifier::currentSpaceReader = {};
-    SwitchVerifier::animationReader = {};
-}
-
-void AppState::connectSwitcher() {
-    std::vector<SpaceSwitching*> engines;
-    if (platform_.spaceActivator) {
-        engine_ = std::make_unique<WindowManagerEngine>(*platform_.spaceActivator, *provider_);
-        engines.push_back(engine_.get());
-    }
-    switcher_.engineOverride = std::move(engines);
-    WindowServer* server = platform_.windowServer.get();
-    if (!server) return;
-    SwitchVerifier::currentSpaceReader = [server](const DisplayID& display) {
-        return server->currentSpace(display);
-    };
-    SwitchVerifier::animationReader = [server](const DisplayID& display) {
-        return server->isAnimating(display);
-    };
-}
-
 void AppState::followSettings() {
-    settingsChanged_.push_back(settings_.instantSwitching.subscribe(
-        [this](bool instant) { switcher_.settings.instantSwitching = instant; }));
     settingsChanged_.push_back(
         settings_.displayLinkMode.subscribe([this](DisplayLinkMode mode) { catalog_.setLinkMode(mode); }));
 }

@@ -3,6 +3,7 @@
 #include "app/AppSettings.h"
 #include "app/LinkedSwitching.h"
 #include "app/Notices.h"
+#include "app/SwitchEngines.h"
 #include "core/async/Loop.h"
 #include "core/async/Signal.h"
 #include "core/async/Task.h"
@@ -10,7 +11,6 @@
 #include "core/names/NameStore.h"
 #include "core/platform/Platform.h"
 #include "core/switching/SpaceSwitcher.h"
-#include "core/switching/WindowManagerEngine.h"
 
 #include <exception>
 #include <filesystem>
@@ -31,7 +31,6 @@ public:
     /// platform's session.
     AppState(async::Loop& loop, AppSettings& settings, Platform& platform,
              std::unique_ptr<SpaceProvider> provider, const std::filesystem::path& dataFolder);
-    ~AppState();
     AppState(const AppState&) = delete;
     AppState& operator=(const AppState&) = delete;
 
@@ -66,7 +65,6 @@ public:
     void stop();
 
 private:
-    void connectSwitcher();
     void followSettings();
     void reportStart();
     void handleRefresh(const SpaceSnapshot& snapshot);
@@ -89,8 +87,8 @@ private:
     NameStore store_;
     std::unique_ptr<SpaceProvider> provider_;
     DesktopCatalog catalog_;
-    std::unique_ptr<WindowManagerEngine> engine_;
     SpaceSwitcher switcher_;
+    SwitchEngines engines_;
     LinkedSwitching linkedSwitching_;
     std::map<std::string, std::string> lastCurrentKeys_;
     std::optional<std::string> lastAnnouncedKey_;
