@@ -2,6 +2,7 @@
 
 #include "app/qt/OverlayWindow.h"
 #include "app/qt/WindowSystem.h"
+#include "app/qt/settings/GeneralPage.h"
 #include "core/platform/Screens.h"
 #include "core/text/Text.h"
 
@@ -47,7 +48,10 @@ void Surfaces::choose(const DesktopMenuItem& item) {
 
 void Surfaces::showSettings() {
     board_.close(); // it would stand before the window and keep the keyboard from it
-    if (!settings_) settings_ = std::make_unique<SettingsWindow>(state_.settings());
+    if (!settings_) {
+        settings_ = std::make_unique<SettingsWindow>();
+        settings_->add(QStringLiteral("General"), new GeneralPage(state_.settings()));
+    }
     settings_->present();
 }
 

@@ -8,8 +8,8 @@
 #include "app/qt/LayerShell.h"
 #include "app/qt/NoticeWindow.h"
 #include "app/qt/RenameDialog.h"
-#include "app/qt/SettingsWindow.h"
 #include "app/qt/TrayIcon.h"
+#include "app/qt/settings/SettingsWindow.h"
 
 #include <functional>
 #include <memory>

@@ -1,6 +1,7 @@
-#include "app/qt/SettingsWindow.h"
+#include "app/qt/settings/SettingsWindow.h"
 
 #include "app/board/BoardSettings.h"
+#include "app/qt/settings/GeneralPage.h"
 #include "tests/qt/Pictures.h"
 #include "tests/support/MemoryDefaultsStore.h"
 #include "tests/support/ScriptedLoginItem.h"
@@ -17,6 +18,8 @@ namespace {
 
 class SettingsWindowTest : public ::testing::Test {
 protected:
+    SettingsWindowTest() { window.add("General", new GeneralPage(settings)); }
+
     QCheckBox& box(const char* name) { return *window.findChild<QCheckBox*>(name); }
     QSlider& slider(const char* name) { return *window.findChild<QSlider*>(name); }
     /// What stands behind the slider.
@@ -27,7 +30,7 @@ protected:
     MemoryDefaultsStore defaults;
     ScriptedLoginItem loginItem;
     AppSettings settings{defaults, &loginItem};
-    SettingsWindow window{settings};
+    SettingsWindow window;
 };
 
 TEST_F(SettingsWindowTest, writesWhatTheUserChoosesAndNothingElse) {
@@ -100,13 +103,14 @@ TEST_F(SettingsWindowTest, isUsedByKeyboard) {
     QStringList order;
     const QWidget* first = window.nextInFocusChain();
     for (const QWidget* widget = first;;) {
-        if (widget->focusPolicy() & Qt::TabFocus && widget != &window) order << widget->objectName();
+        if (widget->focusPolicy() & Qt::TabFocus && widget->isVisible() && widget != &window)
+            order << widget->objectName();
         widget = widget->nextInFocusChain();
         if (widget == first) break;
     }
     EXPECT_EQ(order,
-              (QStringList{"linkDisplays", "switchOverlay", "switchOverlayDuration", "boardOnEveryDisplay",
-                           "boardTileWidth", "boardNameSize", "launchAtLogin"}));
+              (QStringList{"settingsPages", "linkDisplays", "switchOverlay", "switchOverlayDuration",
+                           "boardOnEveryDisplay", "boardTileWidth", "boardNameSize", "launchAtLogin"}));
     for (const QSlider* each : window.findChildren<QSlider*>()) {
         const auto labels = each->parentWidget()->findChildren<QLabel*>();
         EXPECT_EQ(labels.front()->buddy(), each);

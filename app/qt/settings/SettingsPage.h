@@ -4,7 +4,7 @@
 #include "app/settings/SettingRanges.h"
 #include "core/async/Signal.h"
 
-#include <QDialog>
+#include <QWidget>
 
 #include <functional>
 #include <vector>
@@ -15,19 +15,16 @@ class QSlider;
 
 namespace lumnara {
 
-/// The settings that the user can choose. Each control shows its setting at all times, whoever changes it,
-/// and a change by the user holds at once. The settings outlive it.
-class SettingsWindow : public QDialog {
+/// A page of the settings window. Its controls show their settings at all times, whoever changes them, and a
+/// change by the user holds at once. The settings outlive it.
+class SettingsPage : public QWidget {
 public:
-    explicit SettingsWindow(AppSettings& settings);
-
-    /// Puts the window up, in front when it is up already.
-    void present();
+    /// Reads afresh what doesn't tell of its changes: the window came up or to the front.
+    virtual void reload() {}
 
 protected:
-    void changeEvent(QEvent* event) override;
+    explicit SettingsPage(AppSettings& settings) : settings_(settings) {}
 
-private:
     /// A number with its control and the text that tells it.
     struct NumberRow {
         QWidget* row = nullptr;
@@ -36,20 +33,16 @@ private:
         QLabel* value = nullptr;
     };
 
-    QWidget* displaysCard();
-    QWidget* switchingCard();
-    QWidget* boardCard();
-    QWidget* sessionCard();
-
     QCheckBox* toggle(const char* name, const QString& title, Setting<bool>& setting);
     NumberRow number(const char* name, const QString& title, Setting<double>& setting,
                      const SettingRange& range, std::function<QString(double)> text);
-    void readLaunchAtLogin();
     /// Shows the setting now and whenever it changes.
-    template <class T> void follow(Setting<T>& setting, std::function<void(const T&)> show);
+    template <class T> void follow(Setting<T>& setting, std::function<void(const T&)> show) {
+        show(setting.get());
+        changes_.push_back(setting.subscribe(std::move(show)));
+    }
 
     AppSettings& settings_;
-    QCheckBox* launchAtLogin_ = nullptr;
     std::vector<async::Subscription> changes_;
 };
 
