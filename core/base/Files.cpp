@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace lumnara {
 
@@ -36,11 +38,52 @@ private:
     int fd_;
 };
 
+void writeAndSync(FileDescriptor& file, const fs::path& path, std::string_view contents) {
+    while (!contents.empty()) {
+        const ssize_t written = ::write(file.get(), contents.data(), contents.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) failFile("write", path);
+        contents.remove_prefix(static_cast<std::size_t>(written));
+    }
+    if (::fsync(file.get()) != 0) failFile("fsync", path);
+    if (!file.close()) failFile("close", path);
+}
+
+// Beside a target named "x" stand ".x.new-123456", what will take its place, and ".x.replaced", what had it.
+constexpr std::string_view newMark = ".new-";
+constexpr std::string_view oldMark = ".replaced";
+constexpr std::size_t uniqueLength = 6; // as mkstemp has it
+
+std::string newNameTemplate(const fs::path& target) {
+    const std::string name = "." + target.filename().string();
+    return target.parent_path() / (name + std::string(newMark) + std::string(uniqueLength, 'X'));
+}
+
+fs::path oldName(const fs::path& target) {
+    return target.parent_path() / ("." + target.filename().string() + std::string(oldMark));
+}
+
+bool stands(const fs::path& path) {
+    std::error_code ignored;
+    return fs::exists(fs::symlink_status(path, ignored));
+}
+
+void removeQuietly(const fs::path& path) {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+}
+
+/// What is renamed can still be lost in a power cut where the folder can't be synced; that is no failure.
+void syncFolderQuietly(const fs::path& path) {
+    const FileDescriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.valid()) ::fsync(folder.get());
+}
+
 /// A file beside the one to be replaced; it goes again unless it was renamed.
 class TemporaryFile {
 public:
     explicit TemporaryFile(const fs::path& target)
-        : name_((target.parent_path() / ("." + target.filename().string() + ".XXXXXX")).string()),
+        : name_(newNameTemplate(target)),
           file_(::mkostemp(name_.data(), O_CLOEXEC)) {
         if (!file_.valid()) failFile("create", name_);
     }
@@ -51,16 +94,7 @@ public:
     void setMode(mode_t mode) {
         if (::fchmod(file_.get(), mode) != 0) failFile("chmod", name_);
     }
-    void write(std::string_view contents) {
-        while (!contents.empty()) {
-            const ssize_t written = ::write(file_.get(), contents.data(), contents.size());
-            if (written < 0 && errno == EINTR) continue;
-            if (written < 0) failFile("write", name_);
-            contents.remove_prefix(static_cast<std::size_t>(written));
-        }
-        if (::fsync(file_.get()) != 0) failFile("fsync", name_);
-        if (!file_.close()) failFile("close", name_);
-    }
+    void write(std::string_view contents) { writeAndSync(file_, name_, contents); }
     void renameTo(const fs::path& target) {
         if (::rename(name_.c_str(), target.c_str()) != 0) failFile("rename", target);
         renamed_ = true;
@@ -83,10 +117,75 @@ fs::path followLinks(fs::path path) {
     failFile("follow", path, ELOOP);
 }
 
-void createFolder(const fs::path& folder) {
-    if (folder.empty() || fs::is_directory(folder)) return;
-    createFolder(folder.parent_path());
-    if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) failFile("mkdir", folder);
+/// A folder beside the one to be replaced; what has its name in the end goes with it.
+class TemporaryFolderBeside {
+public:
+    explicit TemporaryFolderBeside(const fs::path& target) : name_(newNameTemplate(target)) {
+        if (::mkdtemp(name_.data()) == nullptr) failFile("create", name_);
+    }
+    TemporaryFolderBeside(const TemporaryFolderBeside&) = delete;
+    ~TemporaryFolderBeside() { removeQuietly(name_); }
+
+    void write(const FolderContents& files) {
+        for (const auto& [name, contents] : files) {
+            const fs::path path = fs::path(name_) / name;
+            FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+            if (!file.valid()) failFile("create", path);
+            writeAndSync(file, path, contents);
+        }
+        const FileDescriptor folder(::open(name_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (!folder.valid()) failFile("open", name_);
+        // Some file systems can't sync a folder, and say so.
+        if (::fsync(folder.get()) != 0 && errno != EINVAL) failFile("fsync", name_);
+    }
+
+    void takePlaceOf(const fs::path& target) {
+        if (!stands(target)) {
+            rename(name_, target);
+        } else if (::renameat2(AT_FDCWD, name_.c_str(), AT_FDCWD, target.c_str(), RENAME_EXCHANGE) != 0) {
+            if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) failFile("exchange", target);
+            takePlaceInSteps(target);
+        }
+    }
+
+private:
+    void takePlaceInSteps(const fs::path& target) {
+        const fs::path old = oldName(target);
+        rename(target, old);
+        try {
+            rename(name_, target);
+        } catch (...) {
+            ::rename(old.c_str(), target.c_str());
+            throw;
+        }
+        removeQuietly(old);
+    }
+
+    static void rename(const fs::path& from, const fs::path& to) {
+        if (::rename(from.c_str(), to.c_str()) != 0) failFile("rename", to);
+    }
+
+    std::string name_;
+};
+
+/// Removes what had the target's name, or gives it back when the target is gone.
+void settleOld(const fs::path& target) {
+    const fs::path old = oldName(target);
+    if (!stands(target)) {
+        ::rename(old.c_str(), target.c_str());
+    } else if (stands(old)) {
+        removeQuietly(old);
+    }
+}
+
+void finishReplacement(const fs::path& leftover) {
+    const std::string name = leftover.filename();
+    if (!name.starts_with('.')) return;
+    if (name.ends_with(oldMark) && name.size() > 1 + oldMark.size())
+        settleOld(leftover.parent_path() / name.substr(1, name.size() - 1 - oldMark.size()));
+    const std::size_t mark = name.rfind(newMark);
+    if (mark != std::string::npos && mark > 1 && mark + newMark.size() + uniqueLength == name.size())
+        removeQuietly(leftover);
 }
 
 } // namespace
@@ -107,7 +206,7 @@ std::string readFile(const fs::path& path) {
 
 void replaceFile(const fs::path& path, std::string_view contents) {
     const fs::path target = followLinks(fs::absolute(path));
-    createFolder(target.parent_path());
+    makeFolder(target.parent_path());
 
     struct stat old{};
     const bool exists = ::stat(target.c_str(), &old) == 0;
@@ -116,10 +215,32 @@ void replaceFile(const fs::path& path, std::string_view contents) {
     temporary.write(contents);
     temporary.renameTo(target);
 
-    // The file is replaced by now; where a folder can't be synced, a power cut may still bring the old one
-    // back.
-    const FileDescriptor folder(::open(target.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder.valid()) ::fsync(folder.get());
+    syncFolderQuietly(target.parent_path());
+}
+
+void makeFolder(const fs::path& folder) {
+    if (folder.empty() || fs::is_directory(folder)) return;
+    makeFolder(folder.parent_path());
+    if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) failFile("mkdir", folder);
+}
+
+void replaceFolder(const fs::path& path, const FolderContents& files) {
+    const fs::path target = fs::absolute(path);
+    makeFolder(target.parent_path());
+    settleOld(target);
+    TemporaryFolderBeside temporary(target);
+    temporary.write(files);
+    temporary.takePlaceOf(target);
+    syncFolderQuietly(target.parent_path());
+}
+
+void finishReplacements(const fs::path& folder) {
+    std::vector<fs::path> entries;
+    std::error_code ignored;
+    for (fs::directory_iterator entry(folder, ignored), end; !ignored && entry != end;
+         entry.increment(ignored))
+        entries.push_back(entry->path());
+    for (const fs::path& entry : entries) finishReplacement(entry);
 }
 
 fs::path freeAsidePath(const fs::path& path, Date now) {
@@ -127,9 +248,7 @@ fs::path freeAsidePath(const fs::path& path, Date now) {
     std::replace(stamp.begin(), stamp.end(), ':', '-');
     const std::string base = path.string() + ".corrupt-" + stamp;
     fs::path aside = base;
-    std::error_code ignored;
-    for (int n = 2; fs::exists(fs::symlink_status(aside, ignored)); ++n)
-        aside = base + "-" + std::to_string(n);
+    for (int n = 2; stands(aside); ++n) aside = base + "-" + std::to_string(n);
     return aside;
 }
 

@@ -3,6 +3,7 @@
 #include "core/base/Date.h"
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,25 @@ std::string readFile(const std::filesystem::path& path);
 /// Writes through a symbolic link, creates missing folders with mode 0700, keeps the mode of the old file
 /// and gives a new one 0600. Throws std::system_error; the old file then stands unchanged.
 void replaceFile(const std::filesystem::path& path, std::string_view contents);
+
+/// Creates a folder and those above it that are missing, with mode 0700. Throws std::system_error.
+void makeFolder(const std::filesystem::path& folder);
+
+/// The contents of files by their names.
+using FolderContents = std::map<std::string, std::string>;
+
+/// Makes a folder hold these files and nothing else, whole or not at all: a new folder beside it, fsync of
+/// its files and of itself, an exchange of the two names, fsync of the parent, removal of the old one. The
+/// folder gets the mode 0700, its files 0600; missing parents are created. What stood at `path` may also be
+/// a file. Throws std::system_error; the old one then stands unchanged.
+///
+/// Where the file system can't exchange names, a crash may leave the old folder under another name;
+/// finishReplacements() gives it back its own.
+void replaceFolder(const std::filesystem::path& path, const FolderContents& files);
+
+/// Puts in order what replaceFile() and replaceFolder() left in `folder` when the program stopped in the
+/// midst of them. Only while nobody else writes there. Never fails; what can't be removed stays.
+void finishReplacements(const std::filesystem::path& folder);
 
 /// A name for a damaged file beside it that is not taken: "<name>.corrupt-2026-01-05T09-00-00Z", with
 /// "-2" and so on behind it when that is.
