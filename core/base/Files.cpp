@@ -148,6 +148,9 @@ public:
         }
     }
 
+    /// Takes it in, to go with this folder.
+    void swallow(const fs::path& path) { rename(path, fs::path(name_) / path.filename()); }
+
 private:
     void takePlaceInSteps(const fs::path& target) {
         const fs::path old = oldName(target);
@@ -231,6 +234,14 @@ void replaceFolder(const fs::path& path, const FolderContents& files) {
     TemporaryFolderBeside temporary(target);
     temporary.write(files);
     temporary.takePlaceOf(target);
+    syncFolderQuietly(target.parent_path());
+}
+
+void removeWhole(const fs::path& path) {
+    const fs::path target = fs::absolute(path);
+    settleOld(target);
+    if (!stands(target)) return;
+    TemporaryFolderBeside(target).swallow(target);
     syncFolderQuietly(target.parent_path());
 }
 

@@ -32,8 +32,12 @@ using FolderContents = std::map<std::string, std::string>;
 /// finishReplacements() gives it back its own.
 void replaceFolder(const std::filesystem::path& path, const FolderContents& files);
 
-/// Puts in order what replaceFile() and replaceFolder() left in `folder` when the program stopped in the
-/// midst of them. Only while nobody else writes there. Never fails; what can't be removed stays.
+/// Removes a file or a folder with all it holds: gone by its name first, so that no part of it ever stands
+/// there alone. Nothing happens when it is missing. Throws std::system_error; it then stands unchanged.
+void removeWhole(const std::filesystem::path& path);
+
+/// Puts in order what the functions above left in `folder` when the program stopped in the midst of them.
+/// Only while nobody else writes there. Never fails; what can't be removed stays.
 void finishReplacements(const std::filesystem::path& folder);
 
 /// A name for a damaged file beside it that is not taken: "<name>.corrupt-2026-01-05T09-00-00Z", with

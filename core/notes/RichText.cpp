@@ -19,8 +19,6 @@ std::string numberedName(const std::string& name, int number) {
     return name.substr(0, cut) + " " + std::to_string(number) + name.substr(cut);
 }
 
-bool isControlByte(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }
-
 } // namespace
 
 void TextParagraph::append(std::string_view text, const TextStyle& style) {
@@ -80,12 +78,11 @@ std::string RichText::addAttachment(std::string_view name, std::string bytes) {
 }
 
 std::string RichText::attachmentName(std::string_view name) {
-    std::string safe = text::sanitizedUtf8(name.substr(name.rfind('/') + 1));
-    std::erase_if(safe, isControlByte);
-    safe = text::trim(safe);
+    std::string safe = text::withoutControls(name.substr(name.rfind('/') + 1));
+    safe = std::string(text::trim(safe));
     std::size_t size = std::min(safe.size(), longestAttachmentName);
     while (size < safe.size() && (static_cast<unsigned char>(safe[size]) & 0xC0) == 0x80) --size;
-    safe = text::trim(std::string_view(safe).substr(0, size));
+    safe = std::string(text::trim(std::string_view(safe).substr(0, size)));
     const bool isTaken = text::equalsIgnoringCase(safe, "TXT.rtf");
     return safe.empty() || safe == "." || safe == ".." || isTaken ? "attachment" : safe;
 }

@@ -43,6 +43,18 @@ void appendText(std::string& out, std::string_view text) {
     for (std::size_t at = 0; at < text.size();) appendCharacter(out, text::decodeNext(text, at));
 }
 
+/// A name in the table of fonts, where a semicolon would end it.
+void appendFamily(std::string& out, std::string_view family) {
+    for (std::size_t at = 0; at < family.size();) {
+        const char32_t c = text::decodeNext(family, at);
+        if (c == ';') {
+            out += "\\u59?";
+        } else {
+            appendCharacter(out, c);
+        }
+    }
+}
+
 /// An address between the quotes of a field's instruction.
 std::string quotedAddress(std::string_view address) {
     std::string quoted = "\"";
@@ -151,7 +163,7 @@ private:
         out_ += "{\\fonttbl{\\f0\\fswiss\\fcharset0 Helvetica;}";
         for (const std::string& family : fonts_.ordered()) {
             out_ += fmt::format("{{\\f{}\\fnil\\fcharset0 ", fonts_.of(family));
-            appendText(out_, family);
+            appendFamily(out_, family);
             out_ += ";}";
         }
         out_ += "}\n";

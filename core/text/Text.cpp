@@ -103,6 +103,16 @@ void normalizeByCluster(std::string_view folded, std::string& out) {
 
 } // namespace
 
+std::string withoutControls(std::string_view text) {
+    std::string out;
+    for (std::size_t at = 0; at < text.size();) {
+        const char32_t c = decodeNext(text, at);
+        const bool isControl = c < 0x20 || (c >= 0x7F && c <= 0x9F) || c == 0x2028 || c == 0x2029;
+        if (!isControl) appendUtf8(out, c);
+    }
+    return out;
+}
+
 std::vector<std::string_view> splitAtWhitespace(std::string_view text) {
     const CodePoints& points = CodePoints::shared();
     std::vector<std::string_view> pieces;

@@ -18,6 +18,9 @@ void warmUp();
 /// Without the whitespace and newlines at both ends.
 std::string_view trim(std::string_view text);
 
+/// Without control characters and the separators of lines and paragraphs.
+std::string withoutControls(std::string_view text);
+
 /// The pieces between runs of whitespace and newlines, without empty ones.
 std::vector<std::string_view> splitAtWhitespace(std::string_view text);
 
