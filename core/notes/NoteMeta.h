@@ -13,7 +13,7 @@ enum class NoteEdge { left, right };
 /// The state of a note's panel.
 struct NoteMeta {
     /// Where the panel floats, in screen points; none before it was first placed.
-    std::optional<Rect> frame;
+    std::optional<Rect> frame{};
     /// The note hangs at a screen edge as a nub.
     bool isDocked = false;
     NoteEdge edge = NoteEdge::right;
@@ -22,7 +22,7 @@ struct NoteMeta {
     /// The panel is open.
     bool isVisible = false;
     /// The moment of the last save; a store sets it.
-    Date updatedAt;
+    Date updatedAt{};
 
     bool operator==(const NoteMeta&) const = default;
 };

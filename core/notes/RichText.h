@@ -24,11 +24,11 @@ struct TextStyle {
     bool strikethrough = false;
     /// Twice the size in points, as rich text counts sizes; 0 for the editor's own.
     int halfPoints = 0;
-    std::optional<TextColor> color;
+    std::optional<TextColor> color{};
     /// A font family; empty for the editor's own.
-    std::string family;
+    std::string family{};
     /// The address that a click opens; empty for none.
-    std::string link;
+    std::string link{};
 
     bool operator==(const TextStyle&) const = default;
 };

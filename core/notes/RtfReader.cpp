@@ -238,10 +238,11 @@ private:
         if (!isFallback() && keepsText(group().destination)) pending_.addCharacter(c);
     }
 
-    void takeUnit(int unit) {
+    void takeUnit(std::optional<int> unit) {
+        if (!unit) return;
         fallbackLeft_ = group().fallbackLength;
         if (!isAttachmentCharacter(false) && keepsText(group().destination))
-            pending_.addUnit(static_cast<char16_t>(static_cast<unsigned>(unit) & 0xFFFF));
+            pending_.addUnit(static_cast<char16_t>(static_cast<unsigned>(*unit) & 0xFFFF));
     }
 
     int codePage() const {
@@ -299,7 +300,7 @@ private:
         const RtfWord word = RtfWord::of(token.word);
         if (word.action == Action::character) return takeCharacter(static_cast<char32_t>(word.value));
         fallbackLeft_ = 0;
-        if (word.action == Action::unit) return takeUnit(token.parameter.value_or('?'));
+        if (word.action == Action::unit) return takeUnit(token.parameter);
         if (word.action == Action::unknown && !isIgnorable) return;
         flush();
         if (word.action == Action::unknown) {
