@@ -300,7 +300,12 @@ private:
         const RtfWord word = RtfWord::of(token.word);
         if (word.action == Action::character) return takeCharacter(static_cast<char32_t>(word.value));
         fallbackLeft_ = 0;
+        // A pair of surrogates may have the length of its fallbacks set between the two.
         if (word.action == Action::unit) return takeUnit(token.parameter);
+        if (word.action == Action::fallbackLength) {
+            group().fallbackLength = std::clamp(token.parameter.value_or(1), 0, 255);
+            return;
+        }
         if (word.action == Action::unknown && !isIgnorable) return;
         flush();
         if (word.action == Action::unknown) {
@@ -335,9 +340,6 @@ private:
             now.bold = now.italic = now.underline = now.strikethrough = now.hidden = false;
             now.halfPoints = now.color = 0;
             now.font = -1;
-            return true;
-        case Action::fallbackLength:
-            now.fallbackLength = std::clamp(parameter.value_or(1), 0, 255);
             return true;
         default: return false;
         }

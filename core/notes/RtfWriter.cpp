@@ -40,7 +40,15 @@ void appendCharacter(std::string& out, char32_t c) {
 }
 
 void appendText(std::string& out, std::string_view text) {
-    for (std::size_t at = 0; at < text.size();) appendCharacter(out, text::decodeNext(text, at));
+    for (std::size_t at = 0; at < text.size();) {
+        const char32_t c = text::decodeNext(text, at);
+        // Some readers take two blanks in a row for an indentation and put other characters there.
+        if (c == ' ' && out.ends_with(' ')) {
+            out += "\\u32?";
+        } else {
+            appendCharacter(out, c);
+        }
+    }
 }
 
 /// A name in the table of fonts, where a semicolon would end it.
