@@ -2,6 +2,7 @@
 
 #include "core/notes/RtfBody.h"
 #include "core/notes/RtfField.h"
+#include "core/notes/RtfState.h"
 #include "core/notes/RtfTables.h"
 #include "core/notes/RtfText.h"
 #include "core/notes/RtfTokens.h"
@@ -24,57 +25,6 @@ using Kind = RtfToken::Kind;
 /// Deeper groups share the state of this one.
 constexpr std::size_t deepestGroup = 10'000;
 constexpr int largestHalfPoints = 3'276; // as word processors have it
-
-/// What a group inherits and gives back at its end.
-struct RtfGroup {
-    Destination destination = Destination::body;
-    int fallbackLength = 1;
-
-    bool bold = false;
-    bool italic = false;
-    bool underline = false;
-    bool strikethrough = false;
-    bool hidden = false;
-    int halfPoints = 0;
-    int font = -1;
-    int color = 0;
-    int link = -1; ///< among the reader's links
-
-    TextAlignment alignment = TextAlignment::left;
-    int list = 0;
-    int level = 0;
-    /// What the paragraph's mark looks like, where no table tells.
-    std::optional<ListItem::Kind> mark;
-};
-
-struct RtfPicture {
-    std::string bytes;
-    std::optional<int> highDigit;
-    int width = 0;
-    int height = 0;
-    int scaleX = 100;
-    int scaleY = 100;
-
-    void addDigit(char c) {
-        const auto digit = hexDigit(c);
-        if (!digit) return;
-        if (highDigit) {
-            bytes += static_cast<char>(*highDigit * 16 + *digit);
-            highDigit.reset();
-        } else {
-            highDigit = digit;
-        }
-    }
-    static int scaled(int side, int percent) {
-        return static_cast<int>(std::clamp<std::int64_t>(std::int64_t{side} * percent / 100, 0, 1'000'000));
-    }
-};
-
-struct RtfNamedFile {
-    std::string name;
-    int width = 0;
-    int height = 0;
-};
 
 bool keepsText(Destination destination) {
     return destination == Destination::body || destination == Destination::fontTable ||

@@ -2,6 +2,7 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
+#include <set>
 #include <sys/stat.h>
 #include <system_error>
 
@@ -71,6 +72,22 @@ TEST(Files, AFailedReplacementLeavesTheOldStateAndNoTemporaryFile) {
     } catch (const std::system_error& error) {
         EXPECT_EQ(error.code(), std::errc::no_such_file_or_directory);
     }
+}
+
+TEST(Files, PutsInterruptedReplacementsInOrderAndTouchesNothingElse) {
+    testing::TemporaryFolder folder;
+    const auto lay = [&](const char* name) { replaceFolder(folder / name, {{"file", name}}); };
+    for (const char* name : {".a.new-x1Y2z3", ".b.replaced", "c", ".c.replaced", ".d.new-long-name",
+                             ".new-123456", ".replaced", ".profile", "e.new-123456"})
+        lay(name);
+    finishReplacements(folder.path());
+    std::set<std::string> left;
+    for (const auto& entry : fs::directory_iterator(folder.path())) left.insert(entry.path().filename());
+    EXPECT_EQ(left, (std::set<std::string>{"b", "c", ".d.new-long-name", ".new-123456", ".replaced",
+                                           ".profile", "e.new-123456"}));
+    EXPECT_EQ(readFile(folder.path() / "b" / "file"), ".b.replaced");
+    EXPECT_EQ(readFile(folder.path() / "c" / "file"), "c");
+    finishReplacements(folder / "missing");
 }
 
 } // namespace
