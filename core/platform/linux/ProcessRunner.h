@@ -1,0 +1,43 @@
+#pragma once
+
+#include "core/async/Loop.h"
+#include "core/async/Task.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace lumnara {
+
+/// Runs child processes to their end, each in a process group of its own, with nothing to read. Main thread,
+/// without blocking it; it outlives its tasks and is outlived by the loop.
+class ProcessRunner {
+public:
+    static constexpr double killDelay = 1.0;   ///< seconds from SIGTERM to SIGKILL, which go to the group
+    static constexpr double readersWait = 0.5; ///< seconds that output may still come after the exit
+    static constexpr std::size_t keptOutput = 64 * 1024; ///< bytes of standard error, the last ones
+
+    explicit ProcessRunner(async::Loop& loop) : loop_(loop) {}
+    ProcessRunner(const ProcessRunner&) = delete;
+    ProcessRunner& operator=(const ProcessRunner&) = delete;
+    /// Ends those under way by SIGTERM.
+    ~ProcessRunner();
+
+    /// Runs `command`, an absolute path and its arguments. `onStart` is told the process id. Throws
+    /// AutomationError::failed under `label`: with what the child wrote to standard error, or else
+    /// "exit 3" or "stopped (signal 15)", or why it couldn't be started. Cancelled before its start it
+    /// starts nothing; cancelled later it ends the child first.
+    async::Task<> run(std::vector<std::string> command, std::string label,
+                      std::function<void(std::int32_t)> onStart);
+
+private:
+    class Child;
+    void forget(const Child& child);
+
+    async::Loop& loop_;
+    std::vector<std::shared_ptr<Child>> children_;
+};
+
+} // namespace lumnara
