@@ -2,6 +2,8 @@
 
 #include "core/base/Failure.h"
 
+#include <string>
+
 namespace lumnara {
 
 /// What the user entered can't stand; nothing has been changed.
@@ -20,13 +22,22 @@ public:
         waitSeconds
     };
 
+    /// Any case but waitSeconds, which carries the longest wait.
     explicit AutomationEditError(Case which);
+    static AutomationEditError waitSeconds(double longest);
 
     Case which() const { return which_; }
-    bool operator==(const AutomationEditError& other) const { return which_ == other.which_; }
+    /// Seconds, of waitSeconds.
+    double longestWait() const { return longestWait_; }
+    bool operator==(const AutomationEditError& other) const {
+        return which_ == other.which_ && longestWait_ == other.longestWait_;
+    }
 
 private:
+    AutomationEditError(Case which, std::string sentence, double longestWait);
+
     Case which_;
+    double longestWait_;
 };
 
 } // namespace lumnara

@@ -51,10 +51,11 @@ public:
     void moveAction(std::string_view id, std::size_t from, std::size_t to);
     void removeAction(std::string_view id, std::size_t place);
 
-    /// What undoRemoval would bring back, "“Focus”" or "“Wait 2s” of “Focus”"; nothing when there is none.
-    std::optional<std::string> undoTitle() const;
-    /// Puts the last thing removed here back in its place.
-    void undoRemoval();
+    /// What undoRemoval would bring back to a desktop, "“Focus”" or "“Wait 2s” of “Focus”"; nothing when
+    /// there is nothing.
+    std::optional<std::string> undoTitle(std::string_view spaceKey) const;
+    /// Puts what was last removed from the desktop's automations here back in its place.
+    void undoRemoval(std::string_view spaceKey);
 
     /// Runs it now, enabled or not; a run of it that is under way is cancelled first.
     void runNow(const std::string& id);
@@ -65,25 +66,21 @@ public:
 
 private:
     struct Removal {
-        Automation automation; ///< as it was
-        std::size_t place;     ///< in the file, or of the action
-        std::optional<AutomationAction> action;
+        Automation automation;                  ///< as it was before
+        std::size_t place;                      ///< in the file, or of the action
+        std::optional<AutomationAction> action; ///< when it was one that was removed
     };
-    struct Run {
-        std::uint64_t serial;
-        async::TaskHandle task;
-    };
-
     template <class Edit> void change(std::string_view id, Edit edit);
-    void forgetRemovalsGone();
-    async::Task<> runToEnd(Automation automation, std::uint64_t serial);
+    void keepRemoval(Removal removal);
+    bool canUndo(const Removal& removal) const;
+    std::vector<Removal>::const_reverse_iterator lastRemoval(std::string_view spaceKey) const;
+    async::Task<> runToEnd(Automation automation);
 
     async::Loop& loop_;
     AutomationStore& store_;
     AutomationRunner& runner_;
     std::vector<Removal> removals_;
-    std::map<std::string, Run> runs_;
-    std::uint64_t serial_ = 0;
+    std::map<std::string, async::TaskHandle> runs_;
 };
 
 } // namespace lumnara

@@ -43,7 +43,6 @@ public:
 private:
     async::Task<> runActions(const std::vector<AutomationAction>& actions, AutomationRunReport& report);
     async::Task<> runLimited(const AutomationAction& action, std::string label);
-    async::Task<> carryOut(const AutomationAction& action);
 
     AutomationStore& store_;
     ActionExecutor& executor_;

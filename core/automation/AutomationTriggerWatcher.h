@@ -35,7 +35,7 @@ public:
     bool seeded() const { return seeded_; }
 
 private:
-    async::Task<> settle();
+    async::Task<> settle(double delay);
 
     async::Loop& loop_;
     AutomationRunner& runner_;

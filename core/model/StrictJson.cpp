@@ -63,6 +63,10 @@ std::uint64_t StrictJson::unsignedInteger(const json& value) {
     return require(isOne, value, "a whole number of at least 0").get<std::uint64_t>();
 }
 
+double StrictJson::number(const json& value) {
+    return require(value.is_number(), value, "a number").get<double>();
+}
+
 std::int64_t StrictJson::signedInteger(const json& value) {
     require(value.is_number_integer(), value, "a whole number");
     if (value.is_number_unsigned() && !std::in_range<std::int64_t>(value.get<std::uint64_t>()))

@@ -35,6 +35,8 @@ public:
     static const std::string& text(const Value& value);
     static bool boolean(const Value& value);
     static std::uint64_t unsignedInteger(const Value& value);
+    /// Any number, whole or not.
+    static double number(const Value& value);
     template <class Integer = std::int64_t> static Integer integer(const Value& value) {
         const std::int64_t wide = signedInteger(value);
         if (!std::in_range<Integer>(wide)) throw JsonError("a number is out of range");
