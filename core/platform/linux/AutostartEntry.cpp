@@ -1,7 +1,7 @@
 #include "core/platform/linux/AutostartEntry.h"
 
 #include "core/base/Files.h"
-#include "core/text/Text.h"
+#include "core/platform/linux/DesktopEntry.h"
 
 #include <fmt/format.h>
 #include <string_view>
@@ -41,20 +41,12 @@ std::string execValue(std::string_view program) {
 
 /// Whether the entry's main group says that it isn't to be started.
 bool isSwitchedOff(std::string_view entry) {
-    bool inMainGroup = false;
-    while (!entry.empty()) {
-        const auto end = entry.find('\n');
-        const auto line = text::trim(entry.substr(0, end));
-        entry.remove_prefix(end == std::string_view::npos ? entry.size() : end + 1);
-        if (line.starts_with('[')) inMainGroup = line == "[Desktop Entry]";
-        const auto equals = line.find('=');
-        if (!inMainGroup || equals == std::string_view::npos) continue;
-        const auto key = text::trim(line.substr(0, equals));
-        const auto value = text::trim(line.substr(equals + 1));
-        if (key == "Hidden" && value == "true") return true;
-        if (key == "X-GNOME-Autostart-enabled" && value == "false") return true;
-    }
-    return false;
+    const auto keys = desktopFileKeys(entry).value_or(DesktopFileKeys());
+    const auto says = [&](const char* key, std::string_view value) {
+        const auto found = keys.find(key);
+        return found != keys.end() && found->second == value;
+    };
+    return says("Hidden", "true") || says("X-GNOME-Autostart-enabled", "false");
 }
 
 } // namespace

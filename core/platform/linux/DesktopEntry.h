@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,7 +10,12 @@
 
 namespace lumnara {
 
-/// The main group of a desktop file, as the freedesktop.org Desktop Entry Specification 1.5 has it.
+/// The keys of a desktop file's main group with their values as they stand there, escaped; of a key that
+/// stands twice the first. Nothing where the group is missing.
+using DesktopFileKeys = std::map<std::string, std::string, std::less<>>;
+std::optional<DesktopFileKeys> desktopFileKeys(std::string_view text);
+
+/// What a desktop file says of an application, as the freedesktop.org Desktop Entry Specification 1.5 has it.
 struct DesktopEntry {
     std::string name; ///< in the user's language if there is one, else as it stands
     std::string exec;

@@ -32,7 +32,8 @@ public:
 
 private:
     struct Program;
-    void reap(const std::shared_ptr<Program>& program);
+
+    void noteExit(Program& program);
 
     async::Loop& loop_;
     std::list<std::shared_ptr<Program>> programs_;

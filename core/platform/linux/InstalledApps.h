@@ -35,11 +35,18 @@ public:
     std::optional<std::filesystem::path> program(std::string_view name) const;
 
 private:
-    std::vector<InstalledApp> all() const;
-    bool isUsable(const InstalledApp& app) const;
+    static constexpr int deepestFolder = 8; ///< beyond it links lead round in circles
+
+    struct File {
+        std::string id;
+        std::filesystem::path path;
+    };
+    std::vector<File> desktopFiles() const;
+    std::optional<InstalledApp> read(const File& file) const;
 
     std::vector<std::filesystem::path> folders_; ///< most important first
     std::vector<std::filesystem::path> path_;
+    std::string locale_;
 };
 
 } // namespace lumnara

@@ -21,8 +21,8 @@ public:
 
     PomodoroReminder(async::Loop& loop, UserNotifications& notifications, std::filesystem::path file);
 
-    /// In `minutes`, at least a second, from now; replaces one that is still to come. Throws
-    /// std::system_error where the file can't be written; the reminder then lives in memory only.
+    /// In `minutes`, at least a second, from now; replaces one that is still to come. Where the file can't be
+    /// written it lives in memory only, which is logged.
     void start(int minutes, int breakMinutes);
     /// When the one to come is due; nothing when there is none.
     std::optional<Date> due() const;
@@ -35,10 +35,10 @@ private:
 
     void load();
     void save() const;
-    void await();
+    void forget();
+    void checkIn(double seconds);
     void check();
     async::Task<> deliver(int breakMinutes);
-    static async::Task<> deliverTo(UserNotifications& notifications, UserNotification notification);
 
     async::Loop& loop_;
     UserNotifications& notifications_;

@@ -34,6 +34,9 @@ public:
 
 private:
     class Child;
+    class EndAwaiter;
+
+    std::shared_ptr<Child> start(const std::vector<std::string>& command, const std::string& label);
     void forget(const Child& child);
 
     async::Loop& loop_;

@@ -44,11 +44,13 @@ public:
 private:
     bool bringToFront(const InstalledApp& app);
     void startApp(const InstalledApp& app, const std::string& shownName);
-    async::Task<> openByDesktop(std::string target, std::string label);
+    void wrapInTerminal(std::vector<std::string>& command, const std::string& shownName);
+    std::int32_t start(const std::vector<std::string>& command, const char* label,
+                       const std::filesystem::path& folder);
+    async::Task<> openByDesktop(std::string target, const char* label);
     async::Task<> runProcess(std::vector<std::string> command, std::string label);
     std::string loginShell() const;
 
-    async::Loop& loop_;
     const Environment environment_;
     Workspace* const workspace_;
     InstalledApps apps_;

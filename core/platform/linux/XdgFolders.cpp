@@ -5,18 +5,14 @@
 
 namespace lumnara {
 
-namespace {
-
-std::filesystem::path homeFolder(const Environment& environment) {
+std::filesystem::path XdgFolders::home(const Environment& environment) {
     if (const auto home = environment.get("HOME")) return *home;
     const passwd* user = getpwuid(getuid());
     return user && user->pw_dir ? user->pw_dir : "/";
 }
 
-} // namespace
-
 XdgFolders XdgFolders::of(const Environment& environment) {
-    const auto home = homeFolder(environment);
+    const std::filesystem::path home = XdgFolders::home(environment);
     const auto folder = [&](const char* variable, const char* fallback) {
         const std::filesystem::path base = environment.get(variable).value_or("");
         return (base.is_absolute() ? base : home / fallback) / "Lumnara";

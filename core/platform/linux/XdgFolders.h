@@ -13,6 +13,8 @@ struct XdgFolders {
     std::filesystem::path config; ///< settings
     std::filesystem::path state;  ///< what may be lost, such as window places
 
+    /// The user's home folder: HOME, or else what the user database has.
+    static std::filesystem::path home(const Environment& environment);
     /// A base directory that isn't an absolute path counts as unset.
     static XdgFolders of(const Environment& environment);
     bool operator==(const XdgFolders&) const = default;
