@@ -88,6 +88,7 @@ InstalledApps::InstalledApps(const Environment& environment) {
 
 std::optional<InstalledApp> InstalledApps::find(std::string_view bundleID) const {
     if (bundleID.ends_with(".desktop")) bundleID.remove_suffix(std::string_view(".desktop").size());
+    if (bundleID.empty()) return std::nullopt;
     std::vector<std::string_view> names = {bundleID};
     for (const KnownApp& known : knownApps)
         if (known.bundleID == bundleID) names.push_back(known.id);

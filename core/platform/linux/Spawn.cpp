@@ -4,9 +4,12 @@
 #include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/pidfd.h>
 #include <sys/wait.h>
 #include <system_error>
+
+extern "C" { // which the header of glibc 2.36 forgets
+#include <sys/pidfd.h>
+}
 
 namespace lumnara {
 
@@ -68,6 +71,8 @@ private:
 
 } // namespace
 
+OwnedFd openProcess(std::int32_t pid) { return OwnedFd(::pidfd_open(pid, 0)); }
+
 SpawnedChild spawnChild(const SpawnRequest& request) {
     const SpawnActions actions(request);
     const SpawnAttributes attributes(request.own);
@@ -82,7 +87,7 @@ SpawnedChild spawnChild(const SpawnRequest& request) {
     checkSpawn(
         ::posix_spawn(&pid, program.c_str(), actions.get(), attributes.get(), arguments.data(), environ),
         program);
-    SpawnedChild child{pid, OwnedFd(::pidfd_open(pid, 0))};
+    SpawnedChild child{pid, openProcess(pid)};
     if (!child.pidfd.isOpen()) { // a child whose end nobody would see
         const int error = errno;
         ::kill(-pid, SIGKILL);

@@ -35,6 +35,10 @@ struct ChildExit {
     bool operator==(const ChildExit&) const = default;
 };
 
+/// A descriptor that is readable once the process has ended; closed, with errno set, for one that isn't
+/// there.
+OwnedFd openProcess(std::int32_t pid);
+
 /// Starts a child. Throws std::system_error with the system's reason, also for a program that isn't there.
 SpawnedChild spawnChild(const SpawnRequest& request);
 
