@@ -5,6 +5,7 @@
 #include "core/platform/DesktopNamePublisher.h"
 #include "core/platform/EventServices.h"
 #include "core/platform/GlobalShortcuts.h"
+#include "core/platform/IdleSource.h"
 #include "core/platform/OwnApplication.h"
 #include "core/platform/Screens.h"
 #include "core/platform/SessionProbe.h"
@@ -33,6 +34,7 @@ struct Platform {
     std::unique_ptr<Accessibility> accessibility;
     std::unique_ptr<OwnApplication> ownApplication;
     std::unique_ptr<SessionProbe> sessionProbe;
+    std::unique_ptr<IdleSource> idleSource;
     /// Uses the window server.
     std::unique_ptr<DesktopArranger> arranger;
 };
