@@ -27,6 +27,8 @@ public:
     /// The first moment of the day, week or month that holds the moment; nothing when the calendar gives
     /// none. Where the clocks skip midnight, a day begins when they go on.
     std::optional<Date> startOf(Unit unit, Date moment) const;
+    /// The first moment of the day, week or month after that one; nothing when the calendar gives none.
+    std::optional<Date> startOfNext(Unit unit, Date moment) const;
     /// So many days, weeks or months later at the same time of day; nothing when the calendar gives none.
     std::optional<Date> adding(Unit unit, int count, Date moment) const;
     /// The moment in a pattern of Unicode TS 35 ("yyyy-MM-dd"), with the digits 0 to 9.

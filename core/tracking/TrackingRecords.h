@@ -9,6 +9,13 @@
 
 namespace lumnara {
 
+/// A range of time, from the first moment to just before the last.
+struct DateRange {
+    Date from;
+    Date to;
+    bool operator==(const DateRange&) const = default;
+};
+
 /// A named span of work, one row of the table "sessions".
 struct TrackingSession {
     enum class State { running, paused, ended };

@@ -17,13 +17,6 @@ namespace lumnara {
 
 class Database;
 
-/// A range of time, from the first moment to just before the last.
-struct DateRange {
-    Date from;
-    Date to;
-    bool operator==(const DateRange&) const = default;
-};
-
 /// Owns the local SQLite database of how long the user spent on each desktop and in each app there. One
 /// connection, on the main thread; nothing waits for another program that holds the file. Every member
 /// throws DatabaseError; a write that throws has changed nothing. The statements that close or touch an

@@ -20,6 +20,9 @@ struct SamplerInput {
     bool operator==(const SamplerInput&) const = default;
 };
 
+/// What a session is called that was started without a name.
+inline constexpr const char* defaultSessionName = "Session";
+
 /// Turns what the user is doing into intervals: one is open while nothing changes, and a change closes it
 /// and opens the next. Main thread. Everything throws the store's DatabaseError; what was to be done can
 /// then be asked for again.
