@@ -7,6 +7,7 @@
 #include "core/platform/wmipc/IpcSpaceActivator.h"
 #include "core/platform/wmipc/IpcWindowServer.h"
 #include "core/platform/wmipc/IpcWorkspace.h"
+#include "core/platform/wmipc/SwayIdleSource.h"
 #include "core/platform/wmipc/SwayScreens.h"
 #include "core/platform/wmipc/SwayShortcuts.h"
 
@@ -51,6 +52,7 @@ Platform swayPlatform(async::Loop& loop, const Environment& environment,
     Platform platform = platformOn(loop, session);
     platform.screens = std::make_unique<SwayScreens>(*session);
     platform.globalShortcuts = std::make_unique<SwayShortcuts>(*session);
+    platform.idleSource = SwayIdleSource::connect(loop, environment);
     return platform;
 }
 

@@ -8,6 +8,7 @@
 #include "core/platform/x11/EwmhSpaceActivator.h"
 #include "core/platform/x11/EwmhWindowServer.h"
 #include "core/platform/x11/X11GlobalShortcuts.h"
+#include "core/platform/x11/X11IdleSource.h"
 #include "core/platform/x11/X11Screens.h"
 #include "core/platform/x11/X11Workspace.h"
 
@@ -58,6 +59,7 @@ Platform X11Session::ewmhPlatform(const std::filesystem::path& folder) const {
     platform.spaceActivator = std::make_unique<EwmhSpaceActivator>(connection_, desktops);
     platform.namePublisher = std::make_unique<EwmhNamePublisher>(connection_, desktops);
     platform.globalShortcuts = globalShortcuts();
+    platform.idleSource = idleSource();
     platform.arranger = std::make_unique<WindowManagerArranger>(
         connection_->loop(), *platform.windowServer,
         std::make_unique<EwmhDesktopArranging>(connection_, desktops));
@@ -69,6 +71,8 @@ std::unique_ptr<Screens> X11Session::screens() const { return std::make_unique<X
 std::unique_ptr<GlobalShortcuts> X11Session::globalShortcuts() const {
     return std::make_unique<X11GlobalShortcuts>(connection_);
 }
+
+std::unique_ptr<IdleSource> X11Session::idleSource() const { return X11IdleSource::on(connection_); }
 
 std::string X11Session::displayIdentity(const std::string& connector) const {
     return X11Screens(connection_).identity(connector);

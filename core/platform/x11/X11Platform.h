@@ -30,9 +30,11 @@ public:
     /// stands beside them.
     Platform ewmhPlatform(const std::filesystem::path& folder) const;
 
-    /// The monitors and shortcuts alone, for a window manager that has an interface of its own.
+    /// The monitors, shortcuts and idle time alone, for a window manager that has an interface of its own.
     std::unique_ptr<Screens> screens() const;
     std::unique_ptr<GlobalShortcuts> globalShortcuts() const;
+    /// Null on a server that doesn't count it.
+    std::unique_ptr<IdleSource> idleSource() const;
     /// The identity of the monitor at a connector ("DP-1"), as the screens above give it.
     std::string displayIdentity(const std::string& connector) const;
 

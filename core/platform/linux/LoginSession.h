@@ -1,0 +1,33 @@
+#pragma once
+
+#include "core/platform/SessionProbe.h"
+#include "core/platform/linux/Bus.h"
+
+#include <memory>
+#include <vector>
+
+namespace lumnara {
+
+/// What the login manager (logind's LockedHint and Active) and the desktops' screen savers (GetActive) say of
+/// the session: locked when any of them says so. They are asked and then listened to from the loop, so a look
+/// never waits for them. Before the first answer, and where there is nobody to ask, there is no dictionary; a
+/// bare screen locker that tells nobody isn't seen. Main thread.
+class LoginSession : public SessionProbe {
+public:
+    LoginSession(async::Loop& loop, const Environment& environment);
+    ~LoginSession() override;
+
+    /// "CGSSessionScreenIsLocked" and "kCGSSessionOnConsoleKey", each when it is known.
+    std::optional<PropertyDictionary> currentDictionary() override;
+
+private:
+    class LoginManager;
+    class ScreenSaver;
+
+    std::shared_ptr<Bus> system_;
+    std::shared_ptr<Bus> session_;
+    std::unique_ptr<LoginManager> loginManager_;
+    std::vector<std::unique_ptr<ScreenSaver>> screenSavers_;
+};
+
+} // namespace lumnara
