@@ -2,7 +2,6 @@
 
 #include "core/tracking/DatabaseDate.h"
 
-#include <cerrno>
 #include <fcntl.h>
 #include <sqlite3.h>
 #include <string>
@@ -12,12 +11,6 @@
 namespace lumnara {
 
 namespace {
-
-/// SQLite knows of one way only in which a disk can be full.
-bool diskIsFull(int code, int systemError) {
-    return (code & 0xFF) == SQLITE_IOERR &&
-           (systemError == ENOSPC || systemError == EDQUOT || systemError == EFBIG);
-}
 
 /// Made by SQLite, the file would have the mode that the user's mask leaves.
 void makePrivate(const std::filesystem::path& file) {
@@ -51,8 +44,7 @@ std::int64_t Database::totalChanges() const { return sqlite3_total_changes64(con
 void Database::check(int code) const {
     if (code == SQLITE_OK) return;
     sqlite3* connection = connection_.get();
-    const int meant = connection && diskIsFull(code, sqlite3_system_errno(connection)) ? SQLITE_FULL : code;
-    throw DatabaseError::of(meant, file_, connection ? sqlite3_errmsg(connection) : sqlite3_errstr(code));
+    throw DatabaseError::of(code, file_, connection ? sqlite3_errmsg(connection) : sqlite3_errstr(code));
 }
 
 Database::Transaction::~Transaction() {
