@@ -76,6 +76,8 @@ bool Statement::step() {
     return false;
 }
 
+void Statement::reset() { sqlite3_reset(statement_.get()); }
+
 void Statement::bindNull(int index) { check(sqlite3_bind_null(statement_.get(), index)); }
 
 void Statement::bindOne(int index, std::int64_t value) {

@@ -29,6 +29,8 @@ public:
     bool step();
     /// For a statement that gives no rows.
     void run() { step(); }
+    /// Makes it ready to be bound and run anew.
+    void reset();
 
     bool isNull(int column) const;
     std::int64_t integer(int column) const;
