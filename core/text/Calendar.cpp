@@ -16,7 +16,7 @@ std::string userLocale() {
     return {};
 }
 
-/// The root locale, whose weeks are those of ISO 8601, for what is no language.
+/// The root locale for what is no language.
 icu::Locale localeOf(const std::string& name) {
     const std::string language = name.substr(0, name.find_first_of(".@"));
     icu::Locale locale = language.empty() || language == "C" || language == "POSIX"
@@ -46,6 +46,10 @@ struct Calendar::Parts {
         UErrorCode error = U_ZERO_ERROR;
         calendar.reset(icu::Calendar::createInstance(adoptedZone, locale, error));
         if (U_FAILURE(error)) throw std::runtime_error(u_errorName(error));
+        if (*locale.getLanguage() == '\0') { // ISO 8601
+            calendar->setFirstDayOfWeek(UCAL_MONDAY);
+            calendar->setMinimalDaysInFirstWeek(4);
+        }
         calendar->setSkippedWallTimeOption(UCAL_WALLTIME_NEXT_VALID);
         calendar->setRepeatedWallTimeOption(UCAL_WALLTIME_FIRST);
     }
