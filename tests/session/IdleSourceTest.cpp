@@ -42,7 +42,7 @@ TEST(IdleSource, SwayTellsWhenTheSeatIsIdle) {
     session.killWindowManager();
     EXPECT_TRUE(loop.runUntil([&] { return !source->secondsSinceInput(); }, 10));
     EXPECT_FALSE(SwayIdleSource::connect(loop, Environment(session.environment())));
-    EXPECT_FALSE(SwayIdleSource::connect(loop, Environment({})));
+    EXPECT_FALSE(SwayIdleSource::connect(loop, Environment(Variables{})));
 }
 
 } // namespace

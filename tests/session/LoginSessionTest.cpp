@@ -171,10 +171,11 @@ TEST_F(LoginSessionTest, AnyScreenSaverLocksAndOneThatEndsLocksNoMore) {
 
 TEST(Bus, AnswersEveryCallEvenWhereNobodyDoes) {
     async::PollLoop loop;
-    EXPECT_FALSE(Bus::session(loop, Environment({})));
-    EXPECT_FALSE(Bus::session(loop, Environment({{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere/bus"}})));
-    EXPECT_FALSE(Bus::session(loop, Environment({{"DBUS_SESSION_BUS_ADDRESS", "no address"}})));
-    LoginSession silent(loop, Environment({{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/bus"}}));
+    EXPECT_FALSE(Bus::session(loop, Environment(Variables{})));
+    EXPECT_FALSE(
+        Bus::session(loop, Environment(Variables{{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere/bus"}})));
+    EXPECT_FALSE(Bus::session(loop, Environment(Variables{{"DBUS_SESSION_BUS_ADDRESS", "no address"}})));
+    LoginSession silent(loop, Environment(Variables{{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/bus"}}));
     EXPECT_EQ(silent.currentDictionary(), std::nullopt);
 
     BusSession session;
