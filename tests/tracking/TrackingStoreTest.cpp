@@ -159,7 +159,7 @@ TEST_F(TrackingStoreTest, FetchesWhatOverlapsTheRange) {
 }
 
 TEST_F(TrackingStoreTest, BringsAnOldFileUpToDateAndKeepsItsRows) {
-    createFolder(file.parent_path());
+    makeFolder(file.parent_path());
     {
         Database old{file};
         old.execute(
