@@ -10,6 +10,12 @@ std::optional<ScreenInfo> DisplayHelpers::screen(Screens& screens, std::string_v
     return std::nullopt;
 }
 
+std::optional<ScreenInfo> DisplayHelpers::mainScreen(const std::vector<ScreenInfo>& screens) {
+    for (const ScreenInfo& screen : screens)
+        if (screen.frame.x == 0 && screen.frame.y == 0) return screen;
+    return screens.empty() ? std::nullopt : std::optional(screens.front());
+}
+
 std::optional<ScreenInfo> DisplayHelpers::displayUnderCursor(Screens& screens) {
     const auto at = screens.pointer();
     if (!at) return std::nullopt;

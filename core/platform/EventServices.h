@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/model/Geometry.h"
+#include "core/platform/KeyCode.h"
 
 #include <cstdint>
 #include <optional>
@@ -10,7 +11,31 @@
 
 namespace lumnara {
 
-/// An event made of numbered fields, in the order in which they are set.
+/// The window server's own numbers.
+enum class MouseEventType : int { leftDown = 1, leftUp = 2, moved = 5, leftDragged = 6 };
+enum class MouseButton : int { left = 0 };
+
+/// What an event is made as, before its fields are set: nothing in particular, of the mouse, or of the
+/// keyboard.
+struct BlankEvent {
+    bool operator==(const BlankEvent&) const = default;
+};
+struct MouseEvent {
+    MouseEventType type = MouseEventType::moved;
+    Point at;
+    MouseButton button = MouseButton::left;
+    bool operator==(const MouseEvent&) const = default;
+};
+struct KeyEvent {
+    KeyCode key{};
+    bool isDown = false;
+    bool operator==(const KeyEvent&) const = default;
+};
+
+/// Whose state of buttons and modifiers an event goes with; the system's own numbers.
+enum class EventSourceState : int { combinedSession = 0, hidSystem = 1 };
+
+/// An event and its numbered fields, in the order in which they are set.
 struct SyntheticEvent {
     struct Field {
         int number = 0;
@@ -18,7 +43,10 @@ struct SyntheticEvent {
         bool operator==(const Field&) const = default;
     };
 
-    std::vector<Field> fields;
+    std::variant<BlankEvent, MouseEvent, KeyEvent> origin{};
+    std::vector<Field> fields{};
+    /// Nothing for an event without a source.
+    std::optional<EventSourceState> source{};
 
     bool operator==(const SyntheticEvent&) const = default;
     void set(int number, std::int64_t value) { fields.push_back({number, value}); }

@@ -7,6 +7,7 @@
 #include "core/platform/GlobalShortcuts.h"
 #include "core/platform/IdleSource.h"
 #include "core/platform/OwnApplication.h"
+#include "core/platform/Preferences.h"
 #include "core/platform/Screens.h"
 #include "core/platform/SessionProbe.h"
 #include "core/platform/SpaceActivator.h"
@@ -35,7 +36,8 @@ struct Platform {
     std::unique_ptr<OwnApplication> ownApplication;
     std::unique_ptr<SessionProbe> sessionProbe;
     std::unique_ptr<IdleSource> idleSource;
-    /// Uses the window server.
+    std::unique_ptr<Preferences> preferences;
+    /// Uses the other members.
     std::unique_ptr<DesktopArranger> arranger;
 };
 

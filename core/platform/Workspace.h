@@ -51,6 +51,10 @@ public:
     }
     /// Asks that another application become active. Does nothing where that can't be asked.
     virtual void activate(std::int32_t /*pid*/, ActivationOptions) {}
+
+    /// Opens what the path leads to, an application or a file, as a double click does. False when it can't be
+    /// asked for.
+    virtual bool openFile(const std::string& /*path*/) { return false; }
 };
 
 } // namespace lumnara
