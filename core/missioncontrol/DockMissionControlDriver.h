@@ -3,13 +3,7 @@
 #include "core/missioncontrol/DesktopAdding.h"
 #include "core/missioncontrol/DockTree.h"
 #include "core/missioncontrol/MissionControlDriving.h"
-#include "core/platform/Accessibility.h"
-#include "core/platform/EventServices.h"
-#include "core/platform/Preferences.h"
-#include "core/platform/Screens.h"
-#include "core/platform/SessionProbe.h"
-#include "core/platform/WindowServer.h"
-#include "core/platform/Workspace.h"
+#include "core/platform/Platform.h"
 
 #include <optional>
 #include <string>
@@ -25,6 +19,9 @@ struct MissionControlSeams {
     SessionProbe& session;
     WindowServer& windowServer;
     Workspace& workspace;
+
+    /// Those of a platform that has them all.
+    static MissionControlSeams of(Platform& platform);
 };
 
 /// Mission Control as the Dock shows it: read and pressed through the Dock's elements, moved about in by

@@ -35,9 +35,6 @@ public:
     /// The first button anywhere in the Dock that describes itself as adding a desktop or a Space, or null.
     Element describedAddButton();
 
-    /// Whether the element takes the action.
-    static bool performs(const Element& element, std::string_view action);
-
 private:
     Element dock();
     /// The element of one display; that of all displays when it can't be told which it is.
@@ -47,10 +44,11 @@ private:
     Workspace& workspace_;
 };
 
-/// The system's own names of actions.
+/// The system's own names of actions, and what performing one gives when it was taken.
 namespace DockActions {
 inline constexpr const char* press = "AXPress";
 inline constexpr const char* removeDesktop = "AXRemoveDesktop";
+inline constexpr int success = 0;
 } // namespace DockActions
 
 } // namespace lumnara
