@@ -34,8 +34,19 @@ bool isSpaceSwipe(const SyntheticEvent& event) {
 } // namespace
 
 void SimulatedDock::take(const SyntheticEvent& event) {
+    if (isAway()) return;
     waiting_.push_back(event);
     if (!next_) waitForNext();
+}
+
+void SimulatedDock::goAway(double seconds) {
+    waiting_.clear();
+    next_.reset();
+    swipe_.reset();
+    away_ = std::make_unique<async::Delayed>(loop_, seconds, [this] {
+        away_.reset();
+        cameBack.emit();
+    });
 }
 
 void SimulatedDock::waitForNext() {
@@ -49,7 +60,13 @@ void SimulatedDock::waitForNext() {
 }
 
 void SimulatedDock::read(const SyntheticEvent& event) {
-    if (!isSpaceSwipe(event)) return;
+    if (const auto* mouse = std::get_if<MouseEvent>(&event.origin)) missionControl_.point(*mouse);
+    const auto* key = std::get_if<KeyEvent>(&event.origin);
+    if (key && key->isDown && key->key == KeyCode::escape) missionControl_.dismiss();
+    if (isSpaceSwipe(event)) readSwipe(event);
+}
+
+void SimulatedDock::readSwipe(const SyntheticEvent& event) {
     const auto phase = event.integer(phaseField);
     if (phase == began) {
         const SimulatedDisplay* display = layout_.displayAt(pointer_.position());

@@ -11,6 +11,11 @@ std::string_view nameOf(SimulatedFault fault) {
     case SimulatedFault::permissionWithdrawn: return "permission withdrawn";
     case SimulatedFault::symbolMissing: return "symbol missing";
     case SimulatedFault::pointerGrabbed: return "pointer grabbed";
+    case SimulatedFault::userClicks: return "user clicks";
+    case SimulatedFault::userEscapes: return "user escapes";
+    case SimulatedFault::barCollapses: return "bar collapses";
+    case SimulatedFault::thumbnailsShift: return "thumbnails shift";
+    case SimulatedFault::dockRestarted: return "Dock restarted";
     }
     return {};
 }

@@ -8,19 +8,25 @@ namespace lumnara {
 
 /// What can go wrong on a Mac, on demand.
 enum class SimulatedFault {
-    gestureLost,         ///< the Dock does not answer the next swipe
-    animationNeverEnds,  ///< the next change of Space begins and does not come to its end
-    snapBack,            ///< a while after the next change of Space the display goes back
+    gestureLost,         ///< the Dock does not answer the next swipe, or the next press of the button
+    animationNeverEnds,  ///< the next change of Space, or opening of Mission Control, begins and does not end
+    snapBack,            ///< a while after the next change of Space, or drop of a thumbnail, all is as before
     staleReading,        ///< for a while the window server tells the layout of now
     permissionWithdrawn, ///< the user takes the Accessibility permission away
     symbolMissing,       ///< a call is not found by whoever looks the calls up from now on
-    pointerGrabbed       ///< for a while the user pushes the pointer about
+    pointerGrabbed,      ///< for a while the user pushes the pointer about
+    userClicks,          ///< the user lets go of a button that is down, or clicks where the pointer is
+    userEscapes,         ///< the user presses Escape
+    barCollapses,        ///< the Spaces bars collapse
+    thumbnailsShift,     ///< for a while all thumbnails stand beside their places
+    dockRestarted        ///< the Dock goes away, with Mission Control, and comes back a while later
 };
 
 inline constexpr std::array everySimulatedFault{
-    SimulatedFault::gestureLost,   SimulatedFault::animationNeverEnds,  SimulatedFault::snapBack,
-    SimulatedFault::staleReading,  SimulatedFault::permissionWithdrawn, SimulatedFault::symbolMissing,
-    SimulatedFault::pointerGrabbed};
+    SimulatedFault::gestureLost,    SimulatedFault::animationNeverEnds,  SimulatedFault::snapBack,
+    SimulatedFault::staleReading,   SimulatedFault::permissionWithdrawn, SimulatedFault::symbolMissing,
+    SimulatedFault::pointerGrabbed, SimulatedFault::userClicks,          SimulatedFault::userEscapes,
+    SimulatedFault::barCollapses,   SimulatedFault::thumbnailsShift,     SimulatedFault::dockRestarted};
 
 /// "gesture lost" and so on.
 std::string_view nameOf(SimulatedFault fault);

@@ -17,15 +17,50 @@ std::size_t SimulatedDisplay::indexOf(SpaceID space) const {
     return static_cast<std::size_t>(std::ranges::find(spaces, space, &SimulatedSpace::id) - spaces.begin());
 }
 
+std::size_t SimulatedDisplay::desktopCount() const {
+    return static_cast<std::size_t>(std::ranges::count(spaces, SpaceKind::user, &SimulatedSpace::kind));
+}
+
 void SimulatedLayout::addScreen(ScreenInfo screen, int desktops) {
     const std::string uuid = separateSpaces_ ? screen.uuid : "Main";
     screens_.push_back(std::move(screen));
     if (display(uuid)) return;
-    SimulatedDisplay added{uuid, {}, {}};
-    for (int number = 0; number < desktops; ++number)
+    SimulatedDisplay added{uuid, takeBack(uuid), {}};
+    const bool isNew = std::ranges::count(added.spaces, SpaceKind::user, &SimulatedSpace::kind) == 0;
+    for (int number = 0; isNew && number < desktops; ++number)
         added.spaces.push_back({newID(), number == 0 ? "" : random_.uuid(), SpaceKind::user, 0});
     added.current = added.spaces.at(0).id;
     displays_.push_back(std::move(added));
+}
+
+void SimulatedLayout::removeScreen(std::string_view uuid) {
+    const auto screen = std::ranges::find_if(
+        screens_, [=](const ScreenInfo& each) { return text::equalsIgnoringCase(each.uuid, uuid); });
+    if (screen == screens_.end() || screens_.size() == 1) return;
+    screens_.erase(screen);
+    const SimulatedDisplay* leaving = display(uuid);
+    if (!leaving) return;
+    SimulatedDisplay left = *leaving;
+    displays_.erase(displays_.begin() + (leaving - displays_.data()));
+    guests_[left.uuid] = left.spaces;
+    for (SimulatedSpace& space : left.spaces) {
+        if (space.uuid.empty()) space.uuid = random_.uuid(); // it is the first one there no longer
+        displays_.front().spaces.push_back(std::move(space));
+    }
+}
+
+std::vector<SimulatedSpace> SimulatedLayout::takeBack(const std::string& uuid) {
+    const auto guests = guests_.extract(uuid);
+    std::vector<SimulatedSpace> back;
+    if (!guests) return back;
+    for (const SimulatedSpace& guest : guests.mapped()) {
+        const SimulatedDisplay* host = displayOf(guest.id);
+        const bool stays = !host || (guest.kind == SpaceKind::user && host->desktopCount() == 1);
+        if (stays) continue;
+        detach(*mutableDisplay(host->uuid), guest.id);
+        back.push_back(guest);
+    }
+    return back;
 }
 
 SpaceID SimulatedLayout::addDesktop(std::string_view display) {
@@ -45,15 +80,28 @@ SpaceID SimulatedLayout::addFullscreen(std::string_view display, WindowNumber wi
 std::optional<SpaceID> SimulatedLayout::remove(SpaceID space) {
     const SimulatedDisplay* holder = displayOf(space);
     if (!holder) return std::nullopt;
-    SimulatedDisplay* on = mutableDisplay(holder->uuid);
-    const std::size_t index = on->indexOf(space);
-    if (on->spaces[index].kind == SpaceKind::user &&
-        std::ranges::count(on->spaces, SpaceKind::user, &SimulatedSpace::kind) == 1)
-        return std::nullopt;
-    on->spaces.erase(on->spaces.begin() + static_cast<std::ptrdiff_t>(index));
-    const SpaceID neighbour = on->spaces[index == 0 ? 0 : index - 1].id;
-    if (on->current == space) on->current = neighbour;
+    if (holder->find(space)->kind == SpaceKind::user && holder->desktopCount() == 1) return std::nullopt;
+    return detach(*mutableDisplay(holder->uuid), space);
+}
+
+SpaceID SimulatedLayout::detach(SimulatedDisplay& from, SpaceID space) {
+    const std::size_t index = from.indexOf(space);
+    from.spaces.erase(from.spaces.begin() + static_cast<std::ptrdiff_t>(index));
+    const SpaceID neighbour = from.spaces[index == 0 ? 0 : index - 1].id;
+    if (from.current == space) from.current = neighbour;
     return neighbour;
+}
+
+void SimulatedLayout::moveTo(SpaceID space, std::size_t place) {
+    const SimulatedDisplay* holder = displayOf(space);
+    if (!holder) return;
+    auto& spaces = mutableDisplay(holder->uuid)->spaces;
+    const auto from = spaces.begin() + static_cast<std::ptrdiff_t>(holder->indexOf(space));
+    const auto to = spaces.begin() + static_cast<std::ptrdiff_t>(std::min(place, spaces.size() - 1));
+    if (from < to)
+        std::rotate(from, from + 1, to + 1);
+    else
+        std::rotate(to, from, from + 1);
 }
 
 void SimulatedLayout::show(SpaceID space) {

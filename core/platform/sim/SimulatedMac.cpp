@@ -1,5 +1,6 @@
 #include "core/platform/sim/SimulatedMac.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -9,6 +10,8 @@ namespace {
 
 // Seconds that the window server takes to carry a window to a Space of its own.
 constexpr double fullscreenAnimation = 0.6;
+
+constexpr const char* dockBundleID = "com.apple.dock";
 
 constexpr std::array<std::string_view, 13> symbols{"CGSMainConnectionID",
                                                    "CGSCopyManagedDisplaySpaces",
@@ -27,22 +30,45 @@ constexpr std::array<std::string_view, 13> symbols{"CGSMainConnectionID",
 } // namespace
 
 SimulatedMac::SimulatedMac(async::Loop& loop, SimulatedMacOptions options)
-    : random_(options.seed),
+    : loop_(loop),
+      random_(options.seed),
       layout_(random_, options.separateSpaces),
       stage_(loop, random_, faults_, layout_),
       windows_(layout_),
       apps_(loop, random_, stage_, layout_, windows_, options.systemVersion),
       pointer_(loop, random_, layout_),
-      dock_(loop, random_, faults_, stage_, layout_, pointer_),
+      missionControl_(loop, random_, faults_, stage_, layout_, windows_, pointer_),
+      dock_(loop, random_, faults_, stage_, layout_, pointer_, missionControl_),
+      dockTree_(options.dockTree),
       shown_(
-          stage_.shown.subscribe([this](SpaceID) { happened.emit(WorkspaceEvent::activeSpaceDidChange); })) {
-    apps_.launch("Dock", "com.apple.dock", ActivationPolicy::accessory);
+          stage_.shown.subscribe([this](SpaceID) { happened.emit(WorkspaceEvent::activeSpaceDidChange); })),
+      pushed_(pointer_.pushed.subscribe([this](Point to) {
+          input({MouseEvent{pointer_.isDown() ? MouseEventType::leftDragged : MouseEventType::moved, to}});
+      })),
+      dockCameBack_(dock_.cameBack.subscribe([this] { launchDock(); })) {
+    missionControl_.removeSpace = [this](SpaceID space) { removeSpace(space); };
+    if (options.rearrangesByRecentUse)
+        setPreference("mru-spaces", dockBundleID, *options.rearrangesByRecentUse);
+    launchDock();
     apps_.launch("Finder", "com.apple.finder", ActivationPolicy::regular);
     ownPid_ = apps_.launch("Lumnara", std::nullopt, ActivationPolicy::accessory);
 }
 
 void SimulatedMac::addScreen(ScreenInfo screen, int desktops) {
     layout_.addScreen(std::move(screen), desktops);
+    happened.emit(WorkspaceEvent::screenParametersDidChange);
+}
+
+void SimulatedMac::removeScreen(std::string_view uuid) {
+    const auto before = layout_.screens();
+    layout_.removeScreen(uuid);
+    const auto& left = layout_.screens();
+    if (left.size() == before.size()) return;
+    const auto gone = std::ranges::find_if(
+        before, [&](const ScreenInfo& screen) { return std::ranges::count(left, screen) == 0; });
+    windows_.moveBounds(gone->frame, left.front().frame);
+    if (gone->frame.contains(pointer_.position())) pointer_.moveTo(left.front().frame.middle());
+    missionControl_.dismiss();
     happened.emit(WorkspaceEvent::screenParametersDidChange);
 }
 
@@ -85,6 +111,7 @@ void SimulatedMac::leaveFullscreen(WindowNumber window) {
 
 void SimulatedMac::logInAgain() {
     stage_.stop();
+    missionControl_.vanish();
     windows_.clear();
     origins_.clear();
     layout_.renumber();
@@ -112,7 +139,56 @@ WindowNumber SimulatedMac::openWindow(std::int32_t pid, SpaceID space) {
 }
 
 void SimulatedMac::post(const SyntheticEvent& event) {
-    if (isTrusted && !isLocked && isOnConsole) dock_.take(event);
+    if (isTrusted) input(event);
+}
+
+void SimulatedMac::input(const SyntheticEvent& event) {
+    if (isLocked || !isOnConsole) return;
+    if (const auto* mouse = std::get_if<MouseEvent>(&event.origin)) pointer_.take(*mouse);
+    dock_.take(event);
+    missionControl_.changed.emit();
+}
+
+void SimulatedMac::warpPointer(Point to) {
+    pointer_.moveTo(to);
+    missionControl_.changed.emit();
+}
+
+bool SimulatedMac::openFile(std::string_view path) {
+    if (path != "/System/Applications/Mission Control.app") return false;
+    if (!dock_.isAway()) missionControl_.toggle();
+    return true;
+}
+
+void SimulatedMac::setPreference(std::string_view key, std::string_view application,
+                                 std::optional<PropertyValue> value) {
+    const std::pair place{std::string(application), std::string(key)};
+    if (value)
+        preferences_.insert_or_assign(place, *std::move(value));
+    else
+        preferences_.erase(place);
+}
+
+std::optional<PropertyValue> SimulatedMac::preference(std::string_view key,
+                                                      std::string_view application) const {
+    const auto found = preferences_.find({std::string(application), std::string(key)});
+    return found == preferences_.end() ? std::nullopt : std::optional(found->second);
+}
+
+void SimulatedMac::launchDock() {
+    dockPid_ = apps_.launch("Dock", dockBundleID, ActivationPolicy::accessory);
+    missionControl_.dockPid = dockPid_;
+}
+
+void SimulatedMac::restartDock() {
+    missionControl_.vanish();
+    apps_.quit(dockPid_);
+    dock_.goAway(random_.between(0.5, 1.5));
+}
+
+void SimulatedMac::click() {
+    if (!pointer_.isDown()) input({MouseEvent{MouseEventType::leftDown, pointer_.position()}});
+    input({MouseEvent{MouseEventType::leftUp, pointer_.position()}});
 }
 
 PropertyDictionary SimulatedMac::sessionDictionary() const {
@@ -130,12 +206,20 @@ void SimulatedMac::inject(SimulatedFault fault) {
     case SimulatedFault::permissionWithdrawn: isTrusted = false; break;
     case SimulatedFault::symbolMissing: removeSymbol(symbols[random_.below(symbols.size())]); break;
     case SimulatedFault::pointerGrabbed: pointer_.grab(); break;
+    case SimulatedFault::userClicks: click(); break;
+    case SimulatedFault::userEscapes: input({KeyEvent{KeyCode::escape, true}}); break;
+    case SimulatedFault::barCollapses: missionControl_.collapseBars(); break;
+    case SimulatedFault::thumbnailsShift:
+        missionControl_.shift(random_.between(-90, 90), random_.between(0.3, 3));
+        break;
+    case SimulatedFault::dockRestarted: restartDock(); break;
     }
 }
 
 void SimulatedMac::heal() {
     faults_.disarmAll();
     stage_.heal();
+    missionControl_.heal();
     pointer_.letGo();
     missing_.clear();
     isTrusted = true;

@@ -7,6 +7,7 @@
 #include "core/platform/sim/SimulatedApps.h"
 #include "core/platform/sim/SimulatedDock.h"
 #include "core/platform/sim/SimulatedFault.h"
+#include "core/platform/sim/SimulatedMissionControl.h"
 #include "core/platform/sim/SimulatedPointer.h"
 #include "core/platform/sim/SimulatedStage.h"
 #include "core/platform/sim/SimulatedWindows.h"
@@ -19,6 +20,12 @@
 
 namespace lumnara {
 
+/// The layouts of the Dock's elements that systems have had.
+enum class SimulatedDockTree {
+    older, ///< "mc.spaces" holds the thumbnails and the add button
+    newer  ///< "mc.spaces.list" holds the thumbnails, with the add button beside it
+};
+
 struct SimulatedMacOptions {
     /// All that is left to chance follows from it.
     std::uint64_t seed = 1;
@@ -26,6 +33,10 @@ struct SimulatedMacOptions {
     bool separateSpaces = true;
     /// Of macOS, the first number.
     int systemVersion = 14;
+    /// What the user has set for "mru-spaces"; nothing when it was never set, which means on.
+    std::optional<bool> rearrangesByRecentUse = false;
+    /// How the Dock's elements are laid out.
+    SimulatedDockTree dockTree = SimulatedDockTree::newer;
 };
 
 /// A Mac's session as its programs see it: window server, Dock, applications, pointer. It behaves in time,
@@ -39,7 +50,12 @@ public:
     Platform platform();
     WindowServerCalls calls();
 
+    /// Plugs a screen in. One that was here before brings its desktops back, as far as there still are any.
     void addScreen(ScreenInfo screen, int desktops);
+    /// Unplugs a screen; the first of the others takes its desktops with their windows. The last one stays.
+    void removeScreen(std::string_view uuid);
+    /// The Mac has slept and is awake again.
+    void wake() { happened.emit(WorkspaceEvent::didWake); }
     SpaceID addDesktop(std::string_view display) { return layout_.addDesktop(display); }
     /// Its windows go to a neighbour; the last desktop of a display stays.
     void removeSpace(SpaceID space);
@@ -58,8 +74,20 @@ public:
     bool isTrusted = true;
     bool isLocked = false;
     bool isOnConsole = true;
-    /// An event reaches the Dock only with trust, and while the user is there.
+    /// An event of a program: it gets through only with trust, and while the user is there.
     void post(const SyntheticEvent& event);
+    /// Puts the pointer there without an event.
+    void warpPointer(Point to);
+    /// An event of the user's own mouse and keyboard.
+    void input(const SyntheticEvent& event);
+    /// The user lets go of the button, or clicks where the pointer is.
+    void click();
+    /// Opens an application, as far as this Mac has it: Mission Control. False for all else.
+    bool openFile(std::string_view path);
+    /// Sets a key in another program's settings; nothing takes it away.
+    void setPreference(std::string_view key, std::string_view application,
+                       std::optional<PropertyValue> value);
+    std::optional<PropertyValue> preference(std::string_view key, std::string_view application) const;
     /// With the keys that there are in this state.
     PropertyDictionary sessionDictionary() const;
 
@@ -76,16 +104,23 @@ public:
     SimulatedApps& apps() { return apps_; }
     SimulatedPointer& pointer() { return pointer_; }
     SimulatedDock& dock() { return dock_; }
+    SimulatedMissionControl& missionControl() { return missionControl_; }
+    const SimulatedMissionControl& missionControl() const { return missionControl_; }
+    SimulatedDockTree dockTree() const { return dockTree_; }
+    std::int32_t dockPid() const { return dockPid_; }
 
     async::Signal<WorkspaceEvent> happened;
 
 private:
+    void launchDock();
+    void restartDock();
     bool offers(std::string_view symbol) const { return !missing_.contains(symbol); }
     void offerReadings(WindowServerCalls& calls);
     void offerWindows(WindowServerCalls& calls);
     /// The display as the window server tells it, or null.
     const SimulatedDisplay* toldDisplay(std::string_view uuid) const;
 
+    async::Loop& loop_;
     SimulatedRandom random_;
     SimulatedFaults faults_;
     SimulatedLayout layout_;
@@ -93,12 +128,19 @@ private:
     SimulatedWindows windows_;
     SimulatedApps apps_;
     SimulatedPointer pointer_;
+    SimulatedMissionControl missionControl_;
     SimulatedDock dock_;
+    SimulatedDockTree dockTree_;
     std::int32_t ownPid_ = 0;
+    std::int32_t dockPid_ = 0;
     std::set<std::string, std::less<>> missing_;
     /// Where a full-screen window came from.
     std::map<WindowNumber, SpaceID> origins_;
+    /// By application and key.
+    std::map<std::pair<std::string, std::string>, PropertyValue> preferences_;
     async::Subscription shown_;
+    async::Subscription pushed_;
+    async::Subscription dockCameBack_;
 };
 
 } // namespace lumnara

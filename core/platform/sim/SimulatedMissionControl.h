@@ -66,6 +66,8 @@ public:
     /// Asks for another desktop, which comes a while later. False when the bar shows no button for it.
     bool add(const std::string& screen);
 
+    /// Whose windows it shows.
+    std::int32_t dockPid = 0;
     /// What takes a Space away, with all that follows from it.
     std::function<void(SpaceID)> removeSpace;
 

@@ -1,6 +1,9 @@
+#include "core/missioncontrol/DockMissionControlDriver.h"
+#include "core/missioncontrol/MissionControlArranger.h"
 #include "core/platform/DisplayHelpers.h"
+#include "core/platform/LiveSpaceProvider.h"
 #include "core/platform/PrivateAPI.h"
-#include "core/platform/sim/SimulatedMac.h"
+#include "core/platform/sim/SimulatedAccessibility.h"
 
 #include <utility>
 
@@ -38,6 +41,7 @@ public:
     void activate(std::int32_t pid, ActivationOptions options) override {
         mac_.apps().activateOther(mac_.ownPid(), pid, options);
     }
+    bool openFile(const std::string& path) override { return mac_.openFile(path); }
 
 private:
     SimulatedMac& mac_;
@@ -48,25 +52,27 @@ public:
     explicit SimulatedEventServices(SimulatedMac& mac) : mac_(mac) {}
     void post(const SyntheticEvent& event, EventTap) override { mac_.post(event); }
     std::optional<Point> pointer() override { return mac_.pointer().position(); }
-    void warpPointer(Point to) override { mac_.pointer().moveTo(to); }
+    void warpPointer(Point to) override { mac_.warpPointer(to); }
 
 private:
     SimulatedMac& mac_;
-};
-
-class SimulatedAccessibility : public Accessibility {
-public:
-    explicit SimulatedAccessibility(const SimulatedMac& mac) : mac_(mac) {}
-    bool isTrusted() override { return mac_.isTrusted; }
-
-private:
-    const SimulatedMac& mac_;
 };
 
 class SimulatedSessionProbe : public SessionProbe {
 public:
     explicit SimulatedSessionProbe(const SimulatedMac& mac) : mac_(mac) {}
     std::optional<PropertyDictionary> currentDictionary() override { return mac_.sessionDictionary(); }
+
+private:
+    const SimulatedMac& mac_;
+};
+
+class SimulatedPreferences : public Preferences {
+public:
+    explicit SimulatedPreferences(const SimulatedMac& mac) : mac_(mac) {}
+    std::optional<PropertyValue> value(std::string_view key, std::string_view application) override {
+        return mac_.preference(key, application);
+    }
 
 private:
     const SimulatedMac& mac_;
@@ -119,6 +125,20 @@ private:
     SimulatedMac& mac_;
 };
 
+/// What the arranger works with.
+struct ArrangerTools {
+    LiveSpaceProvider provider;
+    DockMissionControlDriver driver;
+};
+
+class SimulatedArranger : private ArrangerTools, public MissionControlArranger {
+public:
+    SimulatedArranger(const async::Loop& loop, Platform& platform)
+        : ArrangerTools{{loop, *platform.windowServer, *platform.screens, platform.workspace.get()},
+                        DockMissionControlDriver(MissionControlSeams::of(platform))},
+          MissionControlArranger(driver, driver, provider) {}
+};
+
 } // namespace
 
 Platform SimulatedMac::platform() {
@@ -131,6 +151,8 @@ Platform SimulatedMac::platform() {
     platform.accessibility = std::make_unique<SimulatedAccessibility>(*this);
     platform.ownApplication = std::make_unique<SimulatedOwnApplication>(*this);
     platform.sessionProbe = std::make_unique<SimulatedSessionProbe>(*this);
+    platform.preferences = std::make_unique<SimulatedPreferences>(*this);
+    platform.arranger = std::make_unique<SimulatedArranger>(loop_, platform);
     return platform;
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "core/async/Signal.h"
 #include "core/async/Timer.h"
-#include "core/model/Geometry.h"
+#include "core/platform/EventServices.h"
 #include "core/platform/sim/SimulatedLayout.h"
 
 #include <memory>
@@ -18,6 +19,12 @@ public:
 
     Point position() const { return position_; }
     void moveTo(Point to) { position_ = to; }
+    /// The left button, whoever pressed it.
+    bool isDown() const { return isDown_; }
+    void take(const MouseEvent& event);
+
+    /// The user moves it there.
+    async::Signal<Point> pushed;
 
     /// For a while the user moves it to one place after another, over all screens.
     void grab();
@@ -31,6 +38,7 @@ private:
     SimulatedRandom& random_;
     const SimulatedLayout& layout_;
     Point position_;
+    bool isDown_ = false;
     async::Nanos grabbedUntil_{};
     std::unique_ptr<async::Delayed> push_;
 };

@@ -67,9 +67,18 @@ void SimulatedWindows::moveOff(SpaceID from, SpaceID to) {
     }
 }
 
+void SimulatedWindows::moveBounds(const Rect& from, const Rect& to) {
+    for (SimulatedWindow& window : windows_) {
+        if (!from.contains(window.bounds.middle())) continue;
+        window.bounds.x += to.x - from.x;
+        window.bounds.y += to.y - from.y;
+    }
+}
+
 bool SimulatedWindows::isOnScreen(const SimulatedWindow& window) const {
     return window.isOrderedIn && window.alpha > 0 &&
-           std::ranges::any_of(window.spaces, [this](SpaceID id) { return layout_.isShown(id); });
+           (window.isOnEverySpace ||
+            std::ranges::any_of(window.spaces, [this](SpaceID id) { return layout_.isShown(id); }));
 }
 
 PropertyList SimulatedWindows::list(WindowListOption option) const {

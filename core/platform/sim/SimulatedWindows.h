@@ -19,6 +19,8 @@ struct SimulatedWindow {
     bool isOrderedIn = false;
     /// Where it is; empty for a window that hasn't been ordered in yet.
     std::vector<SpaceID> spaces{};
+    /// It shows whichever Space does, and is told to be on none.
+    bool isOnEverySpace = false;
 };
 
 /// All windows of the session, front to back, and the Spaces that hold them.
@@ -45,6 +47,9 @@ public:
     /// The windows that are on `from` alone go to `to`, or to the first desktop there; all others leave
     /// `from`. `to` is there.
     void moveOff(SpaceID from, SpaceID to);
+
+    /// The windows with their middles in the one rectangle go to the same place in the other.
+    void moveBounds(const Rect& from, const Rect& to);
 
     /// Ordered in, not wholly transparent, and on a Space that is shown.
     bool isOnScreen(const SimulatedWindow& window) const;
