@@ -8,7 +8,7 @@ namespace lumnara {
 
 /// What can go wrong on a Mac, on demand.
 enum class SimulatedFault {
-    gestureLost,         ///< the Dock does not answer the next swipe, or the next press of the button
+    gestureLost,         ///< the Dock does not answer the next swipe, press of the button or Escape
     animationNeverEnds,  ///< the next change of Space, or opening of Mission Control, begins and does not end
     snapBack,            ///< a while after the next change of Space, or drop of a thumbnail, all is as before
     staleReading,        ///< for a while the window server tells the layout of now

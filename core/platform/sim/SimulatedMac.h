@@ -59,6 +59,8 @@ public:
     SpaceID addDesktop(std::string_view display) { return layout_.addDesktop(display); }
     /// Its windows go to a neighbour; the last desktop of a display stays.
     void removeSpace(SpaceID space);
+    /// The user gives it another place on its display.
+    void moveSpace(SpaceID space, std::size_t place) { layout_.moveTo(space, place); }
     /// Gives the window a Space of its own, to which its display then moves. 0 without such a window.
     SpaceID enterFullscreen(WindowNumber window);
     void leaveFullscreen(WindowNumber window);

@@ -44,6 +44,7 @@ void SimulatedMissionControl::toggle() {
 
 void SimulatedMissionControl::dismiss() {
     if (!isUp() || phase_ == Phase::closing) return;
+    if (faults_.befalls(SimulatedFault::gestureLost)) return;
     grip_.reset();
     enter(Phase::closing, random_.between(0.2, 0.4));
 }

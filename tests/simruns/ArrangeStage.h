@@ -1,0 +1,58 @@
+#pragma once
+
+#include "core/async/TestLoop.h"
+#include "core/missioncontrol/MissionControlArranger.h"
+#include "core/platform/LiveSpaceProvider.h"
+#include "core/platform/sim/SimulatedMac.h"
+#include "tests/simruns/DamagedAccessibility.h"
+#include "tests/simruns/WatchedDriver.h"
+
+#include <optional>
+
+namespace lumnara::testing {
+
+/// The provider, with what it told, and failing on demand.
+class WatchedProvider : public LiveSpaceProvider {
+public:
+    using LiveSpaceProvider::LiveSpaceProvider;
+
+    int failures = 0;
+    std::optional<SpaceSnapshot> first;
+    /// Nothing when the last reading failed.
+    std::optional<SpaceSnapshot> last;
+
+    SpaceSnapshot snapshot() override;
+};
+
+/// A furnished simulated Mac, and everything that arranges its desktops.
+class ArrangeStage {
+public:
+    /// All that is left open follows from `random`.
+    ArrangeStage(SimulatedRandom& random, std::uint64_t seed);
+    /// Two screens of so many desktops each.
+    explicit ArrangeStage(int desktops, SimulatedMacOptions options = {});
+
+    /// Whether the bar that was read last is the one a script of so many Spaces expects.
+    bool showsBar(std::size_t count) const;
+    bool showsExpandedBar(std::size_t count) const;
+
+    bool isWithoutSymbol = false;
+    async::TestLoop loop;
+    SimulatedMac mac;
+    Platform platform;
+    DamagedAccessibility accessibility{*platform.accessibility};
+    WatchedDriver driver{loop,
+                         {accessibility, *platform.eventServices, *platform.preferences, *platform.screens,
+                          *platform.sessionProbe, *platform.windowServer, *platform.workspace}};
+    WatchedProvider provider{loop, *platform.windowServer, *platform.screens, platform.workspace.get()};
+    MissionControlArranger arranger{driver, driver, provider};
+    /// Where the work is done.
+    DisplayID display;
+
+private:
+    static SimulatedMacOptions optionsFrom(SimulatedRandom& random, std::uint64_t seed);
+    Platform furnished(SimulatedRandom& random);
+    void furnish(SimulatedRandom& random);
+};
+
+} // namespace lumnara::testing

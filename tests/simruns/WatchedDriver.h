@@ -1,0 +1,52 @@
+#pragma once
+
+#include "core/async/Loop.h"
+#include "core/missioncontrol/DockMissionControlDriver.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace lumnara::testing {
+
+/// The driver, with what it was asked for.
+class WatchedDriver : public DockMissionControlDriver {
+public:
+    WatchedDriver(const async::Loop& loop, const MissionControlSeams& seams)
+        : DockMissionControlDriver(seams),
+          loop_(loop) {}
+
+    int opens = 0;
+    int escapes = 0;
+    int presses = 0;
+    int releases = 0;
+    std::optional<Point> asked;  ///< what was told of the pointer
+    std::optional<Point> warped; ///< where it was put last
+    bool restsAfterWarp = true;
+    std::optional<SpacesBarButtons> lastBar;
+    /// Is told each step with its time; drags that follow each other are one step.
+    std::function<void(const std::string&)> onStep;
+
+    void open() override;
+    void pressEscape() override;
+    std::optional<SpacesBarButtons> spacesBarButtons(const std::optional<Rect>& displayFrame) override;
+    bool removeDesktop(int index, const std::string& title) override;
+    void movePointer(Point to) override;
+    void pressPointer(Point at) override;
+    void dragPointer(Point to) override;
+    void releasePointer(Point at) override;
+    Point pointerLocation() override;
+    void warpPointer(Point to) override;
+    bool addDesktop(const std::optional<Rect>& displayFrame) override;
+    bool addDesktopByDescription() override;
+
+private:
+    void step(const std::string& what);
+    void tellDrags();
+
+    const async::Loop& loop_;
+    int drags_ = 0;
+    Point draggedTo_;
+};
+
+} // namespace lumnara::testing
