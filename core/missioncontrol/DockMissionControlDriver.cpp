@@ -69,7 +69,8 @@ DockMissionControlDriver::spacesBarButtons(const std::optional<Rect>& displayFra
 }
 
 bool DockMissionControlDriver::removeDesktop(int index, const std::string& title) {
-    const auto thumbnails = tree_.thumbnails(lastDisplayFrame_);
+    if (!lastDisplayFrame_) return false;
+    const auto thumbnails = tree_.thumbnails(*lastDisplayFrame_);
     if (!thumbnails || index < 0 || static_cast<std::size_t>(index) >= thumbnails->size()) return false;
     const DockTree::Thumbnail& thumbnail = (*thumbnails)[static_cast<std::size_t>(index)];
     return thumbnail.button.title == title &&

@@ -62,8 +62,9 @@ private:
 
     MissionControlSeams seams_;
     DockTree tree_;
-    /// Of the bar that was read last, which is the one that a removal means.
-    std::optional<Rect> lastDisplayFrame_;
+    /// What the bar that was read last was asked for by, which is the one that a removal means; nothing
+    /// before the first reading.
+    std::optional<std::optional<Rect>> lastDisplayFrame_;
     /// Pointer events go with the state of the hardware.
     std::optional<EventSourceState> source_ = EventSourceState::hidSystem;
 };
