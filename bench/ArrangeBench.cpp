@@ -1,15 +1,21 @@
-// What planning a new order of desktops costs, by the number of desktops, and what carrying one out costs on
-// real window managers.
+// What planning a new order of desktops costs, by the number of desktops, what carrying one out costs on real
+// window managers and on the simulated Mac, and how many runs with faults on that Mac end as they must not.
+// With the argument "transcripts" it prints instead what is done there step by step, and what each fault led
+// to.
 
 #include "bench/Bench.h"
 #include "core/missioncontrol/ReorderPlan.h"
 #include "core/model/SpaceSnapshot.h"
 #include "tests/session/ArrangerSession.h"
+#include "tests/simruns/ArrangeRun.h"
+#include "tests/simruns/ArrangeTranscripts.h"
+#include "tests/support/LogLines.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <random>
 #include <string>
+#include <string_view>
 
 namespace lumnara::bench {
 namespace {
@@ -51,14 +57,58 @@ double turningAround(testing::WindowManager windowManager, int rounds) {
     return medianOf(std::move(times));
 }
 
+/// Seconds of a Mac's clock that pass in one of ours while ten desktops are turned around there.
+double simulatedSeconds(int rounds) {
+    double seconds = 0;
+    const double time = medianMicroseconds(rounds, [&] { seconds = testing::reorderTranscript(10).seconds; });
+    return seconds / (time / 1e6);
+}
+
+constexpr std::uint64_t runsOfEach = 3000;
+
+testing::ArrangeTally faultRuns(testing::ArrangeWork work) {
+    const testing::LogLines lines; // the creator's lines are of no interest here
+    testing::ArrangeTally tally;
+    for (std::uint64_t seed = 1; seed <= runsOfEach; ++seed) tally.add(testing::playArrangeRun(work, seed));
+    return tally;
+}
+
+void printTranscripts() {
+    using testing::ArrangeWork;
+    std::printf("a reorder of four desktops\n%s\n", testing::reorderTranscript(4).text.c_str());
+    std::printf("a removal that the user stops\n%s\n", testing::stoppedRemovalTranscript().text.c_str());
+    std::printf("runs to reorder\n%s", faultRuns(ArrangeWork::reorder).table().c_str());
+    std::printf("runs to remove\n%s", faultRuns(ArrangeWork::remove).table().c_str());
+    std::printf("runs to create\n%s", faultRuns(ArrangeWork::create).table().c_str());
+}
+
+void reportFaultRuns(Report& report) {
+    using testing::ArrangeWork;
+    int runs = 0;
+    int broken = 0;
+    for (const ArrangeWork work : {ArrangeWork::reorder, ArrangeWork::remove, ArrangeWork::create}) {
+        const testing::ArrangeTally tally = faultRuns(work);
+        runs += tally.runs;
+        broken += tally.broken;
+    }
+    report.add("fault_runs", runs, "seeded, on the simulated Mac");
+    report.add("fault_runs_broken", broken, "left something behind, or told what was not so");
+}
+
 } // namespace
 } // namespace lumnara::bench
 
-int main() {
+int main(int count, char** arguments) {
     using namespace lumnara::bench;
+    if (count > 1 && std::string_view(arguments[1]) == "transcripts") {
+        printTranscripts();
+        return EXIT_SUCCESS;
+    }
     Report report("arrange");
-    report.line("moves_16_ms", planning(16, 1001));
-    report.line("moves_1000_ms", planning(1000, 101));
+    report.add("moves_16", planning(16, 1001), "ms");
+    report.add("moves_1000", planning(1000, 101), "ms");
+    report.add("sim_seconds_per_second", simulatedSeconds(21), "ten desktops turned around");
+    reportFaultRuns(report);
     report.add("moves_100000_ms", planning(100'000, 15), "a random order");
     report.add("reorder10_i3_ms", turningAround(lumnara::testing::WindowManager::i3, 21));
     report.add("reorder10_openbox_ms", turningAround(lumnara::testing::WindowManager::openbox, 21));
