@@ -15,6 +15,13 @@ using namespace MissionControlTiming;
 /// A bar that isn't expanded has labels of at most this height.
 constexpr double collapsedHeight = 26;
 
+/// A tree that doesn't tell its displays apart may give the thumbnails of another one.
+bool standsOn(const SpacesBarButtons& buttons, const Rect& displayFrame) {
+    if (buttons.empty()) return true;
+    const double middle = (buttons.front().middle().x + buttons.back().middle().x) / 2;
+    return middle >= displayFrame.x && middle <= displayFrame.x + displayFrame.width;
+}
+
 constexpr double hoverFrom = 200;
 constexpr double firstTopOffset = 20;
 constexpr double topOffsetStep = 8;
@@ -84,7 +91,7 @@ bool MissionControlSession::isExpanded(const SpacesBarButtons& buttons, const Re
 std::optional<SpacesBarButtons> MissionControlSession::bar(const Rect& displayFrame, int expectedCount) {
     auto buttons = driver_.spacesBarButtons(displayFrame);
     if (!buttons || buttons->size() != static_cast<std::size_t>(expectedCount) ||
-        !std::ranges::all_of(*buttons, hasArea, &SpacesBarButton::frame))
+        !std::ranges::all_of(*buttons, hasArea, &SpacesBarButton::frame) || !standsOn(*buttons, displayFrame))
         return std::nullopt;
     return buttons;
 }

@@ -29,7 +29,8 @@ public:
     /// Whether this is a bar with pictures, at the display's own top edge.
     static bool isExpanded(const SpacesBarButtons& buttons, const Rect& displayFrame);
 
-    /// The bar as it is now; nothing when it hasn't just so many thumbnails, or one without an area.
+    /// The bar as it is now; nothing when it hasn't just so many thumbnails, has one without an area, or
+    /// stands on another display.
     std::optional<SpacesBarButtons> bar(const Rect& displayFrame, int expectedCount);
     /// The same, and nothing unless it is expanded.
     std::optional<SpacesBarButtons> expandedBar(const Rect& displayFrame, int expectedCount);
