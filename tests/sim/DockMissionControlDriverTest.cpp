@@ -153,6 +153,17 @@ TEST_P(DockMissionControlDriverTest, KeepsThumbnailsWithoutATitleAndSortsThoseWi
         << "no script goes on from there";
 }
 
+TEST_P(DockMissionControlDriverTest, AScriptTakesNoOtherDisplaysThumbnails) {
+    openBar();
+    stage.accessibility.identifier = "mc.display";
+    stage.accessibility.damage = [](std::string_view name, const AccessibilityValue& value) {
+        return name == "AXPosition" ? std::nullopt : std::optional(value);
+    };
+    const auto told = stage.driver.spacesBarButtons(right);
+    EXPECT_EQ(told.has_value(), GetParam() == SimulatedDockTree::newer) << "of the first display, if any";
+    EXPECT_EQ(MissionControlSession(stage.driver).bar(right, 4), std::nullopt);
+}
+
 TEST_P(DockMissionControlDriverTest, TellsNothingWithoutThePermissionOrTheDock) {
     openBar();
     stage.mac.isTrusted = false;

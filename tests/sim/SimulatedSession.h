@@ -4,6 +4,7 @@
 #include "core/platform/LiveSpaceProvider.h"
 #include "core/platform/PrivateAPI.h"
 #include "core/platform/sim/SimulatedMac.h"
+#include "tests/simruns/TwoScreens.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -32,16 +33,7 @@ public:
     explicit SimulatedSession(SimulatedMacOptions options = {},
                               const std::function<void(SimulatedMac&)>& prepare = {})
         : mac(loop, options) {
-        mac.addScreen({.uuid = "LEFT",
-                       .connector = "built-in",
-                       .name = "Panel",
-                       .frame = {0, 0, 1512, 982},
-                       .scale = 2,
-                       .isBuiltIn = true},
-                      3);
-        mac.addScreen(
-            {.uuid = "RIGHT", .connector = "1", .name = "Desk", .frame = {1512, 0, 2560, 1440}, .scale = 1},
-            3);
+        plugTwoScreens(mac, 3, 3);
         mac.pointer().moveTo({10, 10});
         if (prepare) prepare(mac);
         platform = mac.platform();

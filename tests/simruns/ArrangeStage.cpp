@@ -2,6 +2,7 @@
 
 #include "core/missioncontrol/FrameArea.h"
 #include "core/model/SpaceKitError.h"
+#include "tests/simruns/TwoScreens.h"
 
 #include <algorithm>
 #include <string>
@@ -11,15 +12,7 @@ namespace lumnara::testing {
 namespace {
 
 Platform withScreens(SimulatedMac& mac, int left, int right) {
-    mac.addScreen({.uuid = "LEFT",
-                   .connector = "built-in",
-                   .name = "Panel",
-                   .frame = {0, 0, 1512, 982},
-                   .scale = 2,
-                   .isBuiltIn = true},
-                  left);
-    mac.addScreen({.uuid = "RIGHT", .connector = "1", .name = "Desk", .frame = {1512, -200, 2560, 1440}},
-                  right);
+    plugTwoScreens(mac, left, right);
     mac.warpPointer({400, 600});
     return mac.platform();
 }
