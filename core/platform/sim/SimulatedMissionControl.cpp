@@ -206,7 +206,8 @@ std::optional<SpacesBarPicture> SimulatedMissionControl::bar(const std::string& 
 
 bool SimulatedMissionControl::remove(SpaceID space) {
     const SimulatedDisplay* display = layout_.displayOf(space);
-    if (!isUp() || !display || display->find(space)->kind != SpaceKind::user) return false;
+    if (!isUp() || phase_ == Phase::closing || !display || display->find(space)->kind != SpaceKind::user)
+        return false;
     if (display->desktopCount() == 1) return false;
     after(random_.between(0.05, 0.2), [this, space] { removeSpace(space); });
     return true;
@@ -214,7 +215,7 @@ bool SimulatedMissionControl::remove(SpaceID space) {
 
 bool SimulatedMissionControl::add(const std::string& screen) {
     const auto shown = bar(screen);
-    if (!shown || !shown->addButton) return false;
+    if (phase_ == Phase::closing || !shown || !shown->addButton) return false;
     after(random_.between(0.05, 0.2), [this, uuid = displayOn(screen)->uuid] { layout_.addDesktop(uuid); });
     return true;
 }

@@ -61,7 +61,7 @@ public:
     /// The bar with its thumbnails where they stand; a dragged one is told in the gap that the others leave.
     std::optional<SpacesBarPicture> bar(const std::string& screen) const;
     /// Asks for the removal of a desktop, which happens a while later. False when it isn't there, or stays
-    /// because it is none or the last.
+    /// because it is none or the last, or when Mission Control is on its way out.
     bool remove(SpaceID space);
     /// Asks for another desktop, which comes a while later. False when the bar shows no button for it.
     bool add(const std::string& screen);
