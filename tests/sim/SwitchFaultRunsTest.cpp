@@ -80,6 +80,11 @@ private:
         session_.events.forget();
         pointerBefore_ = session_.mac.pointer().position();
         historyBefore_ = session_.switcher.history;
+        if (random_.below(20) == 0) {
+            befallen_.insert("Mission Control open");
+            session_.mac.openFile("/System/Applications/Mission Control.app");
+            session_.loop.advance(1);
+        }
         std::vector<std::unique_ptr<async::Delayed>> faults;
         for (auto more = random_.below(3); more > 0; --more) faults.push_back(faultInTime());
 
@@ -106,6 +111,11 @@ private:
             return std::make_unique<async::Delayed>(session_.loop, moment, [this] {
                 befallen_.insert("space removed");
                 session_.mac.removeSpace(random_.below(2) == 0 ? target_ : anySpace().id);
+            });
+        if (random_.below(10) == 0)
+            return std::make_unique<async::Delayed>(session_.loop, moment, [this] {
+                befallen_.insert("display unplugged");
+                session_.mac.removeScreen(random_.below(2) == 0 ? "LEFT" : "RIGHT");
             });
         SimulatedFault fault = SimulatedFault::symbolMissing; // of which nobody would notice now
         while (fault == SimulatedFault::symbolMissing)
@@ -142,7 +152,7 @@ private:
         if (events.lastWarp) {
             EXPECT_EQ(*events.lastWarp, *events.saved) << "the last warp is the way back";
         }
-        if (!befell(SimulatedFault::pointerGrabbed)) {
+        if (!befell(SimulatedFault::pointerGrabbed) && !befallen_.contains("display unplugged")) {
             EXPECT_EQ(session_.mac.pointer().position(), pointerBefore_);
         }
     }
@@ -174,13 +184,14 @@ private:
         const bool wasStale = befell(SimulatedFault::staleReading);
         switch (error->which()) {
         case Case::notLanded:
-            EXPECT_TRUE(wasStale || !hasShownTheTargetForAWhile());
+            EXPECT_TRUE(wasStale || befallen_.contains("display unplugged") || !hasShownTheTargetForAWhile());
             EXPECT_TRUE(!befallen_.contains("no fault") || ownerMayStay());
             break;
         case Case::alreadyThere: EXPECT_EQ(told(), target_); break;
         case Case::targetNotInSnapshot:
             EXPECT_TRUE(wasStale || !session_.mac.layout().displayOf(target_));
             break;
+        case Case::missionControlActive: EXPECT_TRUE(session_.mac.missionControl().isUp()); break;
         case Case::engineUnavailable: EXPECT_FALSE(helperStandsOnTarget()); break;
         default: ADD_FAILURE() << error->sentence();
         }
@@ -220,6 +231,10 @@ private:
     /// The faults are over, the program reads again, and its windows are where they belong.
     void rest() {
         session_.mac.heal();
+        for (const ScreenInfo& screen : screens_)
+            if (std::ranges::count(session_.mac.layout().screens(), screen) == 0)
+                session_.mac.addScreen(screen, 1);
+        session_.mac.inject(SimulatedFault::userEscapes);
         session_.loop.advance(2);
         SpaceSnapshot snapshot;
         try {
@@ -239,6 +254,7 @@ private:
     bool isWithoutSymbol_ = false;
     testing::SwitchingSession session_;
     Tally& tally_;
+    const std::vector<ScreenInfo> screens_ = session_.mac.layout().screens();
     SpaceID target_;
     DisplayID display_;
     /// What went wrong in this switch; a Space that is removed changes the keys of others.
@@ -263,7 +279,7 @@ TEST(SwitchFaultRuns, EndAsTheMacShowsAndWithThePointerWhereItWas) {
     }
     for (const SimulatedFault fault : everySimulatedFault)
         EXPECT_GT(tally[std::string(nameOf(fault))].size(), 2u) << nameOf(fault);
-    EXPECT_EQ(ends.size(), 8u) << "three engines, four refusals, and no desktops to read";
+    EXPECT_EQ(ends.size(), 9u) << "three engines, five refusals, and no desktops to read";
 }
 
 } // namespace
