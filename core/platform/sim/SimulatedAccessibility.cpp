@@ -65,6 +65,7 @@ bool DockElement::exists() const {
     case Part::spaces:
     case Part::list: return bar().has_value();
     }
+    return false;
 }
 
 std::optional<AccessibilityValue> DockElement::attribute(std::string_view name) {
