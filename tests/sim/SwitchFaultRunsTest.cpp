@@ -168,7 +168,8 @@ private:
             EXPECT_TRUE(display_.isMain() || !canTellAnimations() ||
                         !session_.mac.stage().isAnimating(display_.uuid));
             const auto recorded = now.resolve(key.value_or(""));
-            EXPECT_TRUE(befallen_.contains("space removed") || (recorded && recorded->space.id == target_));
+            EXPECT_TRUE(befallen_.contains("space removed") || befallen_.contains("display unplugged") ||
+                        (recorded && recorded->space.id == target_));
         }
     }
 

@@ -240,10 +240,13 @@ private:
 } // namespace
 
 void ArrangeTally::add(const ArrangeRunEnd& end) {
+    constexpr std::string_view notMoved = "Mission Control did not move desktop ";
     ++runs;
     if (!end.broken.empty()) ++broken;
-    for (const std::string& mishap : end.befallen) ++endings[mishap][end.ending];
-    if (end.befallen.empty()) ++endings["nothing"][end.ending];
+    const std::string ending =
+        end.ending.starts_with(notMoved) ? std::string(notMoved) + "<n> to position <m>." : end.ending;
+    for (const std::string& mishap : end.befallen) ++endings[mishap][ending];
+    if (end.befallen.empty()) ++endings["nothing"][ending];
 }
 
 std::string ArrangeTally::table() const {
