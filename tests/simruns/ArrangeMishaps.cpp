@@ -31,8 +31,9 @@ std::vector<std::unique_ptr<async::Delayed>> ArrangeMishaps::schedule(double sec
     std::set<std::size_t> chosen; // each once: of two lost Escapes no script recovers
     const std::array chances{0, 1, 1, 1, 2, 2};
     for (int more = chances[random_.below(chances.size())]; more > 0; --more) {
-        // The opening takes two or three seconds: early moments matter as much as late ones.
-        const double moment = random_.between(0, random_.below(2) == 0 ? 3 : seconds);
+        // The opening takes two or three seconds, and begins at once: early moments matter as much as late
+        // ones.
+        const double moment = random_.between(0, std::array{0.05, 3.0, seconds}[random_.below(3)]);
         const std::size_t which = random_.below(everySimulatedFault.size() + mishaps.size());
         if (!chosen.insert(which).second || which == lateSymbol) continue;
         scheduled.push_back(std::make_unique<async::Delayed>(stage_.loop, moment, [this, which] {
