@@ -119,6 +119,9 @@ private:
         expect(outcome.finalOrder == orderIn(stage_.provider.last).value_or(verified), "another final order");
         expect(outcome.matchesDesired == (outcome.finalOrder == ReorderPlan::reconciled(wish_, before)),
                "the match is told wrongly");
+        const bool mayChangeLater = mishaps_.changedTheLayout() || befell(SimulatedFault::snapBack);
+        expect(outcome.stoppedBecause || mayChangeLater || outcome.finalOrder == verified,
+               "tells of moves that were not made");
         const SimulatedDisplay* shown = stage_.mac.layout().display(stage_.display.uuid);
         const bool canSee = shown && stage_.provider.last && !stage_.mac.stage().readingsAreStale();
         expect(!canSee || outcome.finalOrder == orderOf(*shown), "not the order that the Mac shows");
