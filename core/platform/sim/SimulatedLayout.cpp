@@ -63,6 +63,10 @@ std::vector<SimulatedSpace> SimulatedLayout::takeBack(const std::string& uuid) {
     return back;
 }
 
+void SimulatedLayout::moveScreens(const std::vector<Rect>& frames) {
+    for (std::size_t index = 0; index < screens_.size(); ++index) screens_[index].frame = frames.at(index);
+}
+
 SpaceID SimulatedLayout::addDesktop(std::string_view display) {
     SimulatedDisplay* on = mutableDisplay(display);
     if (!on) return {};

@@ -53,6 +53,8 @@ public:
     /// Takes a screen away that isn't the last one. Another display takes over the Spaces that it had to
     /// itself, and gives them back when it comes again.
     void removeScreen(std::string_view uuid);
+    /// Gives all screens, in their order, other places or sizes.
+    void moveScreens(const std::vector<Rect>& frames);
     SpaceID addDesktop(std::string_view display);
     /// Adds a Space for the window behind the one that the display shows.
     SpaceID addFullscreen(std::string_view display, WindowNumber window);

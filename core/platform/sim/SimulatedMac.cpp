@@ -72,6 +72,25 @@ void SimulatedMac::removeScreen(std::string_view uuid) {
     happened.emit(WorkspaceEvent::screenParametersDidChange);
 }
 
+void SimulatedMac::moveScreens(const std::vector<Rect>& frames) {
+    const auto before = layout_.screens();
+    layout_.moveScreens(frames);
+    if (layout_.screens() == before) return;
+    // All from where they were: the new place of one screen may be the old one of another.
+    for (const SimulatedWindow& window : windows_.all()) {
+        const auto on = std::ranges::find_if(
+            before, [&](const ScreenInfo& screen) { return screen.frame.contains(window.bounds.middle()); });
+        if (on == before.end()) continue;
+        const Rect& from = on->frame;
+        const Rect& to = frames.at(static_cast<std::size_t>(on - before.begin()));
+        const double across = to.width / from.width, down = to.height / from.height;
+        windows_.place(window.number,
+                       {to.x + (window.bounds.x - from.x) * across, to.y + (window.bounds.y - from.y) * down,
+                        window.bounds.width * across, window.bounds.height * down});
+    }
+    happened.emit(WorkspaceEvent::screenParametersDidChange);
+}
+
 void SimulatedMac::removeSpace(SpaceID space) {
     const bool wasShown = layout_.isShown(space);
     const auto neighbour = layout_.remove(space);

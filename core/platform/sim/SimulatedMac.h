@@ -54,6 +54,8 @@ public:
     void addScreen(ScreenInfo screen, int desktops);
     /// Unplugs a screen; the first of the others takes its desktops with their windows. The last one stays.
     void removeScreen(std::string_view uuid);
+    /// Gives all screens, in their order, other places or sizes; the windows keep theirs on them.
+    void moveScreens(const std::vector<Rect>& frames);
     /// The Mac has slept and is awake again.
     void wake() { happened.emit(WorkspaceEvent::didWake); }
     SpaceID addDesktop(std::string_view display) { return layout_.addDesktop(display); }
@@ -102,6 +104,7 @@ public:
     const SimulatedLayout& layout() const { return layout_; }
     const SimulatedWindows& windows() const { return windows_; }
     SimulatedWindows& windows() { return windows_; }
+    const SimulatedStage& stage() const { return stage_; }
     SimulatedStage& stage() { return stage_; }
     SimulatedApps& apps() { return apps_; }
     SimulatedPointer& pointer() { return pointer_; }

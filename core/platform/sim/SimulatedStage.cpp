@@ -1,5 +1,6 @@
 #include "core/platform/sim/SimulatedStage.h"
 
+#include <limits>
 #include <utility>
 
 namespace lumnara {
@@ -11,18 +12,25 @@ void SimulatedStage::move(SpaceID space, double seconds) {
     const auto running = moves_.find(uuid);
     if (running != moves_.end() && !running->second.end) return;
     if (faults_.befalls(SimulatedFault::animationNeverEnds)) {
-        moves_.insert_or_assign(uuid, Move{space, nullptr});
+        moves_.insert_or_assign(uuid,
+                                Move{{space, loop_.now(), std::numeric_limits<double>::infinity()}, nullptr});
     } else if (seconds <= 0) {
         land(uuid, space);
     } else {
-        moves_.insert_or_assign(uuid, Move{space, std::make_unique<async::Delayed>(
-                                                      loop_, seconds, [=, this] { land(uuid, space); })});
+        auto end = std::make_unique<async::Delayed>(loop_, seconds, [=, this] { land(uuid, space); });
+        moves_.insert_or_assign(uuid, Move{{space, loop_.now(), seconds}, std::move(end)});
     }
 }
 
 bool SimulatedStage::isAnimating(std::string_view display) const {
     const SimulatedDisplay* found = layout_.display(display);
     return found && moves_.contains(found->uuid);
+}
+
+std::optional<SimulatedStage::Transition> SimulatedStage::transition(std::string_view display) const {
+    const SimulatedDisplay* found = layout_.display(display);
+    const auto running = found ? moves_.find(found->uuid) : moves_.end();
+    return running == moves_.end() ? std::nullopt : std::optional(running->second.transition);
 }
 
 void SimulatedStage::land(std::string display, SpaceID space) {
@@ -49,7 +57,7 @@ void SimulatedStage::freezeReadings(double seconds) {
 void SimulatedStage::heal() {
     frozen_.reset();
     const auto running = std::exchange(moves_, {});
-    for (const auto& [display, move] : running) land(display, move.target);
+    for (const auto& [display, move] : running) land(display, move.transition.to);
 }
 
 } // namespace lumnara

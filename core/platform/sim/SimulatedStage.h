@@ -28,6 +28,14 @@ public:
     /// move takes the place of one that runs, unless that one never ends.
     void move(SpaceID space, double seconds);
     bool isAnimating(std::string_view display) const;
+    /// A change of Space that is under way.
+    struct Transition {
+        SpaceID to;
+        async::Nanos start;
+        /// Infinite for an animation that never ends.
+        double seconds = 0;
+    };
+    std::optional<Transition> transition(std::string_view display) const;
 
     /// The displays as the window server tells them, now or, with stale readings, then.
     const std::vector<SimulatedDisplay>& told() const;
@@ -43,7 +51,7 @@ public:
 
 private:
     struct Move {
-        SpaceID target;
+        Transition transition;
         /// Empty for an animation that never ends.
         std::unique_ptr<async::Delayed> end;
     };

@@ -42,6 +42,11 @@ void SimulatedWindows::orderOut(WindowNumber number) {
     if (found != windows_.end()) found->isOrderedIn = false;
 }
 
+void SimulatedWindows::place(WindowNumber number, Rect bounds) {
+    const auto window = position(number);
+    if (window != windows_.end()) window->bounds = bounds;
+}
+
 void SimulatedWindows::addToSpaces(WindowNumber number, const std::vector<SpaceID>& spaces) {
     const auto window = position(number);
     if (window == windows_.end()) return;

@@ -40,6 +40,7 @@ public:
     /// the first desktop there.
     void orderFront(WindowNumber number);
     void orderOut(WindowNumber number);
+    void place(WindowNumber number, Rect bounds);
 
     /// A Space that a full-screen window has to itself takes only windows of the same owner.
     void addToSpaces(WindowNumber number, const std::vector<SpaceID>& spaces);
