@@ -4,6 +4,7 @@
 #include "app/AppState.h"
 #include "app/qt/QtDriver.h"
 #include "app/qt/Surfaces.h"
+#include "app/qt/sim/SimulatedMacWindow.h"
 #include "core/async/PollLoop.h"
 #include "core/base/Log.h"
 #include "core/platform/LiveSpaceProvider.h"
@@ -30,31 +31,78 @@ using namespace lumnara;
 
 enum class WindowSystem { x11, sway };
 
+/// Names the platform to run on where it isn't to be chosen: "simulated".
+constexpr const char* platformVariable = "LUMNARA_PLATFORM";
+constexpr const char* simulatedPlatform = "simulated";
+
+/// Whether the user asks for the simulated Mac. Throws for a platform that can't be asked for.
+bool wantsSimulation(const Environment& environment) {
+    const auto wanted = environment.get(platformVariable);
+    if (wanted && *wanted != simulatedPlatform)
+        throw std::runtime_error(fmt::format("{} can be \"{}\" or nothing, not \"{}\".", platformVariable,
+                                             simulatedPlatform, *wanted));
+    return wanted.has_value();
+}
+
 /// Which window system to draw on. Throws WindowManagerError::noDisplay when none answers; a toolkit that
 /// finds none would end the program without a word.
 WindowSystem chooseWindowSystem(const Environment& environment) {
-    if (environment.get("WAYLAND_DISPLAY") && swayAnswers(environment)) return WindowSystem::sway;
+    // The screens of the simulated Mac are drawn where they are, which only X lets a window do.
+    if (!wantsSimulation(environment) && environment.get("WAYLAND_DISPLAY") && swayAnswers(environment))
+        return WindowSystem::sway;
     async::PollLoop probe;
     X11Session(probe, environment);
     return WindowSystem::x11;
 }
 
-/// The best platform of the session. Throws WindowManagerError when no window manager knows desktops.
-Platform choosePlatform(async::Loop& loop, WindowSystem windowSystem, const Environment& environment,
-                        const std::filesystem::path& folder) {
-    if (windowSystem == WindowSystem::sway) return swayPlatform(loop, environment, folder);
+/// A Mac in a window, for a session that has no desktops or isn't to be touched.
+class Simulation {
+public:
+    explicit Simulation(async::Loop& loop) : mac_(loop), window_(loop, mac_) {
+        window_.onClosed = [] { QApplication::quit(); };
+    }
+    /// Its keys are those of the X session.
+    Platform platform(const X11Session& x11) {
+        Platform platform = mac_.platform();
+        platform.globalShortcuts = x11.globalShortcuts();
+        window_.offerJobs(*platform.arranger);
+        return platform;
+    }
+
+private:
+    SimulatedMac mac_;
+    SimulatedMacWindow window_;
+};
+
+/// What the program runs on, and where it keeps what it knows of it. The simulation, if there is one,
+/// outlives the platform.
+struct Host {
+    std::unique_ptr<Simulation> simulation;
+    std::filesystem::path folder;
+    Platform platform;
+};
+
+/// The best platform of the session, or the simulated Mac where there is none.
+Host chooseHost(async::Loop& loop, WindowSystem windowSystem, const Environment& environment,
+                const std::filesystem::path& folder) {
+    if (windowSystem == WindowSystem::sway) return {nullptr, folder, swayPlatform(loop, environment, folder)};
 
     const auto x11 = std::make_shared<X11Session>(loop, environment);
-    if (x11->i3Socket()) {
+    const bool simulates = wantsSimulation(environment);
+    if (!simulates && x11->i3Socket()) {
         Platform platform = i3Platform(
             loop, environment, folder, [x11] { return x11->i3Socket(); },
             [x11](const std::string& connector) { return x11->displayIdentity(connector); });
         platform.screens = x11->screens();
         platform.globalShortcuts = x11->globalShortcuts();
-        return platform;
+        return {nullptr, folder, std::move(platform)};
     }
-    if (x11->ewmhWindowManager()) return x11->ewmhPlatform(folder);
-    throw WindowManagerError(WindowManagerError::Case::noWindowManager, {});
+    if (!simulates && x11->ewmhWindowManager()) return {nullptr, folder, x11->ewmhPlatform(folder)};
+    if (!simulates)
+        log("Lumnara: no window manager that knows desktops is running; a simulated Mac stands in");
+    auto simulation = std::make_unique<Simulation>(loop);
+    Platform platform = simulation->platform(*x11);
+    return {std::move(simulation), folder / simulatedPlatform, std::move(platform)};
 }
 
 /// The shortcuts that open the Board, the preferred one first.
@@ -109,11 +157,12 @@ int run(int& count, char** arguments) {
     AutostartEntry loginItem(folders.config.parent_path() / "autostart" / "lumnara.desktop",
                              QApplication::applicationFilePath().toStdString());
     AppSettings settings(defaults, &loginItem);
-    Platform platform = choosePlatform(loop, windowSystem, environment, folders.data);
+    Host host = chooseHost(loop, windowSystem, environment, folders.data);
+    Platform& platform = host.platform;
     AppState state(loop, settings, platform,
                    std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens,
                                                        platform.workspace.get()),
-                   folders.data);
+                   host.folder);
     if (const auto& error = defaults.loadError()) state.notices().show(error->sentence(), startNoticeSeconds);
     Surfaces surfaces(state);
     surfaces.onQuit = [] { QApplication::quit(); };
