@@ -179,8 +179,8 @@ TEST(Program, SaysInOneSentenceWhyItCannotRun) {
     };
     {
         const XSession session(WindowManager::none);
-        EXPECT_EQ(refusal(session),
-                  "Lumnara: No window manager that knows desktops is running on this display.\n");
+        EXPECT_EQ(refusal(session, {{"LUMNARA_PLATFORM", "windows"}}),
+                  "Lumnara: LUMNARA_PLATFORM can be \"simulated\" or nothing, not \"windows\".\n");
         EXPECT_EQ(refusal(session, {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}}),
                   "Lumnara: There is no display to run on. Start Lumnara inside a desktop session.\n");
         EXPECT_EQ(refusal(session, {{"DISPLAY", ":4000"}}),
@@ -195,6 +195,26 @@ TEST(Program, SaysInOneSentenceWhyItCannotRun) {
         EXPECT_EQ(program.count("Lumnara: Another Lumnara runs already."), 1) << program.log();
         EXPECT_EQ(program.stop(), 0);
     }
+}
+
+TEST(Program, RunsOnASimulatedMacWhereNoWindowManagerKnowsDesktops) {
+    XSession session(WindowManager::none);
+    Program program(session);
+    program.start();
+    EXPECT_EQ(program.count("ready on simulated, desktops: 10, displays: 2"), 1) << program.log();
+    session.movePointer(300, 400);
+    nameCurrent(session, program, "Mail");
+
+    // The ground of the left screen, beside its windows; each Space has its own.
+    const auto ground = [&] { return session.pixel(75, 560); };
+    const std::uint32_t first = ground();
+    goTo(session, program, "3");
+    EXPECT_TRUE(waitUntil([&] { return session.awaitFreeKeyboard() && ground() != first; })) << program.log();
+    goTo(session, program, "mail");
+    EXPECT_TRUE(waitUntil([&] { return session.awaitFreeKeyboard() && ground() == first; })) << program.log();
+    EXPECT_EQ(program.stop(), 0);
+    EXPECT_EQ(program.file("desktops.json").parent_path().filename(), "simulated")
+        << "what it learns there is kept apart";
 }
 
 TEST(Program, SetsADamagedFileAsideAndGoesOn) {

@@ -442,6 +442,18 @@ void XSession::drag(int fromX, int fromY, int toX, int toY) {
     fake(XCB_BUTTON_RELEASE, 1);
 }
 
+std::uint32_t XSession::pixel(int x, int y) const {
+    const auto cookie = xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root_,
+                                      static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 1, 1, ~0U);
+    const std::unique_ptr<xcb_get_image_reply_t, decltype(&std::free)> reply(
+        xcb_get_image_reply(connection_, cookie, nullptr), &std::free);
+    if (!reply || xcb_get_image_data_length(reply.get()) < 4)
+        throw std::runtime_error("no picture of the screen");
+    std::uint32_t value = 0;
+    std::memcpy(&value, xcb_get_image_data(reply.get()), sizeof value);
+    return value;
+}
+
 void XSession::screenshot(const std::filesystem::path& file) const {
     if (run({"import", "-window", "root", file}).status != 0) fail("no screenshot", "import");
 }

@@ -134,6 +134,8 @@ public:
     /// nothing when it isn't there.
     std::optional<std::string> rootProperty(const std::string& name) const;
 
+    /// The colour that the screen shows at a place, as the server's number for it.
+    std::uint32_t pixel(int x, int y) const;
     /// Writes the whole screen to a PNG file.
     void screenshot(const std::filesystem::path& file) const;
 
