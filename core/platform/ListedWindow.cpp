@@ -25,6 +25,11 @@ std::optional<double> realMember(const PropertyDictionary& entry, std::string_vi
     return whole ? std::optional(static_cast<double>(*whole)) : std::nullopt;
 }
 
+std::optional<std::string> textMember(const PropertyDictionary& entry, std::string_view key) {
+    const PropertyValue* value = entry.find(key);
+    return value && value->text() ? std::optional(*value->text()) : std::nullopt;
+}
+
 std::optional<Rect> boundsOf(const PropertyDictionary& entry) {
     const PropertyValue* value = entry.find("kCGWindowBounds");
     const PropertyDictionary* bounds = value ? value->dictionary() : nullptr;
@@ -45,8 +50,9 @@ ListedWindow ListedWindow::of(const PropertyDictionary& entry) {
     window.ownerPid = integerMember<std::int32_t>(entry, "kCGWindowOwnerPID");
     window.layer = integerMember<std::int64_t>(entry, "kCGWindowLayer");
     window.bounds = boundsOf(entry);
-    const PropertyValue* owner = entry.find("kCGWindowOwnerName");
-    if (owner && owner->text()) window.ownerName = *owner->text();
+    window.alpha = realMember(entry, "kCGWindowAlpha");
+    window.ownerName = textMember(entry, "kCGWindowOwnerName");
+    window.title = textMember(entry, "kCGWindowName");
     return window;
 }
 

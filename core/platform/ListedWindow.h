@@ -17,6 +17,9 @@ struct ListedWindow {
     std::optional<std::int64_t> layer;
     /// In points, from the top left corner of the first screen; finite.
     std::optional<Rect> bounds;
+    /// 0 for one that can't be seen, 1 for a solid one.
+    std::optional<double> alpha{};
+    std::optional<std::string> title{};
 
     bool operator==(const ListedWindow&) const = default;
     static ListedWindow of(const PropertyDictionary& entry);

@@ -17,6 +17,7 @@ using WindowNumber = std::uint32_t;
 enum class WindowListOption : std::uint32_t {
     all = 0,
     onScreenOnly = 1,
+    allWithoutDesktop = 0x10,         ///< on any Space, without desktop elements
     onScreenOnlyWithoutDesktop = 0x11 ///< on screen, without desktop elements
 };
 

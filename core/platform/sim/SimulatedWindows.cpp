@@ -87,11 +87,16 @@ bool SimulatedWindows::isOnScreen(const SimulatedWindow& window) const {
 }
 
 PropertyList SimulatedWindows::list(WindowListOption option) const {
+    const auto asks = [option](WindowListOption bit) {
+        return (static_cast<std::uint32_t>(option) & static_cast<std::uint32_t>(bit)) != 0;
+    };
+    const bool onScreenOnly = asks(WindowListOption::onScreenOnly);
+    const bool withoutDesktop = asks(WindowListOption::allWithoutDesktop);
     PropertyList entries;
     for (const SimulatedWindow& window : windows_) {
         const bool isDesktopElement = window.layer < 0;
-        if (option != WindowListOption::all && !isOnScreen(window)) continue;
-        if (option == WindowListOption::onScreenOnlyWithoutDesktop && isDesktopElement) continue;
+        if (onScreenOnly && !isOnScreen(window)) continue;
+        if (withoutDesktop && isDesktopElement) continue;
         entries.push_back({{"kCGWindowNumber", window.number},
                            {"kCGWindowOwnerPID", window.ownerPid},
                            {"kCGWindowOwnerName", window.ownerName},
