@@ -139,7 +139,7 @@ void LinkedSwitching::measure(double delay, const Run& run, const Desktop& asked
     for (const SwitchSettle::Entry& entry : entries) descriptions.push_back(describe(entry));
     const auto frontmost = platform_.workspace ? platform_.workspace->frontmostApplication() : std::nullopt;
     log(fmt::format("Lumnara linked switch settle +{:.0f}s: {}; frontmost {}", delay,
-                    fmt::join(descriptions, "; "), frontmost.value_or("none")));
+                    fmt::join(descriptions, "; "), frontmost ? frontmost->name : "none"));
     if (delay == firstLook) onSettled.emit(asked, entries);
 }
 

@@ -37,9 +37,8 @@ public:
     virtual ~Workspace() = default;
     virtual async::Subscription observe(std::function<void(WorkspaceEvent)> onEvent) = 0;
 
-    /// The name of the application that has the keyboard; nothing when none has it or the session doesn't
-    /// tell.
-    virtual std::optional<std::string> frontmostApplication() { return std::nullopt; }
+    /// The application that has the keyboard; nothing when none has it or the session doesn't tell.
+    virtual std::optional<RunningApp> frontmostApplication() { return std::nullopt; }
 
     /// In the order of their start; empty where the session doesn't tell.
     virtual std::vector<RunningApplication> runningApplications() { return {}; }

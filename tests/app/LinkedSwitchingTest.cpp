@@ -146,7 +146,7 @@ TEST_F(LinkedSwitchingTest, SeesADisplayThatSnapsBack) {
     EXPECT_EQ(run(pair()), "landed");
     session.loop.advance(0.5);
     session.userShows(11);
-    session.workspace->frontmost = "Editor";
+    session.workspace->frontmost = RunningApp{7, std::nullopt, "Editor"};
     session.loop.advance(0.6);
     ASSERT_EQ(settlements.size(), 1u);
     EXPECT_EQ(SwitchSettle::unsettled(settlements[0].second),

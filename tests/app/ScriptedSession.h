@@ -6,6 +6,7 @@
 #include "core/model/SpaceKitError.h"
 #include "core/platform/Platform.h"
 #include "core/platform/WindowManagerError.h"
+#include "tests/automation/RecordingExecutor.h"
 #include "tests/support/MemoryDefaultsStore.h"
 #include "tests/support/ScriptedProvider.h"
 #include "tests/support/TemporaryFolder.h"
@@ -41,10 +42,10 @@ public:
     async::Subscription observe(std::function<void(WorkspaceEvent)> onEvent) override {
         return events.subscribe(std::move(onEvent));
     }
-    std::optional<std::string> frontmostApplication() override { return frontmost; }
+    std::optional<RunningApp> frontmostApplication() override { return frontmost; }
 
     async::Signal<WorkspaceEvent> events;
-    std::optional<std::string> frontmost;
+    std::optional<RunningApp> frontmost;
 };
 
 class ScriptedScreens : public Screens {
@@ -117,6 +118,7 @@ public:
     MemoryDefaultsStore defaults;
     AppSettings settings{defaults};
     Platform platform;
+    RecordingExecutor executor;
     ScriptedProvider* provider = nullptr;
     ScriptedWindowServer* windowServer = nullptr;
     ScriptedWorkspace* workspace = nullptr;

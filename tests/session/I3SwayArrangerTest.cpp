@@ -36,7 +36,10 @@ protected:
         }
         // Not by sway, which may be a user who can't enter the folder that it was started in.
         windows.push_back(at.sway().start({"foot", "sleep", "600"}));
-        EXPECT_TRUE(at.runUntil([&] { return at.platform().workspace->frontmostApplication() == "foot"; }));
+        EXPECT_TRUE(at.runUntil([&] {
+            const auto app = at.platform().workspace->frontmostApplication();
+            return app && app->name == "foot";
+        }));
     }
 
     IpcFixture at{GetParam(), "workspace_auto_back_and_forth yes\n"};

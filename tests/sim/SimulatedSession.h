@@ -51,7 +51,10 @@ public:
         for (const std::int64_t phase : {1, 2, 4})
             platform.eventServices->post(swipeEvent(phase, velocity), EventTap::session);
     }
-    std::string front() { return platform.workspace->frontmostApplication().value_or("nobody"); }
+    std::string front() {
+        const auto app = platform.workspace->frontmostApplication();
+        return app ? app->name : "nobody";
+    }
     LiveSpaceProvider provider() {
         return {loop, *platform.windowServer, *platform.screens, platform.workspace.get()};
     }

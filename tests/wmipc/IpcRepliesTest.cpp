@@ -67,8 +67,9 @@ TEST(IpcReplies, FindWhoHasTheKeyboard) {
     };
     EXPECT_EQ(parseFocusedApplication(treeWith(
                   R"({"focused":true,"window_properties":{"class":"Editor","instance":"e"},"nodes":[]})")),
-              "Editor");
-    EXPECT_EQ(parseFocusedApplication(treeWith(R"({"focused":true,"app_id":"foot","nodes":[]})")), "foot");
+              (RunningApp{0, "Editor", "Editor"}));
+    EXPECT_EQ(parseFocusedApplication(treeWith(R"({"focused":true,"pid":7,"app_id":"foot","nodes":[]})")),
+              (RunningApp{7, "foot", "foot"}));
     EXPECT_EQ(parseFocusedApplication(treeWith(R"({"focused":true,"app_id":null,"nodes":[]})")),
               std::nullopt);
     EXPECT_EQ(parseFocusedApplication(treeWith(R"({"focused":false,"app_id":"foot"})")), std::nullopt);

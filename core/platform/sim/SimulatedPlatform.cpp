@@ -32,10 +32,10 @@ public:
     async::Subscription observe(std::function<void(WorkspaceEvent)> onEvent) override {
         return mac_.happened.subscribe(std::move(onEvent));
     }
-    std::optional<std::string> frontmostApplication() override {
+    std::optional<RunningApp> frontmostApplication() override {
         const auto active = mac_.apps().active();
         const auto running = active ? runningApplication(*active) : std::nullopt;
-        return running ? std::optional(running->app.name) : std::nullopt;
+        return running ? std::optional(running->app) : std::nullopt;
     }
     std::vector<RunningApplication> runningApplications() override { return mac_.apps().running(); }
     void activate(std::int32_t pid, ActivationOptions options) override {

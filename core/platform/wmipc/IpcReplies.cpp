@@ -104,6 +104,21 @@ IpcOutcome outcome(const json& reply) {
     return {.success = flag(reply, "success"), .error = textOrNone(reply, "error")};
 }
 
+/// By the id that a Wayland window gives, or the class that an X window does; desktop files go by either.
+std::optional<RunningApp> applicationOf(const json& node) {
+    std::string id;
+    if (const auto given = node.find("app_id"); given != node.end() && given->is_string()) {
+        id = given->get<std::string>();
+    } else {
+        const auto properties = node.find("window_properties");
+        if (properties == node.end() || !properties->contains("class")) return std::nullopt;
+        id = textIn(*properties, "class");
+    }
+    const auto pid = node.find("pid");
+    const bool known = pid != node.end() && pid->is_number_integer();
+    return RunningApp{known ? pid->get<std::int32_t>() : 0, id, id};
+}
+
 } // namespace
 
 std::vector<IpcWorkspaceReply> parseWorkspaces(std::string_view text) {
@@ -164,19 +179,13 @@ std::string parseBindingEvent(std::string_view text) {
     return textIn(field(event, "binding"), "command");
 }
 
-std::optional<std::string> parseFocusedApplication(std::string_view text) {
+std::optional<RunningApp> parseFocusedApplication(std::string_view text) {
     const json tree = parseReply(text);
     std::vector<const json*> left{&tree};
     while (!left.empty()) {
         const json& node = *left.back();
         left.pop_back();
-        if (flag(node, "focused")) {
-            if (const auto id = node.find("app_id"); id != node.end() && id->is_string())
-                return id->get<std::string>();
-            const auto properties = node.find("window_properties");
-            if (properties == node.end() || !properties->contains("class")) return std::nullopt;
-            return textIn(*properties, "class");
-        }
+        if (flag(node, "focused")) return applicationOf(node);
         for (const json* child : childrenOf(node, {"nodes", "floating_nodes"})) left.push_back(child);
     }
     return std::nullopt;

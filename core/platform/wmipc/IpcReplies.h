@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/model/Geometry.h"
+#include "core/model/SpaceSnapshot.h"
 
 #include <cstdint>
 #include <optional>
@@ -59,9 +60,9 @@ IpcWorkspaceEvent parseWorkspaceEvent(std::string_view json);
 /// The command of the key binding that ran.
 std::string parseBindingEvent(std::string_view json);
 
-/// The application of the window that has the keyboard: its Wayland id, else its X11 class; nothing when a
-/// workspace has it.
-std::optional<std::string> parseFocusedApplication(std::string_view text);
+/// The application of the window that has the keyboard, by its Wayland id or else its X11 class, with pid 0
+/// where the window manager knows none; nothing when a workspace has the keyboard.
+std::optional<RunningApp> parseFocusedApplication(std::string_view text);
 
 /// A workspace of GET_TREE with what stands on it: the containers that are moved as a whole, tiled and
 /// floating ones.

@@ -2,7 +2,7 @@
 
 namespace lumnara {
 
-std::optional<std::string> IpcWorkspace::frontmostApplication() try {
+std::optional<RunningApp> IpcWorkspace::frontmostApplication() try {
     return session_.ipc().ask(IpcType::tree, {}, parseFocusedApplication);
 } catch (const WindowManagerError&) {
     return std::nullopt;

@@ -14,7 +14,7 @@ public:
     async::Subscription observe(std::function<void(WorkspaceEvent)> onEvent) override {
         return session_.changed().subscribe(std::move(onEvent));
     }
-    std::optional<std::string> frontmostApplication() override;
+    std::optional<RunningApp> frontmostApplication() override;
 
 private:
     IpcSession& session_;

@@ -15,6 +15,7 @@ struct X11Atoms {
     xcb_atom_t netClientList;
     xcb_atom_t netWmDesktop;
     xcb_atom_t netActiveWindow;
+    xcb_atom_t netWmPid;
     xcb_atom_t lumnaraDesktopUuids;
     xcb_atom_t i3SocketPath;
     xcb_atom_t edid;

@@ -18,7 +18,7 @@ constexpr double serverPatience = 0.5;
 /// Longer than any property we read, in 32-bit units.
 constexpr std::uint32_t wholeProperty = 1U << 20U;
 
-constexpr std::array<std::pair<xcb_atom_t X11Atoms::*, std::string_view>, 12> atomNames{{
+constexpr std::array<std::pair<xcb_atom_t X11Atoms::*, std::string_view>, 13> atomNames{{
     {&X11Atoms::utf8String, "UTF8_STRING"},
     {&X11Atoms::netSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK"},
     {&X11Atoms::netWmName, "_NET_WM_NAME"},
@@ -28,6 +28,7 @@ constexpr std::array<std::pair<xcb_atom_t X11Atoms::*, std::string_view>, 12> at
     {&X11Atoms::netClientList, "_NET_CLIENT_LIST"},
     {&X11Atoms::netWmDesktop, "_NET_WM_DESKTOP"},
     {&X11Atoms::netActiveWindow, "_NET_ACTIVE_WINDOW"},
+    {&X11Atoms::netWmPid, "_NET_WM_PID"},
     {&X11Atoms::lumnaraDesktopUuids, "_LUMNARA_DESKTOP_UUIDS"},
     {&X11Atoms::i3SocketPath, "I3_SOCKET_PATH"},
     {&X11Atoms::edid, "EDID"},

@@ -1,5 +1,8 @@
 #include "core/platform/x11/X11Workspace.h"
 
+#include "core/platform/WindowManagerError.h"
+
+#include <string>
 #include <utility>
 
 namespace lumnara {
@@ -16,6 +19,24 @@ X11Workspace::X11Workspace(std::shared_ptr<X11Connection> connection) : connecti
 
 async::Subscription X11Workspace::observe(std::function<void(WorkspaceEvent)> onEvent) {
     return events_.subscribe(std::move(onEvent));
+}
+
+std::optional<RunningApp> X11Workspace::frontmostApplication() try {
+    auto& x = *connection_;
+    const auto active = x.items(x.requestProperty(x.root(), x.atoms().netActiveWindow));
+    if (active.empty() || active.front() == XCB_WINDOW_NONE) return std::nullopt;
+    const auto classRequest = x.requestProperty(active.front(), XCB_ATOM_WM_CLASS);
+    const auto pidRequest = x.requestProperty(active.front(), x.atoms().netWmPid);
+    // Instance and class, each with a null behind it.
+    const std::string names = x.text(classRequest).value_or("");
+    const auto pid = x.items(pidRequest);
+    const auto split = names.find('\0');
+    if (split == std::string::npos) return std::nullopt;
+    const std::string name = names.c_str() + split + 1;
+    if (name.empty()) return std::nullopt;
+    return RunningApp{pid.empty() ? 0 : static_cast<std::int32_t>(pid.front()), name, name};
+} catch (const WindowManagerError&) {
+    return std::nullopt;
 }
 
 void X11Workspace::noteChange(xcb_atom_t property) {

@@ -13,6 +13,8 @@ public:
     explicit X11Workspace(std::shared_ptr<X11Connection> connection);
 
     async::Subscription observe(std::function<void(WorkspaceEvent)> onEvent) override;
+    /// By the class of the active window, with pid 0 where it tells none.
+    std::optional<RunningApp> frontmostApplication() override;
 
 private:
     void noteChange(xcb_atom_t property);
