@@ -7,7 +7,7 @@
 
 namespace lumnara {
 
-/// Reads the Rich Text Format (version 1.9.1 of its specification) as any writer left it: of styles what
+/// Reads the Rich Text Format (version 1.9.1) as any writer left it: of styles what
 /// RichText has, of everything else the text that a reader of the document sees.
 ///
 /// Kept: paragraphs and line breaks; bold, italic, underline, strike, size, colour, font family; alignment;

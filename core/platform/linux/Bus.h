@@ -32,8 +32,8 @@ struct BusMember {
 /// in them includes <systemd/sd-bus.h> in its .cpp file.
 class Bus {
 public:
-    /// The bus of the machine, or of the user's session, where the environment or else the specification says
-    /// that it is; null when there is none.
+    /// The bus of the machine, or of the user's session, where the environment says that it is or else at
+    /// its usual place; null when there is none.
     static std::shared_ptr<Bus> system(async::Loop& loop, const Environment& environment);
     static std::shared_ptr<Bus> session(async::Loop& loop, const Environment& environment);
     Bus(const Bus&) = delete;

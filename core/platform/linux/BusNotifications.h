@@ -13,8 +13,8 @@
 
 namespace lumnara {
 
-/// Notifications over the session's D-Bus, as the freedesktop.org Desktop Notifications Specification 1.2
-/// has them (org.freedesktop.Notifications). It connects at the first one, and again when the bus was lost.
+/// Notifications over the session's D-Bus, as freedesktop.org lays them down in version 1.2
+/// (org.freedesktop.Notifications). It connects at the first one, and again when the bus was lost.
 class BusNotifications : public UserNotifications {
 public:
     BusNotifications(async::Loop& loop, const Environment& environment)
