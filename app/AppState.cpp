@@ -12,28 +12,56 @@
 
 namespace lumnara {
 
-// The order of the members is that of their making, and each may use those before it. What is still to come
-// has its place in it: what watches grants and idleness before the store; notes, automations and the tracking
-// of time between the catalog and the switcher; the heartbeat and the start of the idle monitor behind the
-// observing.
+namespace {
+
+/// How long the failure of an automation is shown, in seconds.
+constexpr double automationNoticeSeconds = 2.2;
+/// Stands for the displays of a link group among those that automations are triggered on.
+constexpr const char* linkedDisplays = "linked";
+
+} // namespace
+
+// The order of the members is that of their making, and each may use those before it.
 AppState::AppState(async::Loop& loop, AppSettings& settings, Platform& platform,
-                   std::unique_ptr<SpaceProvider> provider, const std::filesystem::path& dataFolder)
+                   std::unique_ptr<SpaceProvider> provider, ActionExecutor& actionExecutor,
+                   const std::filesystem::path& dataFolder)
     : loop_(loop),
       settings_(settings),
       platform_(platform),
       store_(loop, dataFolder / "desktops.json"),
       provider_(std::move(provider)),
       catalog_(loop, *provider_, store_, *settings.displayLinkMode),
+      notes_(loop, NotesStore::defaultDirectory(dataFolder)),
+      automations_(loop, AutomationStore::defaultURL(dataFolder)),
+      automationRunner_(automations_, actionExecutor),
+      automationWatcher_(loop, automationRunner_),
+      tracking_(loop, settings, platform, dataFolder),
       switcher_(*provider_, {.instantSwitching = *settings.instantSwitching}),
       engines_(platform, *provider_, switcher_, settings),
       linkedSwitching_(loop, platform, *provider_, catalog_, switcher_, notices_) {
+    automations_.load();
+    connectAutomations(actionExecutor);
+    tracking_.onSampleWanted = [this] { sampleNow(); };
     reportStart();
     displaysChanged_ = catalog_.displays.subscribe([this](const auto&) { publishNames(); });
     catalog_.onRefresh = [this](const SpaceSnapshot& snapshot) { handleRefresh(snapshot); };
     if (const auto& first = catalog_.snapshot.get()) handleRefresh(*first);
     if (Workspace* workspace = platform_.workspace.get())
         catalog_.startObserving([workspace](auto onEvent) { return workspace->observe(std::move(onEvent)); });
+    tracking_.start();
     followSettings();
+}
+
+void AppState::connectAutomations(ActionExecutor& actionExecutor) {
+    automationRunner_.onReport = [this](const AutomationRunReport& report) {
+        if (report.failures.empty()) return;
+        const std::string& failure = report.failures.front();
+        notices_.show(fmt::format("{}: {}", report.automation, failure.empty() ? "failed" : failure),
+                      automationNoticeSeconds);
+    };
+    actionExecutor.onSession = [this](SessionOp op, const std::optional<std::string>& name) {
+        tracking_.carryOut(op, name);
+    };
 }
 
 void AppState::followSettings() {
@@ -41,7 +69,13 @@ void AppState::followSettings() {
         settings_.displayLinkMode.subscribe([this](DisplayLinkMode mode) { catalog_.setLinkMode(mode); }));
 }
 
+void AppState::sampleNow() {
+    const Desktop* focused = catalog_.focusedDesktop();
+    tracking_.sample(focused ? std::optional(*focused) : std::nullopt);
+}
+
 void AppState::stop() {
+    tracking_.stop();
     try {
         store_.saveNow();
     } catch (const std::exception&) {
@@ -57,17 +91,34 @@ void AppState::reportStart() {
                         kept->string()),
             startNoticeSeconds);
     if (const auto& error = store_.loadError()) notices_.show(error->sentence(), startNoticeSeconds);
+    if (const auto& kept = automations_.recoveredFromCorruptFile())
+        notices_.show(fmt::format("Your automations could not be read. The file was damaged. It was kept at "
+                                  "{} and Lumnara started without any.",
+                                  kept->string()),
+                      startNoticeSeconds);
+    if (const auto& error = automations_.loadError()) notices_.show(error->sentence(), startNoticeSeconds);
+    if (const auto& failure = tracking_.failure())
+        notices_.show("Time is not recorded. " + *failure, startNoticeSeconds);
 }
 
 /// The order is a promise: each step may rely on what the ones before it have learnt of the reading.
-/// Automations will hear of the current keys before the announcement, and a sample of the time is taken
-/// behind it.
 void AppState::handleRefresh(const SpaceSnapshot& snapshot) {
     switcher_.observe(snapshot);
     publishNames();
+    watchForTriggers();
     announceChanges();
+    sampleNow();
     const Desktop* focused = catalog_.focusedDesktop();
     onCurrentDesktopChanged.emit(focused ? std::optional(*focused) : std::nullopt);
+}
+
+/// A link group stands for all displays that show it.
+void AppState::watchForTriggers() {
+    AutomationTriggerWatcher::Keys keys;
+    for (const DisplayDesktops& shown : catalog_.displays.get())
+        if (const Desktop* current = shown.current())
+            keys[current->isLinked() ? linkedDisplays : shown.display.uuid] = current->key;
+    automationWatcher_.update(std::move(keys));
 }
 
 /// Tells of each display that now shows another desktop. A display that has just appeared is not told of,

@@ -4,11 +4,16 @@
 #include "app/LinkedSwitching.h"
 #include "app/Notices.h"
 #include "app/SwitchEngines.h"
+#include "app/tracking/TimeTracking.h"
 #include "core/async/Loop.h"
 #include "core/async/Signal.h"
 #include "core/async/Task.h"
+#include "core/automation/AutomationRunner.h"
+#include "core/automation/AutomationStore.h"
+#include "core/automation/AutomationTriggerWatcher.h"
 #include "core/catalog/DesktopCatalog.h"
 #include "core/names/NameStore.h"
+#include "core/notes/NotesStore.h"
 #include "core/platform/Platform.h"
 #include "core/switching/SpaceSwitcher.h"
 
@@ -26,11 +31,12 @@ namespace lumnara {
 /// object that every surface holds. Built once, on the main thread, and lives as long as the program.
 class AppState {
 public:
-    /// `dataFolder` holds desktops.json and is created at the first save. The loop, the platform and the
-    /// settings outlive this object, and the loop turns no more once it is gone. `provider` reads the
-    /// platform's session.
+    /// `dataFolder` holds all that the program keeps, and is created when something is. The loop, the
+    /// platform, the executor and the settings outlive this object, and the loop turns no more once it is
+    /// gone. `provider` reads the platform's session.
     AppState(async::Loop& loop, AppSettings& settings, Platform& platform,
-             std::unique_ptr<SpaceProvider> provider, const std::filesystem::path& dataFolder);
+             std::unique_ptr<SpaceProvider> provider, ActionExecutor& actionExecutor,
+             const std::filesystem::path& dataFolder);
     AppState(const AppState&) = delete;
     AppState& operator=(const AppState&) = delete;
 
@@ -39,6 +45,10 @@ public:
     Platform& platform() { return platform_; }
     NameStore& store() { return store_; }
     DesktopCatalog& catalog() { return catalog_; }
+    NotesStore& notes() { return notes_; }
+    AutomationStore& automations() { return automations_; }
+    AutomationRunner& automationRunner() { return automationRunner_; }
+    TimeTracking& tracking() { return tracking_; }
     SpaceSwitcher& switcher() { return switcher_; }
     Notices& notices() { return notices_; }
 
@@ -61,13 +71,18 @@ public:
     /// After every good refresh, with the focused desktop, changed or not.
     async::Signal<const std::optional<Desktop>&> onCurrentDesktopChanged;
 
+    /// Hands the focused desktop and the front application to the record of times.
+    void sampleNow();
+
     /// Writes what has not reached the disk. The surfaces are down by then.
     void stop();
 
 private:
+    void connectAutomations(ActionExecutor& actionExecutor);
     void followSettings();
     void reportStart();
     void handleRefresh(const SpaceSnapshot& snapshot);
+    void watchForTriggers();
     void announceChanges();
     void publishNames();
     /// A switch under way or done, with the displays that it moves; none where that isn't known.
@@ -87,6 +102,11 @@ private:
     NameStore store_;
     std::unique_ptr<SpaceProvider> provider_;
     DesktopCatalog catalog_;
+    NotesStore notes_;
+    AutomationStore automations_;
+    AutomationRunner automationRunner_;
+    AutomationTriggerWatcher automationWatcher_;
+    TimeTracking tracking_;
     SpaceSwitcher switcher_;
     SwitchEngines engines_;
     LinkedSwitching linkedSwitching_;

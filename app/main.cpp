@@ -10,8 +10,11 @@
 #include "core/platform/LiveSpaceProvider.h"
 #include "core/platform/WindowManagerError.h"
 #include "core/platform/linux/AutostartEntry.h"
+#include "core/platform/linux/BusNotifications.h"
 #include "core/platform/linux/FolderLock.h"
 #include "core/platform/linux/JsonDefaultsStore.h"
+#include "core/platform/linux/LoginSession.h"
+#include "core/platform/linux/SystemActionExecutor.h"
 #include "core/platform/linux/TerminationSignals.h"
 #include "core/platform/linux/XdgFolders.h"
 #include "core/platform/wmipc/WmIpcPlatform.h"
@@ -61,10 +64,11 @@ public:
     explicit Simulation(async::Loop& loop) : mac_(loop), window_(loop, mac_) {
         window_.onClosed = [] { QApplication::quit(); };
     }
-    /// Its keys are those of the X session.
+    /// Its keys, and when the user touched one last, are those of the X session.
     Platform platform(const X11Session& x11) {
         Platform platform = mac_.platform();
         platform.globalShortcuts = x11.globalShortcuts();
+        platform.idleSource = x11.idleSource();
         window_.offerJobs(*platform.arranger);
         return platform;
     }
@@ -95,6 +99,7 @@ Host chooseHost(async::Loop& loop, WindowSystem windowSystem, const Environment&
             [x11](const std::string& connector) { return x11->displayIdentity(connector); });
         platform.screens = x11->screens();
         platform.globalShortcuts = x11->globalShortcuts();
+        platform.idleSource = x11->idleSource();
         return {nullptr, folder, std::move(platform)};
     }
     if (!simulates && x11->ewmhWindowManager()) return {nullptr, folder, x11->ewmhPlatform(folder)};
@@ -159,10 +164,14 @@ int run(int& count, char** arguments) {
     AppSettings settings(defaults, &loginItem);
     Host host = chooseHost(loop, windowSystem, environment, folders.data);
     Platform& platform = host.platform;
+    if (!platform.sessionProbe) platform.sessionProbe = std::make_unique<LoginSession>(loop, environment);
+    BusNotifications notifications(loop, environment);
+    SystemActionExecutor actionExecutor(loop, environment, platform.workspace.get(), &notifications,
+                                        host.folder);
     AppState state(loop, settings, platform,
                    std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens,
                                                        platform.workspace.get()),
-                   host.folder);
+                   actionExecutor, host.folder);
     if (const auto& error = defaults.loadError()) state.notices().show(error->sentence(), startNoticeSeconds);
     Surfaces surfaces(state);
     surfaces.onQuit = [] { QApplication::quit(); };

@@ -3,6 +3,7 @@
 #include "app/qt/OverlayWindow.h"
 #include "app/qt/WindowSystem.h"
 #include "app/qt/settings/GeneralPage.h"
+#include "app/qt/settings/TimePage.h"
 #include "core/platform/Screens.h"
 #include "core/text/Text.h"
 
@@ -26,7 +27,8 @@ Surfaces::Surfaces(AppState& state, std::function<bool()> isComposited)
               if (layers_.isOffered()) card->standOn(layers_);
               return card;
           },
-          [this](const ScreenInfo& screen) { return hasCards() && !board_.covers(screen); }) {
+          [this](const ScreenInfo& screen) { return hasCards() && !board_.covers(screen); }),
+      trackingPage_(state.loop(), state.tracking().store(), state.tracking().sampler()) {
     if (layers_.isOffered()) notice_.standOn(layers_);
     notice_.areaInUse = [this] { return areaInUse(); };
     QApplication::setQuitOnLastWindowClosed(false);
@@ -48,11 +50,14 @@ void Surfaces::choose(const DesktopMenuItem& item) {
 
 void Surfaces::showSettings() {
     board_.close(); // it would stand before the window and keep the keyboard from it
-    if (!settings_) {
-        settings_ = std::make_unique<SettingsWindow>();
-        settings_->add(QStringLiteral("General"), new GeneralPage(state_.settings()));
-    }
+    if (!settings_) makeSettings();
     settings_->present();
+}
+
+void Surfaces::makeSettings() {
+    settings_ = std::make_unique<SettingsWindow>();
+    settings_->add(QStringLiteral("General"), new GeneralPage(state_.settings()));
+    settings_->add(QStringLiteral("Time"), new TimePage(state_.settings(), trackingPage_));
 }
 
 void Surfaces::rename(const Desktop& desktop) {

@@ -10,6 +10,7 @@
 #include "app/qt/RenameDialog.h"
 #include "app/qt/TrayIcon.h"
 #include "app/qt/settings/SettingsWindow.h"
+#include "app/tracking/TrackingPage.h"
 
 #include <functional>
 #include <memory>
@@ -39,6 +40,7 @@ private:
     void show(const Notice& notice);
     void choose(const DesktopMenuItem& item);
     void showSettings();
+    void makeSettings();
     void rename(const Desktop& desktop);
 
     AppState& state_;
@@ -49,6 +51,7 @@ private:
     LayerShell layers_;
     NoticeWindow notice_;
     SwitchOverlayController overlay_;
+    TrackingPage trackingPage_;
     // Made when they are first wanted.
     std::unique_ptr<SettingsWindow> settings_;
     std::unique_ptr<RenameDialog> rename_;

@@ -337,7 +337,8 @@ TEST(AppState, getsByWithoutAPlatform) {
     MemoryDefaultsStore defaults;
     AppSettings settings(defaults);
     auto provider = std::make_unique<SnapshotSpaceProvider>(SpaceSnapshot{twoDisplays(), loop.date()});
-    AppState state(loop, settings, nothing, std::move(provider), folder.path());
+    RecordingExecutor executor;
+    AppState state(loop, settings, nothing, std::move(provider), executor, folder.path());
     std::vector<Notice> notices;
     const auto listening =
         state.notices().subscribe([&](const Notice& notice) { notices.push_back(notice); });

@@ -90,7 +90,8 @@ ScriptedSession::~ScriptedSession() {
 }
 
 AppState& ScriptedSession::start() {
-    state_ = std::make_unique<AppState>(loop, settings, platform, std::move(ownProvider_), folder.path());
+    state_ = std::make_unique<AppState>(loop, settings, platform, std::move(ownProvider_), executor,
+                                        folder.path());
     listening_ = state_->notices().subscribe([this](const Notice& notice) { notices.push_back(notice); });
     return *state_;
 }

@@ -2,6 +2,7 @@
 #include "core/async/TestLoop.h"
 #include "core/platform/LiveSpaceProvider.h"
 #include "core/platform/sim/SampleMac.h"
+#include "tests/automation/RecordingExecutor.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/MemoryDefaultsStore.h"
 #include "tests/support/TemporaryFolder.h"
@@ -25,7 +26,7 @@ protected:
                                            std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer,
                                                                                *platform.screens,
                                                                                platform.workspace.get()),
-                                           folder.path());
+                                           executor, folder.path());
         heard_ = state->notices().subscribe([this](const Notice& notice) { notices.push_back(notice.text); });
     }
 
@@ -45,6 +46,7 @@ protected:
     SimulatedMac mac{loop};
     MemoryDefaultsStore defaults;
     AppSettings settings{defaults};
+    RecordingExecutor executor;
     Platform platform;
     std::unique_ptr<AppState> state;
     std::vector<std::string> notices;

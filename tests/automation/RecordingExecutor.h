@@ -48,6 +48,7 @@ public:
     }
     async::Task<> session(SessionOp op, std::optional<std::string> name) override {
         calls.push_back("session " + std::string(textOf(op)) + " " + name.value_or("-"));
+        if (onSession) onSession(op, name);
         co_return;
     }
 

@@ -1,6 +1,7 @@
 #include "app/AppState.h"
 #include "app/DesktopMenuCommands.h"
 #include "core/names/DisplayLink.h"
+#include "tests/automation/RecordingExecutor.h"
 #include "tests/session/IpcFixture.h"
 #include "tests/support/MemoryDefaultsStore.h"
 
@@ -39,7 +40,7 @@ protected:
         state = std::make_unique<AppState>(
             at.loop, settings, at.platform(),
             std::make_unique<LiveSpaceProvider>(at.loop, *at.platform().windowServer, *at.platform().screens),
-            at.folder.path());
+            executor, at.folder.path());
         listening =
             state->notices().subscribe([this](const Notice& notice) { notices.push_back(notice.text); });
     }
@@ -81,6 +82,7 @@ protected:
     IpcFixture at{IpcWindowManager::i3};
     MemoryDefaultsStore defaults;
     AppSettings settings{defaults};
+    RecordingExecutor executor;
     std::unique_ptr<AppState> state;
     std::vector<std::string> notices;
     async::Subscription listening;

@@ -103,10 +103,7 @@ TimePage::TimePage(AppSettings& settings, TrackingPage& page)
 QWidget* TimePage::recordingCard() {
     auto* card = new SettingsCard;
     QCheckBox* track = toggle("trackTime", QStringLiteral("&Track time per desktop"), settings_.trackTime);
-    connect(track, &QCheckBox::toggled, this, [this] {
-        if (onTrackingToggled) onTrackingToggled();
-        page_.reload();
-    });
+    connect(track, &QCheckBox::toggled, this, [this] { page_.reload(); });
     track->setEnabled(page_.isAvailable());
     card->add(plainRow(track));
     QWidget* idle = idleRow();

@@ -23,8 +23,6 @@ public:
 
     void reload() override { page_.reload(); }
 
-    /// The user turned the recording on or off.
-    std::function<void()> onTrackingToggled;
     /// Where the export goes, by the name that is proposed; empty for nowhere. A dialog asks unless replaced.
     std::function<QString(const QString& proposed)> chooseFile;
     /// Tells of a failure. A dialog does unless replaced.
