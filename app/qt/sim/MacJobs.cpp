@@ -34,7 +34,8 @@ void MacJobs::start(async::Task<std::string> job) {
 async::Task<> MacJobs::run(async::Task<std::string> job) {
     std::string ended;
     try {
-        ended = co_await std::move(job);
+        const std::string outcome = co_await std::move(job);
+        ended = outcome;
     } catch (const async::Cancelled&) {
         throw;
     } catch (...) {

@@ -15,7 +15,8 @@ namespace lumnara {
 using DesktopFileKeys = std::map<std::string, std::string, std::less<>>;
 std::optional<DesktopFileKeys> desktopFileKeys(std::string_view text);
 
-/// What a desktop file says of an application, in the form that freedesktop.org lays down (Desktop Entry, version 1.5).
+/// What a desktop file says of an application, in the form that freedesktop.org lays down (Desktop Entry,
+/// version 1.5).
 struct DesktopEntry {
     std::string name; ///< in the user's language if there is one, else as it stands
     std::string exec;
