@@ -1,6 +1,5 @@
 #include "app/qt/RenameDialog.h"
 
-#include "app/qt/Theme.h"
 #include "core/base/Failure.h"
 
 #include <QDialogButtonBox>
@@ -24,8 +23,6 @@ RenameDialog::RenameDialog(DesktopCatalog& catalog)
     label_.setTextFormat(Qt::PlainText);
     label_.setWordWrap(true);
     field_.setMinimumWidth(fieldWidth);
-    error_.setTextFormat(Qt::PlainText);
-    error_.setWordWrap(true);
 
     auto* buttons = new QDialogButtonBox;
     buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
@@ -70,11 +67,7 @@ void RenameDialog::accept() {
 
 /// The reason stands in the hint's place.
 void RenameDialog::tell(const QString& error) {
-    QPalette colors = palette();
-    colors.setColor(QPalette::WindowText, Theme::of(appearanceOf(colors)).error);
-    error_.setPalette(colors);
-    error_.setText(error);
-    error_.setVisible(!error.isEmpty());
+    error_.tell(error);
     hint_.setVisible(error.isEmpty());
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/qt/ErrorLabel.h"
 #include "app/qt/SecondaryLabel.h"
 #include "core/catalog/DesktopCatalog.h"
 
@@ -30,7 +31,7 @@ private:
     QLabel label_;
     QLineEdit field_;
     SecondaryLabel hint_;
-    QLabel error_;
+    ErrorLabel error_;
 };
 
 } // namespace lumnara

@@ -3,12 +3,6 @@
 #include <QEvent>
 
 namespace lumnara {
-namespace {
-
-/// As soft as a small text may be and still be read with ease on light and dark grounds.
-constexpr float softness = 0.68F;
-
-} // namespace
 
 SecondaryLabel::SecondaryLabel(const QString& text) : QLabel(text) {}
 

@@ -281,6 +281,59 @@ Symbol link() {
     return symbol;
 }
 
+Symbol bolt() {
+    return Symbol().outline({{13.4, 2.6}, {5, 13.6}, {11.2, 13.6}, {10.2, 21.4}, {19, 10}, {12.6, 10}});
+}
+
+Symbol moon() {
+    return Symbol()
+        .curve({20.4, 14.2}, {16.4, 16}, {8.4, 12.8}, {10.4, 3.6})
+        .curve({10.4, 3.6}, {-0.4, 6.4}, {2, 21.4}, {12.4, 20.8})
+        .curve({12.4, 20.8}, {16.4, 20.6}, {19.4, 17.8}, {20.4, 14.2});
+}
+
+Symbol video() {
+    return Symbol()
+        .rect(2.6, 6, 12.6, 12, 2.6)
+        .outline({{15.2, 10.8}, {21.4, 7.4}, {21.4, 16.6}, {15.2, 13.2}});
+}
+
+Symbol cup() {
+    Symbol symbol;
+    symbol.line({{4, 6}, {16.4, 6}, {15.6, 14.4}, {13.4, 16.8}, {7, 16.8}, {4.8, 14.4}, {4, 6}});
+    symbol.curve({16.2, 8}, {21.6, 7.4}, {21.2, 13.6}, {15.8, 13.2});
+    return symbol.line({{3.4, 20.2}, {17, 20.2}});
+}
+
+Symbol clock() { return Symbol().circle(12, 12, 9).line({{12, 6.6}, {12, 12}, {15.6, 14.2}}); }
+
+Symbol timer() {
+    return Symbol().circle(12, 13.6, 7.8).line({{12, 9.4}, {12, 13.6}}).line({{9.6, 2.8}, {14.4, 2.8}});
+}
+
+Symbol hourglass() {
+    return Symbol()
+        .line({{5, 3.4}, {19, 3.4}})
+        .line({{5, 20.6}, {19, 20.6}})
+        .line({{6.6, 3.6}, {6.6, 7}, {17.4, 17}, {17.4, 20.4}})
+        .line({{17.4, 3.6}, {17.4, 7}, {6.6, 17}, {6.6, 20.4}});
+}
+
+Symbol pencil() {
+    return Symbol()
+        .outline({{4, 20}, {5, 15.4}, {16.4, 4}, {20, 7.6}, {8.6, 19}})
+        .line({{13.8, 6.6}, {17.4, 10.2}});
+}
+
+Symbol trash() {
+    return Symbol()
+        .line({{4, 6.4}, {20, 6.4}})
+        .line({{9, 6.2}, {9, 3.4}, {15, 3.4}, {15, 6.2}})
+        .line({{5.8, 6.6}, {6.8, 20.6}, {17.2, 20.6}, {18.2, 6.6}})
+        .line({{10, 10.4}, {10, 16.8}})
+        .line({{14, 10.4}, {14, 16.8}});
+}
+
 const QHash<QString, Symbol>& allSymbols() {
     static const QHash<QString, Symbol> symbols{
         {"square.grid.2x2", squareGrid()},
@@ -312,6 +365,17 @@ const QHash<QString, Symbol>& allSymbols() {
         {"magnifyingglass", magnifyingGlass()},
         {"exclamationmark.circle", exclamation()},
         {"link", link()},
+        {"bolt", bolt()},
+        {"moon", moon()},
+        {"video", video()},
+        {"cup.and.saucer", cup()},
+        {"clock", clock()},
+        {"timer", timer()},
+        {"hourglass", hourglass()},
+        {"pencil", pencil()},
+        {"trash", trash()},
+        {"chevron.up", Symbol().line({{5.4, 15.2}, {12, 8.6}, {18.6, 15.2}})},
+        {"chevron.down", Symbol().line({{5.4, 8.8}, {12, 15.4}, {18.6, 8.8}})},
     };
     return symbols;
 }
