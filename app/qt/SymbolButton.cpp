@@ -15,6 +15,7 @@ namespace lumnara {
 namespace {
 
 constexpr double symbolSide = 16;
+constexpr float disabledStrength = 0.3F;
 
 class SymbolIconEngine : public QIconEngine {
 public:
@@ -66,7 +67,9 @@ void SymbolButton::paintEvent(QPaintEvent*) {
     style()->drawComplexControl(QStyle::CC_ToolButton, &option, &painter, this);
     QRectF box(0, 0, symbolSide, symbolSide);
     box.moveCenter(QRectF(rect()).center());
-    drawSymbol(painter, symbol_, box, palette().color(QPalette::WindowText));
+    QColor ink = palette().color(QPalette::Active, QPalette::WindowText);
+    if (!isEnabled()) ink.setAlphaF(ink.alphaF() * disabledStrength);
+    drawSymbol(painter, symbol_, box, ink);
 }
 
 QIcon symbolIcon(const QString& symbol) { return QIcon(new SymbolIconEngine(symbol)); }

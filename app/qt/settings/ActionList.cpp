@@ -14,6 +14,8 @@ ActionList::ActionList(AutomationEditor& editor, const SaveChange& save, const P
       empty_(QStringLiteral("No actions yet.")) {
     column_.setContentsMargins(0, 0, 0, 0);
     column_.setSpacing(2);
+    empty_.setIndent(ActionRow::textLeft);
+    empty_.setMinimumHeight(ActionRow::rowHeight);
     column_.addWidget(&empty_);
 }
 
@@ -42,6 +44,7 @@ void ActionList::fitRows(std::size_t count) {
         row->onCommand = [this, place = rows_.size()](ActionRow::Command command) { handle(place, command); };
         rows_.push_back(row);
         column_.addWidget(row);
+        row->setVisible(true); // now, so that it can take the focus
     }
 }
 

@@ -15,16 +15,15 @@
 namespace lumnara {
 namespace {
 
-constexpr int rowHeight = 34;
 constexpr double symbolSide = 16;
-constexpr double inset = 8;
-constexpr double textLeft = inset + symbolSide + 10;
+constexpr double inset = 6; // below the icon of the automation
 constexpr double detailGap = 10;
 constexpr double rowRadius = 6;
 
 } // namespace
 
 ActionRow::ActionRow() {
+    setObjectName(QStringLiteral("action"));
     setFixedHeight(rowHeight);
     setFocusPolicy(Qt::StrongFocus);
     auto* line = new QHBoxLayout(this);

@@ -15,6 +15,10 @@ class ActionRow : public QWidget {
 public:
     enum class Command { edit, moveUp, moveDown, remove, focusBefore, focusAfter };
 
+    static constexpr int rowHeight = 34;
+    /// Where the label begins.
+    static constexpr int textLeft = 39;
+
     ActionRow();
 
     void show(const AutomationAction& action, bool isFirst, bool isLast);

@@ -52,7 +52,9 @@ AutomationCard::AutomationCard(AutomationEditor& editor, const SaveChange& save,
       remove_(QStringLiteral("Remove")) {
     setObjectName(QStringLiteral("automation"));
     add(head());
-    add(plainRow(&actions_));
+    QWidget* list = plainRow(&actions_);
+    add(list);
+    list->setContentsMargins(margin, 6, margin, 6); // the rows have room of their own
     add(foot());
     showRun(false, nullptr);
 }
@@ -121,6 +123,7 @@ QWidget* AutomationCard::foot() {
                         [this, &kind] { actions_.beginNew(kind.blank); })
             ->setIconVisibleInMenu(true);
     add_.setMenu(menu);
+    add_.setMinimumWidth(add_.sizeHint().width() + 16); // for the arrow
     run_.setObjectName(QStringLiteral("run"));
     connect(&run_, &QPushButton::clicked, this, [this] { run(); });
     remove_.setObjectName(QStringLiteral("remove"));

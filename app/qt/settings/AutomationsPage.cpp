@@ -219,6 +219,7 @@ void AutomationsPage::showUndo() {
 /// Cards are kept by their automation: what is being entered in them stays.
 void AutomationsPage::showCards() {
     const std::vector<Automation> automations = editor_.automations(key_);
+    list_->setVisible(!automations.empty());
     std::vector<AutomationCard*> shown;
     for (const Automation& automation : automations) {
         const auto known = std::ranges::find(cards_, automation.id, &AutomationCard::id);
@@ -231,6 +232,7 @@ void AutomationsPage::showCards() {
         const int place = static_cast<int>(shown.size()) - 1;
         if (column_->indexOf(shown.back()) != place) column_->insertWidget(place, shown.back());
         shown.back()->show(automation);
+        shown.back()->setVisible(true); // now, so that it can take the focus
         showRun(*shown.back());
     }
     for (AutomationCard* gone : cards_) {
@@ -239,7 +241,6 @@ void AutomationsPage::showCards() {
         column_->removeWidget(gone);
     }
     cards_ = std::move(shown);
-    list_->setVisible(!cards_.empty());
 }
 
 void AutomationsPage::noteRun(const std::string& id, const std::optional<AutomationRunReport>& report) {
