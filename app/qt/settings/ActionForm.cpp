@@ -64,10 +64,9 @@ ActionForm::ActionForm(const AutomationAction& action, std::optional<std::size_t
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(14, 12, 14, 12);
     column->setSpacing(10);
-    fields_.setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
-    fields_.setLabelAlignment(Qt::AlignLeft);
     fields_.setHorizontalSpacing(12);
     fields_.setVerticalSpacing(6);
+    fields_.setColumnStretch(1, 1);
     column->addLayout(&fields_);
     std::visit([this](const auto& each) { addFields(each); }, action);
     untouched_ = read_();
@@ -75,16 +74,23 @@ ActionForm::ActionForm(const AutomationAction& action, std::optional<std::size_t
 }
 
 void ActionForm::addMainField(const QString& label, QWidget* field, QLayout* line) {
-    auto* title = new QLabel(label);
-    title->setBuddy(field);
-    if (line)
-        fields_.addRow(title, line);
-    else
-        fields_.addRow(title, field);
+    addField(label, field, line);
     mainField_ = field;
     error_.setObjectName(QStringLiteral("refusal"));
-    fields_.addRow(QString(), &error_);
-    fields_.setRowVisible(&error_, false);
+    fields_.addWidget(&error_, fields_.rowCount(), 1);
+}
+
+void ActionForm::addField(const QString& label, QWidget* field, QLayout* line) {
+    auto* title = new QLabel(label);
+    title->setBuddy(field);
+    title->setMinimumHeight(QLineEdit().sizeHint().height()); // beside the first line of a high field
+    const int row = fields_.rowCount();
+    fields_.addWidget(title, row, 0, Qt::AlignTop);
+    if (line)
+        fields_.addLayout(line, row, 1);
+    else
+        fields_.addWidget(field, row, 1,
+                          field->maximumWidth() < QWIDGETSIZE_MAX ? Qt::AlignLeft : Qt::Alignment());
 }
 
 QLineEdit* ActionForm::lineField(const char* name, const std::string& text, const QString& placeholder) {
@@ -111,7 +117,7 @@ void ActionForm::addFields(const OpenAppAction& action) {
     QLineEdit* name =
         lineField("appName", action.name.value_or(""), QStringLiteral("Optional, for the list"));
     addMainField(QStringLiteral("App"), app);
-    fields_.addRow(QStringLiteral("Name"), name);
+    addField(QStringLiteral("Name"), name);
     read_ = [app, name] { return OpenAppAction{app->text().toStdString(), textOrNothing(*name)}; };
 }
 
@@ -162,7 +168,7 @@ void ActionForm::addFields(const PomodoroAction& action) {
     auto* rest =
         numberField<QSpinBox>("breakMinutes", action.breakMinutes, ActionRules::maxBreakMinutes, suffix);
     addMainField(QStringLiteral("Work"), minutes);
-    fields_.addRow(QStringLiteral("Break"), rest);
+    addField(QStringLiteral("Break"), rest);
     read_ = [minutes, rest] { return PomodoroAction{minutes->value(), rest->value()}; };
 }
 
@@ -175,7 +181,7 @@ void ActionForm::addFields(const SessionAction& action) {
     guardFromWheel(op);
     QLineEdit* name = lineField("sessionName", action.name.value_or(""), QStringLiteral("Optional"));
     addMainField(QStringLiteral("Do"), op);
-    fields_.addRow(QStringLiteral("Session"), name);
+    addField(QStringLiteral("Session"), name);
     read_ = [op, name] {
         return SessionAction{static_cast<SessionOp>(op->currentIndex()), textOrNothing(*name)};
     };
@@ -213,7 +219,6 @@ void ActionForm::becomeNew() {
 
 void ActionForm::refuse(const QString& sentence) {
     error_.tell(sentence);
-    fields_.setRowVisible(&error_, true);
     mainField_->setAccessibleDescription(sentence);
     focusField();
 }

@@ -3,7 +3,7 @@
 #include "app/qt/ErrorLabel.h"
 #include "core/automation/Automation.h"
 
-#include <QFormLayout>
+#include <QGridLayout>
 #include <QString>
 #include <QWidget>
 
@@ -57,8 +57,9 @@ private:
     void addFields(const SessionAction& action);
     void addFields(const WaitAction& action);
 
-    /// The first field, where a refusal stands.
+    /// The first field, where a refusal stands; it may come with others on its line.
     void addMainField(const QString& label, QWidget* field, QLayout* line = nullptr);
+    void addField(const QString& label, QWidget* field, QLayout* line = nullptr);
     QLineEdit* lineField(const char* name, const std::string& text, const QString& placeholder);
     std::function<std::string()> scriptField(const std::string& text);
     void addButtons();
@@ -68,7 +69,7 @@ private:
     std::optional<std::size_t> place_;
     const PathChooser& choosePath_;
     std::function<AutomationAction()> read_;
-    QFormLayout fields_;
+    QGridLayout fields_;
     QWidget* mainField_ = nullptr;
     ErrorLabel error_;
     QPushButton* done_ = nullptr;

@@ -3,6 +3,7 @@
 #include "app/qt/settings/WheelGuard.h"
 #include "core/automation/AutomationPresets.h"
 
+#include <QApplication>
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QMenu>
@@ -75,6 +76,10 @@ AutomationsPage::AutomationsPage(AppSettings& settings, DesktopCatalog& catalog,
         [this](const std::string& id, const std::optional<AutomationRunReport>& report) {
             noteRun(id, report);
         }));
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+        if (now && isAncestorOf(now))
+            QMetaObject::invokeMethod(this, [this] { reveal(); }, Qt::QueuedConnection);
+    });
     show();
 }
 
@@ -274,14 +279,18 @@ void AutomationsPage::save(const std::function<void()>& change) {
 
 void AutomationsPage::add(const std::function<std::string()>& make) {
     save([&] { make(); });
-    if (cards_.empty()) return;
-    cards_.back()->focusName();
-    for (QWidget* above = parentWidget(); above; above = above->parentWidget()) {
-        auto* scroll = qobject_cast<QScrollArea*>(above);
-        if (!scroll) continue;
-        layout()->activate();
-        scroll->ensureWidgetVisible(cards_.back());
-    }
+    if (!cards_.empty()) cards_.back()->focusName();
+}
+
+/// Scrolls to what has the focus, a form as a whole, once it has found its place.
+void AutomationsPage::reveal() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    QWidget* target = window()->focusWidget();
+    if (!target || !isAncestorOf(target)) return;
+    for (QWidget* above = target; above != this; above = above->parentWidget())
+        if (dynamic_cast<ActionForm*>(above)) target = above;
+    for (QWidget* above = parentWidget(); above; above = above->parentWidget())
+        if (auto* scroll = qobject_cast<QScrollArea*>(above)) scroll->ensureWidgetVisible(target, 0, 16);
 }
 
 void AutomationsPage::undo() {

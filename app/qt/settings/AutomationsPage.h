@@ -46,6 +46,7 @@ private:
     void tryAgain();
     void add(const std::function<std::string()>& make);
     void undo();
+    void reveal();
     bool commit();
 
     DesktopCatalog& catalog_;
