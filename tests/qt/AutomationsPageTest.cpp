@@ -54,6 +54,14 @@ protected:
             if (action->text() == line) return action->trigger();
         FAIL() << line;
     }
+    void picture(QWidget& widget, const QString& name) {
+        settle();
+        savePicture(widget, name);
+    }
+    /// A change of height goes up a layout a turn.
+    void settle() {
+        for (int turn = 0; turn < 8; ++turn) QApplication::processEvents();
+    }
     void press(int key, Qt::KeyboardModifiers modifiers = {}) {
         QKeyEvent event(QEvent::KeyPress, key, modifiers);
         QApplication::sendEvent(window.focusWidget(), &event);
@@ -191,6 +199,7 @@ TEST_F(AutomationsPageTest, takesEveryKindOfActionFromItsFields) {
         case 7: in<QComboBox>(form, "sessionOp").setCurrentIndex(2); break;
         case 8: in<QDoubleSpinBox>(form, "seconds").setValue(2.5); break;
         }
+        picture(form, QStringLiteral("automations-kind-%1").arg(place));
         press(Qt::Key_Return, place == 4 || place == 5 ? Qt::ControlModifier : Qt::NoModifier);
     }
     EXPECT_EQ(store.find(id)->actions, entered);
@@ -285,6 +294,7 @@ TEST_F(AutomationsPageTest, runsCancelsAndReports) {
     run.click();
     board.loop.runUntilIdle();
     EXPECT_EQ(run.text(), "Cancel");
+    picture(window, "automations-running");
     EXPECT_TRUE(in<QProgressBar>(*page, "progress").isVisible());
     page->choose("3");
     page->choose("1");
@@ -316,6 +326,7 @@ TEST_F(AutomationsPageTest, saysWhatIsWrongWithTheFile) {
     ASSERT_TRUE(store.recoveredFromCorruptFile());
     EXPECT_TRUE(text("notice").endsWith(QString::fromStdString(store.recoveredFromCorruptFile()->string())));
     EXPECT_TRUE(in<QPushButton>(*page, "addAutomation").isEnabled());
+    picture(window, "automations-recovered");
 
     std::filesystem::remove(store.url());
     std::filesystem::create_directory(store.url());
@@ -340,32 +351,34 @@ TEST_F(AutomationsPageTest, isLegibleInBothAppearances) {
     editor.removeAction(id, 1);
     editor.runNow(id);
     board.loop.runUntilIdle();
+    board.catalog.rename("3", std::string(40, 'W'));
     for (const bool dark : {false, true}) {
         const QString suffix = dark ? "dark" : "light";
         window.setPalette(panelPalette(dark));
         window.resize(680, 760);
         present();
         row(1).setFocus();
-        savePicture(window, "automations-" + suffix);
+        picture(window, "automations-" + suffix);
         press(Qt::Key_Return);
         type(*page, "path", "Documents");
         press(Qt::Key_Return);
+        settle();
         for (const QLabel* label : page->findChildren<QLabel*>())
             EXPECT_TRUE(!label->isVisible() || label->height() >= label->heightForWidth(label->width()))
                 << label->text().toStdString();
-        savePicture(window, "automations-form-" + suffix);
+        picture(window, "automations-form-" + suffix);
         press(Qt::Key_Escape);
         window.resize(680, 640);
         pick(card(1), "addAction", "Run Shell Script");
         in<QPlainTextEdit>(*page, "script").setPlainText("notify-send 'Tea'\nsleep 3");
-        QApplication::processEvents();
+        settle();
         const QWidget& form = in<QWidget>(*page, "actionForm");
         EXPECT_TRUE(window.rect().contains(QRect(form.mapTo(&window, QPoint()), form.size())))
             << "scrolled to";
-        savePicture(window, "automations-script-" + suffix);
+        picture(window, "automations-script-" + suffix);
         press(Qt::Key_Escape);
         page->choose("3");
-        savePicture(window, "automations-none-" + suffix);
+        picture(window, "automations-none-" + suffix);
         page->choose("1");
     }
 }

@@ -67,6 +67,8 @@ ActionForm::ActionForm(const AutomationAction& action, std::optional<std::size_t
     fields_.setHorizontalSpacing(12);
     fields_.setVerticalSpacing(6);
     fields_.setColumnStretch(1, 1);
+    fields_.setColumnMinimumWidth(0,
+                                  fontMetrics().horizontalAdvance(QStringLiteral("Shortcut"))); // the longest
     column->addLayout(&fields_);
     std::visit([this](const auto& each) { addFields(each); }, action);
     untouched_ = read_();
@@ -220,10 +222,11 @@ void ActionForm::becomeNew() {
 void ActionForm::refuse(const QString& sentence) {
     error_.tell(sentence);
     mainField_->setAccessibleDescription(sentence);
-    focusField();
+    mainField_->setFocus();
 }
 
-void ActionForm::focusField() { mainField_->setFocus(); }
+/// As the tab key does, which selects what stands there.
+void ActionForm::focusField() { mainField_->setFocus(Qt::TabFocusReason); }
 
 void ActionForm::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
