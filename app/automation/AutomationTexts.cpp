@@ -45,7 +45,7 @@ RunResult resultOf(const AutomationRunReport& report) {
 
 RunResult cancelledResult() { return {"The run was cancelled.", {}}; }
 
-std::optional<AutomationsNotice> noticeOf(const AutomationStore& store, const std::exception_ptr& unsaved) {
+std::optional<AutomationsNotice> noticeOf(const AutomationStore& store) {
     AutomationsNotice notice;
     const auto add = [&](const std::string& sentence) {
         notice.text += (notice.text.empty() ? "" : "\n") + sentence;
@@ -54,8 +54,8 @@ std::optional<AutomationsNotice> noticeOf(const AutomationStore& store, const st
         add(store.loadError()->sentence());
         notice.remedy = AutomationsNotice::Remedy::load;
         notice.canEdit = false;
-    } else if (unsaved) {
-        add("The automations could not be saved: " + sentenceOf(unsaved) +
+    } else if (store.unsaved()) {
+        add("The automations could not be saved: " + sentenceOf(store.unsaved()) +
             ". The changes hold until Lumnara quits.");
         notice.remedy = AutomationsNotice::Remedy::save;
     }

@@ -4,7 +4,6 @@
 #include "core/automation/AutomationStore.h"
 
 #include <array>
-#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -68,7 +67,6 @@ struct AutomationsNotice {
 
     bool operator==(const AutomationsNotice&) const = default;
 };
-/// `unsaved` is why the last change could not be saved, if it couldn't.
-std::optional<AutomationsNotice> noticeOf(const AutomationStore& store, const std::exception_ptr& unsaved);
+std::optional<AutomationsNotice> noticeOf(const AutomationStore& store);
 
 } // namespace lumnara

@@ -25,6 +25,7 @@ AutomationStore::AutomationStore(async::Loop& loop, std::filesystem::path url)
 
 void AutomationStore::load() {
     loadError_.reset();
+    unsaved_ = nullptr;
     read();
     changed.emit();
 }
@@ -57,8 +58,14 @@ void AutomationStore::recover(const std::string& damage) {
 }
 
 void AutomationStore::save() {
-    if (loadError_) throw AutomationStoreError(*loadError_);
-    replaceFile(url_, AutomationCodec::encode(file_));
+    try {
+        if (loadError_) throw AutomationStoreError(*loadError_);
+        replaceFile(url_, AutomationCodec::encode(file_));
+        unsaved_ = nullptr;
+    } catch (...) {
+        unsaved_ = std::current_exception();
+        throw;
+    }
 }
 
 std::vector<Automation> AutomationStore::automations(std::string_view forSpaceKey) const {

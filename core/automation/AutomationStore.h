@@ -6,6 +6,7 @@
 #include "core/automation/AutomationStoreError.h"
 
 #include <cstddef>
+#include <exception>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -31,6 +32,8 @@ public:
     const AutomationFile& file() const { return file_; }
     /// While it is set, nothing is saved.
     const std::optional<AutomationStoreError>& loadError() const { return loadError_; }
+    /// Why the last save failed, so that the file lacks what is in memory; null when it succeeded.
+    const std::exception_ptr& unsaved() const { return unsaved_; }
     /// Where a damaged file was moved to, if there was one.
     const std::optional<std::filesystem::path>& recoveredFromCorruptFile() const { return recovered_; }
     /// After every change of the contents, saved or not.
@@ -68,6 +71,7 @@ private:
     const std::filesystem::path url_;
     AutomationFile file_;
     std::optional<AutomationStoreError> loadError_;
+    std::exception_ptr unsaved_;
     std::optional<std::filesystem::path> recovered_;
 };
 

@@ -120,6 +120,21 @@ TEST_F(AutomationsPageTest, followsTheDesktopsAndTheFile) {
     EXPECT_EQ(desktops.currentText(), "Mail");
 }
 
+TEST_F(AutomationsPageTest, hasALinkGroupOnceAndSaysWhatWaitsForItsEnd) {
+    OpenBoard linked{{{"Mail", "Code"}, {"Web", ""}}};
+    linked.catalog.setLinkMode(DisplayLinkMode::linked);
+    editor.addEmpty("3");
+    linked.catalog.link("1", "3");
+    const std::string group = linked.catalog.desktopOfSpace("1")->key;
+    editor.addEmpty(group);
+    std::vector<std::string> lines;
+    for (const AutomationDesktop& each : automationDesktops(linked.catalog, store))
+        lines.push_back(each.title + (each.automations ? " +" : "") + (each.isLive ? "" : " waiting"));
+    EXPECT_EQ(lines,
+              (std::vector<std::string>{"Mail +", "Code – Display", "Desktop 2 – Display", "Web + waiting"}));
+    EXPECT_TRUE(waitingReason(linked.catalog, "3").starts_with("This desktop is linked at present."));
+}
+
 TEST_F(AutomationsPageTest, addsAndEditsInPlace) {
     present();
     pick(*page, "addAutomation", "Meeting");
@@ -160,6 +175,30 @@ TEST_F(AutomationsPageTest, addsAndEditsInPlace) {
         EXPECT_TRUE(hasSymbol(QString::fromLatin1(choice.symbol.data()))) << choice.symbol;
     for (const ActionRules::Kind& kind : ActionRules::kinds())
         EXPECT_TRUE(hasSymbol(QString::fromLatin1(symbolOf(kind.blank).data()))) << kind.title;
+}
+
+TEST_F(AutomationsPageTest, isPassedThroughInReadingOrder) {
+    present();
+    const std::string first = editor.addEmpty("1");
+    const std::string second = editor.addEmpty("1");
+    for (const double seconds : {1, 2}) editor.addAction(first, WaitAction{seconds});
+    editor.addAction(second, WaitAction{3});
+    editor.remove(first);
+    in<QPushButton>(*page, "undo").click();
+    row(0).setFocus();
+    press(Qt::Key_Return);
+    QStringList order;
+    const QWidget* start = &in<QComboBox>(*page, "desktop");
+    const QWidget* stop = start;
+    do {
+        if (stop->focusPolicy() & Qt::TabFocus && stop->isVisible() && !stop->objectName().startsWith("qt_"))
+            order << (stop->objectName() == "action" ? stop->accessibleName() : stop->objectName());
+        stop = stop->nextInFocusChain();
+    } while (stop != start);
+    const QStringList head{"icon", "name", "trigger", "enabled"}, foot{"addAction", "remove", "run"};
+    EXPECT_EQ(order, QStringList({"desktop", "addAutomation"}) + head +
+                         QStringList({"Wait 1s", "seconds", "cancelAction", "saveAction", "Wait 2s"}) + foot +
+                         head + QStringList("Wait 3s") + foot + QStringList("settingsPages"));
 }
 
 TEST_F(AutomationsPageTest, takesEveryKindOfActionFromItsFields) {
@@ -333,6 +372,9 @@ TEST_F(AutomationsPageTest, saysWhatIsWrongWithTheFile) {
     pick(*page, "addAutomation", "Break");
     EXPECT_EQ(editor.automations("1").size(), 1U);
     EXPECT_TRUE(text("notice").startsWith("The automations could not be saved: ")) << "and holds";
+    type(card(), "name", "Break");
+    press(Qt::Key_Return);
+    EXPECT_TRUE(text("notice").contains("could not be saved")) << "nothing has been saved since";
     std::filesystem::remove(store.url());
     in<QPushButton>(*page, "tryAgain").click();
     EXPECT_FALSE(text("notice").contains("could not be saved"));

@@ -48,15 +48,26 @@ void ActionList::fitRows(std::size_t count) {
     }
 }
 
-/// Below the row that it edits, or at the end.
+/// It stands below the row that it edits, or at the end.
+std::size_t ActionList::rowsAboveForm() const { return form_->place() ? *form_->place() + 1 : rows_.size(); }
+
 void ActionList::placeForm() {
     empty_.setVisible(rows_.empty() && !form_);
     if (!form_) return;
     column_.removeWidget(form_);
-    const std::size_t above = form_->place() ? *form_->place() + 1 : rows_.size();
+    const std::size_t above = rowsAboveForm();
     column_.insertWidget(static_cast<int>(above) + 1, form_); // the first is the text for none
-    QWidget* before = above > 0 ? rows_[above - 1] : nullptr;
-    if (before) setTabOrder(before, form_);
+}
+
+std::vector<QWidget*> ActionList::tabStops() const {
+    std::vector<QWidget*> stops(rows_.begin(), rows_.end());
+    if (!form_) return stops;
+    const std::size_t above = rowsAboveForm();
+    std::vector<QWidget*> fields;
+    for (QWidget* field : form_->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+        if (field->focusPolicy() & Qt::TabFocus) fields.push_back(field);
+    stops.insert(stops.begin() + static_cast<std::ptrdiff_t>(above), fields.begin(), fields.end());
+    return stops;
 }
 
 void ActionList::handle(std::size_t place, ActionRow::Command command) {
@@ -100,6 +111,7 @@ void ActionList::open(const AutomationAction& action, std::optional<std::size_t>
     form_->onCancel = [this] { close(); };
     placeForm();
     form_->show();
+    onTabStopsChanged();
     form_->focusField();
 }
 

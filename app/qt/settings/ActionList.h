@@ -29,6 +29,11 @@ public:
     /// Takes over what has been entered. Otherwise false, with the refusal and the focus on the form.
     bool commit();
 
+    /// What the tab key stops at, in order.
+    std::vector<QWidget*> tabStops() const;
+    /// There are others now.
+    std::function<void()> onTabStopsChanged;
+
 private:
     void handle(std::size_t place, ActionRow::Command command);
     void edit(std::size_t place);
@@ -38,6 +43,7 @@ private:
     void close();
     bool saveForm();
     void fitRows(std::size_t count);
+    std::size_t rowsAboveForm() const;
     void placeForm();
     void focusRow(std::size_t place);
 

@@ -56,7 +56,19 @@ AutomationCard::AutomationCard(AutomationEditor& editor, const SaveChange& save,
     add(list);
     list->setContentsMargins(margin, 6, margin, 6); // the rows have room of their own
     add(foot());
+    actions_.onTabStopsChanged = [this] { orderTabs(); };
     showRun(false, nullptr);
+}
+
+QWidget* AutomationCard::orderTabs(QWidget* before) {
+    std::vector<QWidget*> stops{&icon_, &name_, &trigger_, &enabled_};
+    for (QWidget* each : actions_.tabStops()) stops.push_back(each);
+    stops.insert(stops.end(), {&add_, &remove_, &run_});
+    for (QWidget* stop : stops) {
+        if (before) setTabOrder(before, stop);
+        before = stop;
+    }
+    return before;
 }
 
 QWidget* AutomationCard::head() {

@@ -28,6 +28,8 @@ public:
     /// entered.
     bool commit();
     void focusName();
+    /// Puts what the tab key stops at in order, all behind `before` if there is one. Answers the last.
+    QWidget* orderTabs(QWidget* before = nullptr);
 
 private:
     QWidget* head();

@@ -48,7 +48,8 @@ AutomationsPage::AutomationsPage(AppSettings& settings, DesktopCatalog& catalog,
       editor_(editor),
       save_([this](const std::function<void()>& change) { save(change); }),
       tryAgain_(QStringLiteral("Try Again")),
-      add_(QStringLiteral("&Add")) {
+      add_(QStringLiteral("&Add")),
+      putBack_(QStringLiteral("&Undo")) {
     auto* page = new QVBoxLayout(this);
     page->setSpacing(12);
     page->addWidget(noticeRow());
@@ -144,12 +145,11 @@ QWidget* AutomationsPage::undoRow() {
     removed_.setObjectName(QStringLiteral("removed"));
     removed_.setTextFormat(Qt::PlainText);
     removed_.setWordWrap(true);
-    auto* button = new QPushButton(QStringLiteral("&Undo"));
-    button->setObjectName(QStringLiteral("undo"));
-    button->setAutoDefault(false);
-    connect(button, &QPushButton::clicked, this, [this] { undo(); });
+    putBack_.setObjectName(QStringLiteral("undo"));
+    putBack_.setAutoDefault(false);
+    connect(&putBack_, &QPushButton::clicked, this, [this] { undo(); });
     line->addWidget(&removed_, 1);
-    line->addWidget(button);
+    line->addWidget(&putBack_);
     return undo_;
 }
 
@@ -197,7 +197,7 @@ void AutomationsPage::showDesktops() {
 }
 
 void AutomationsPage::showNotice() {
-    const auto notice = noticeOf(store_, unsaved_);
+    const auto notice = noticeOf(store_);
     notice_->setVisible(notice.has_value());
     noticeText_.setText(notice ? QString::fromStdString(notice->text) : QString());
     tryAgain_.setVisible(notice && notice->remedy != AutomationsNotice::Remedy::none);
@@ -208,7 +208,7 @@ void AutomationsPage::showNotice() {
 }
 
 void AutomationsPage::tryAgain() {
-    if (const auto notice = noticeOf(store_, unsaved_); notice && !notice->canEdit)
+    if (const auto notice = noticeOf(store_); notice && !notice->canEdit)
         store_.load();
     else
         save([this] { store_.save(); });
@@ -246,6 +246,8 @@ void AutomationsPage::showCards() {
         column_->removeWidget(gone);
     }
     cards_ = std::move(shown);
+    QWidget* before = &putBack_;
+    for (AutomationCard* card : cards_) before = card->orderTabs(before);
 }
 
 void AutomationsPage::noteRun(const std::string& id, const std::optional<AutomationRunReport>& report) {
@@ -267,11 +269,10 @@ void AutomationsPage::showRun(AutomationCard& card) {
 void AutomationsPage::save(const std::function<void()>& change) {
     try {
         change();
-        unsaved_ = nullptr;
     } catch (const AutomationEditError&) {
         throw;
     } catch (const std::exception&) {
-        unsaved_ = std::current_exception(); // the change holds in memory
+        // It holds in memory, and the store knows why it isn't saved.
     }
     showNotice();
     showUndo();

@@ -9,7 +9,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include <exception>
 #include <map>
 #include <string>
 #include <vector>
@@ -55,7 +54,6 @@ private:
     const SaveChange save_;
     std::string key_;
     std::vector<AutomationDesktop> desktops_;
-    std::exception_ptr unsaved_; ///< why the last change could not be saved
     std::map<std::string, RunResult> results_;
     std::vector<AutomationCard*> cards_;
 
@@ -66,6 +64,7 @@ private:
     QPushButton add_;
     QWidget* undo_ = nullptr;
     QLabel removed_;
+    QPushButton putBack_;
     SecondaryLabel waiting_;
     SecondaryLabel empty_;
     QWidget* list_ = nullptr;
