@@ -374,6 +374,7 @@ TEST_F(AutomationsPageTest, saysWhatIsWrongWithTheFile) {
     EXPECT_TRUE(text("notice").startsWith("The automations could not be saved: ")) << "and holds";
     type(card(), "name", "Break");
     press(Qt::Key_Return);
+    picture(window, "automations-unsaved");
     EXPECT_TRUE(text("notice").contains("could not be saved")) << "nothing has been saved since";
     std::filesystem::remove(store.url());
     in<QPushButton>(*page, "tryAgain").click();
