@@ -7,6 +7,7 @@
 #include "core/model/SnapshotSpaceProvider.h"
 #include "core/names/NameStore.h"
 #include "core/platform/linux/JsonDefaultsStore.h"
+#include "tests/automation/RecordingExecutor.h"
 #include "tests/session/IpcFixture.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -105,10 +106,11 @@ void measureI3(bench::Report& report) {
     JsonDefaultsStore defaults(at.loop, at.folder / "settings.json");
     AppSettings settings(defaults);
     settings.displayLinkMode.set(DisplayLinkMode::linked);
+    testing::RecordingExecutor executor;
     AppState state(
         at.loop, settings, at.platform(),
         std::make_unique<LiveSpaceProvider>(at.loop, *at.platform().windowServer, *at.platform().screens),
-        at.folder.path());
+        executor, at.folder.path());
     const std::vector<std::pair<std::string, std::string>> pairs{{"3", "4"}, {"1", "2"}};
     std::vector<std::string> keys;
     for (const auto& [left, right] : pairs) {

@@ -2,6 +2,7 @@
 
 #include "app/qt/OverlayWindow.h"
 #include "app/qt/WindowSystem.h"
+#include "app/qt/settings/AutomationsPage.h"
 #include "app/qt/settings/GeneralPage.h"
 #include "app/qt/settings/TimePage.h"
 #include "core/platform/Screens.h"
@@ -28,6 +29,7 @@ Surfaces::Surfaces(AppState& state, std::function<bool()> isComposited)
               return card;
           },
           [this](const ScreenInfo& screen) { return hasCards() && !board_.covers(screen); }),
+      automationEditor_(state.loop(), state.automations(), state.automationRunner()),
       trackingPage_(state.loop(), state.tracking().store(), state.tracking().sampler()) {
     if (layers_.isOffered()) notice_.standOn(layers_);
     notice_.areaInUse = [this] { return areaInUse(); };
@@ -57,6 +59,9 @@ void Surfaces::showSettings() {
 void Surfaces::makeSettings() {
     settings_ = std::make_unique<SettingsWindow>();
     settings_->add(QStringLiteral("General"), new GeneralPage(state_.settings()));
+    settings_->add(
+        QStringLiteral("Automations"),
+        new AutomationsPage(state_.settings(), state_.catalog(), state_.automations(), automationEditor_));
     settings_->add(QStringLiteral("Time"), new TimePage(state_.settings(), trackingPage_));
 }
 

@@ -11,6 +11,7 @@
 #include "app/qt/TrayIcon.h"
 #include "app/qt/settings/SettingsWindow.h"
 #include "app/tracking/TrackingPage.h"
+#include "core/automation/AutomationEditor.h"
 
 #include <functional>
 #include <memory>
@@ -51,6 +52,7 @@ private:
     LayerShell layers_;
     NoticeWindow notice_;
     SwitchOverlayController overlay_;
+    AutomationEditor automationEditor_;
     TrackingPage trackingPage_;
     // Made when they are first wanted.
     std::unique_ptr<SettingsWindow> settings_;

@@ -1,5 +1,6 @@
 #include "app/qt/settings/AutomationsPage.h"
 
+#include "app/qt/settings/SettingsCard.h"
 #include "app/qt/settings/WheelGuard.h"
 #include "core/automation/AutomationPresets.h"
 
@@ -28,13 +29,6 @@ QString askForPath(QWidget* parent, const QString& from, bool folder) {
     if (start.isEmpty()) start = QDir::homePath();
     return folder ? QFileDialog::getExistingDirectory(parent, QStringLiteral("Choose a Folder"), start)
                   : QFileDialog::getOpenFileName(parent, QStringLiteral("Choose a File"), start);
-}
-
-QHBoxLayout* lineOf(QWidget* row) {
-    auto* line = new QHBoxLayout(row);
-    line->setContentsMargins(0, 0, 0, 0);
-    line->setSpacing(8);
-    return line;
 }
 
 } // namespace
@@ -86,7 +80,7 @@ AutomationsPage::AutomationsPage(AppSettings& settings, DesktopCatalog& catalog,
 
 QWidget* AutomationsPage::noticeRow() {
     auto* row = new QWidget;
-    QHBoxLayout* line = lineOf(row);
+    QHBoxLayout* line = lineIn(row);
     noticeText_.setObjectName(QStringLiteral("notice"));
     noticeText_.setTextFormat(Qt::PlainText);
     noticeText_.setWordWrap(true);
@@ -104,7 +98,7 @@ QWidget* AutomationsPage::noticeRow() {
 
 QWidget* AutomationsPage::desktopRow() {
     auto* row = new QWidget;
-    QHBoxLayout* line = lineOf(row);
+    QHBoxLayout* line = lineIn(row);
     auto* label = new QLabel(QStringLiteral("&Desktop"));
     label->setBuddy(&desktop_);
     desktop_.setObjectName(QStringLiteral("desktop"));
@@ -141,7 +135,7 @@ void AutomationsPage::fillAddMenu() {
 
 QWidget* AutomationsPage::undoRow() {
     undo_ = new QWidget;
-    QHBoxLayout* line = lineOf(undo_);
+    QHBoxLayout* line = lineIn(undo_);
     removed_.setObjectName(QStringLiteral("removed"));
     removed_.setTextFormat(Qt::PlainText);
     removed_.setWordWrap(true);

@@ -4,6 +4,7 @@
 #include "app/qt/Theme.h"
 
 #include <QCheckBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
 #include <QStyle>
@@ -81,6 +82,13 @@ QWidget* plainRow(QWidget* content) {
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(content);
     return row;
+}
+
+QHBoxLayout* lineIn(QWidget* row) {
+    auto* line = new QHBoxLayout(row);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(8);
+    return line;
 }
 
 } // namespace lumnara

@@ -4,6 +4,7 @@
 #include <QWidget>
 
 class QCheckBox;
+class QHBoxLayout;
 
 namespace lumnara {
 
@@ -30,5 +31,7 @@ QWidget* sectionTitle(const QString& title);
 /// A row of a check box with a sentence about it below.
 QWidget* explained(QCheckBox* box, const QString& explanation);
 QWidget* plainRow(QWidget* content);
+/// Lets the row hold widgets side by side.
+QHBoxLayout* lineIn(QWidget* row);
 
 } // namespace lumnara

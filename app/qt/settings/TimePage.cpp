@@ -44,13 +44,6 @@ QString stateText(const TrackingSession& session) {
     return session.endedAt ? momentText(*session.endedAt) : QStringLiteral("Ended");
 }
 
-QHBoxLayout* lineIn(QWidget* row) {
-    auto* line = new QHBoxLayout(row);
-    line->setContentsMargins(0, 0, 0, 0);
-    line->setSpacing(8);
-    return line;
-}
-
 } // namespace
 
 TimePage::TimePage(AppSettings& settings, TrackingPage& page)
