@@ -24,6 +24,7 @@ AutomationStore::AutomationStore(async::Loop& loop, std::filesystem::path url)
       url_(std::move(url)) {}
 
 void AutomationStore::load() {
+    finishReplacement(url_);
     loadError_.reset();
     unsaved_ = nullptr;
     read();

@@ -5,10 +5,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
-#include <utility>
 #include <vector>
 
 namespace lumnara {
@@ -31,14 +31,12 @@ public:
 
     int get() const { return fd_; }
     bool valid() const { return fd_ >= 0; }
-    /// Closes now and says whether that worked: a delayed write error shows only here.
-    bool close() { return ::close(std::exchange(fd_, -1)) == 0; }
 
 private:
     int fd_;
 };
 
-void writeAndSync(FileDescriptor& file, const fs::path& path, std::string_view contents) {
+void writeAndSync(const FileDescriptor& file, const fs::path& path, std::string_view contents) {
     while (!contents.empty()) {
         const ssize_t written = ::write(file.get(), contents.data(), contents.size());
         if (written < 0 && errno == EINTR) continue;
@@ -46,7 +44,6 @@ void writeAndSync(FileDescriptor& file, const fs::path& path, std::string_view c
         contents.remove_prefix(static_cast<std::size_t>(written));
     }
     if (::fsync(file.get()) != 0) failFile("fsync", path);
-    if (!file.close()) failFile("close", path);
 }
 
 // Beside a target named "x" stand ".x.new-123456", what will take its place, and ".x.replaced", what had it.
@@ -63,10 +60,8 @@ fs::path oldName(const fs::path& target) {
     return target.parent_path() / ("." + target.filename().string() + std::string(oldMark));
 }
 
-bool stands(const fs::path& path) {
-    std::error_code ignored;
-    return fs::exists(fs::symlink_status(path, ignored));
-}
+/// Throws std::system_error when the disk doesn't say.
+bool stands(const fs::path& path) { return fs::exists(fs::symlink_status(path)); }
 
 void removeQuietly(const fs::path& path) {
     std::error_code ignored;
@@ -79,13 +74,15 @@ void syncFolderQuietly(const fs::path& path) {
     if (folder.valid()) ::fsync(folder.get());
 }
 
-/// A file beside the one to be replaced; it goes again unless it was renamed.
+/// A file beside the one to be replaced; it goes again unless it was renamed. It is locked for as long as its
+/// writer lives, by which a file that is being written is told from what a crash left.
 class TemporaryFile {
 public:
     explicit TemporaryFile(const fs::path& target)
         : name_(newNameTemplate(target)),
           file_(::mkostemp(name_.data(), O_CLOEXEC)) {
         if (!file_.valid()) failFile("create", name_);
+        ::flock(file_.get(), LOCK_EX | LOCK_NB); // a file system without locks has to do without
     }
     ~TemporaryFile() {
         if (!renamed_) ::unlink(name_.c_str());
@@ -110,8 +107,7 @@ private:
 fs::path followLinks(fs::path path) {
     constexpr int maxLinks = 40; // as the kernel has it
     for (int i = 0; i < maxLinks; ++i) {
-        std::error_code ignored;
-        if (!fs::is_symlink(fs::symlink_status(path, ignored))) return path;
+        if (!fs::is_symlink(fs::symlink_status(path))) return path;
         path = path.parent_path() / fs::read_symlink(path);
     }
     failFile("follow", path, ELOOP);
@@ -129,7 +125,7 @@ public:
     void write(const FolderContents& files) {
         for (const auto& [name, contents] : files) {
             const fs::path path = fs::path(name_) / name;
-            FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+            const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
             if (!file.valid()) failFile("create", path);
             writeAndSync(file, path, contents);
         }
@@ -181,14 +177,31 @@ void settleOld(const fs::path& target) {
     }
 }
 
-void finishReplacement(const fs::path& leftover) {
-    const std::string name = leftover.filename();
-    if (!name.starts_with('.')) return;
-    if (name.ends_with(oldMark) && name.size() > 1 + oldMark.size())
-        settleOld(leftover.parent_path() / name.substr(1, name.size() - 1 - oldMark.size()));
-    const std::size_t mark = name.rfind(newMark);
-    if (mark != std::string::npos && mark > 1 && mark + newMark.size() + uniqueLength == name.size())
-        removeQuietly(leftover);
+/// The name that ".<name>.new-123456" is to take; empty for any other.
+std::string nameToTake(const std::string& leftover) {
+    const std::size_t mark = leftover.rfind(newMark);
+    const bool isOne = leftover.starts_with('.') && mark != std::string::npos && mark > 1 &&
+                       mark + newMark.size() + uniqueLength == leftover.size();
+    return isOne ? leftover.substr(1, mark - 1) : std::string();
+}
+
+/// Whether its writer is at it, in this program or in another one.
+bool isBeingWritten(const fs::path& path) {
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    return file.valid() && ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+}
+
+std::vector<fs::path> entriesOf(const fs::path& folder) {
+    std::vector<fs::path> entries;
+    std::error_code ignored;
+    for (fs::directory_iterator entry(folder, ignored), end; !ignored && entry != end;
+         entry.increment(ignored))
+        entries.push_back(entry->path());
+    return entries;
+}
+
+void removeLeftover(const fs::path& leftover) {
+    if (!isBeingWritten(leftover)) removeQuietly(leftover);
 }
 
 } // namespace
@@ -246,12 +259,25 @@ void removeWhole(const fs::path& path) {
 }
 
 void finishReplacements(const fs::path& folder) {
-    std::vector<fs::path> entries;
-    std::error_code ignored;
-    for (fs::directory_iterator entry(folder, ignored), end; !ignored && entry != end;
-         entry.increment(ignored))
-        entries.push_back(entry->path());
-    for (const fs::path& entry : entries) finishReplacement(entry);
+    for (const fs::path& entry : entriesOf(folder)) {
+        const std::string name = entry.filename();
+        const bool isOld =
+            name.starts_with('.') && name.ends_with(oldMark) && name.size() > 1 + oldMark.size();
+        try {
+            if (isOld) settleOld(folder / name.substr(1, name.size() - 1 - oldMark.size()));
+        } catch (const std::system_error&) { // it stays for the next start
+        }
+        if (!nameToTake(name).empty()) removeLeftover(entry);
+    }
+}
+
+void finishReplacement(const fs::path& path) {
+    try {
+        const fs::path target = followLinks(fs::absolute(path));
+        for (const fs::path& entry : entriesOf(target.parent_path()))
+            if (nameToTake(entry.filename()) == target.filename()) removeLeftover(entry);
+    } catch (const std::system_error&) { // the disk doesn't say where it is
+    }
 }
 
 fs::path freeAsidePath(const fs::path& path, Date now) {

@@ -17,6 +17,10 @@ std::string readFile(const std::filesystem::path& path);
 /// and gives a new one 0600. Throws std::system_error; the old file then stands unchanged.
 void replaceFile(const std::filesystem::path& path, std::string_view contents);
 
+/// Removes what replacements of this file that a crash ended left beside it. One that is going on, in any
+/// program, is left alone. Never fails.
+void finishReplacement(const std::filesystem::path& path);
+
 /// Creates a folder and those above it that are missing, with mode 0700. Throws std::system_error.
 void makeFolder(const std::filesystem::path& folder);
 

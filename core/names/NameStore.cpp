@@ -33,6 +33,7 @@ NameStore::NameStore(async::Loop& loop, std::filesystem::path url, double deboun
 }
 
 void NameStore::load() {
+    finishReplacement(url_);
     const Date now = loop_.date();
     std::string text;
     try {

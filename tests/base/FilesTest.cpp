@@ -1,10 +1,13 @@
 #include "core/base/Files.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <set>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace lumnara {
 namespace {
@@ -19,6 +22,12 @@ mode_t modeOf(const fs::path& path) {
 
 std::size_t filesIn(const fs::path& folder) {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+}
+
+std::set<std::string> namesIn(const fs::path& folder) {
+    std::set<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder)) names.insert(entry.path().filename());
+    return names;
 }
 
 TEST(Files, ReplacesWholeFilesAndLeavesNothingBeside) {
@@ -81,13 +90,34 @@ TEST(Files, PutsInterruptedReplacementsInOrderAndTouchesNothingElse) {
                              ".new-123456", ".replaced", ".profile", "e.new-123456"})
         lay(name);
     finishReplacements(folder.path());
-    std::set<std::string> left;
-    for (const auto& entry : fs::directory_iterator(folder.path())) left.insert(entry.path().filename());
-    EXPECT_EQ(left, (std::set<std::string>{"b", "c", ".d.new-long-name", ".new-123456", ".replaced",
-                                           ".profile", "e.new-123456"}));
+    EXPECT_EQ(namesIn(folder.path()), (std::set<std::string>{"b", "c", ".d.new-long-name", ".new-123456",
+                                                             ".replaced", ".profile", "e.new-123456"}));
     EXPECT_EQ(readFile(folder.path() / "b" / "file"), ".b.replaced");
     EXPECT_EQ(readFile(folder.path() / "c" / "file"), "c");
     finishReplacements(folder / "missing");
+}
+
+TEST(Files, ClearsAwayWhatACrashLeftOfOneFileAndNoWritersWork) {
+    testing::TemporaryFolder folder;
+    for (const char* name : {"a", ".a.new-x1Y2z3", ".a.new-held00", ".b.new-x1Y2z3", ".a.new-long-name"})
+        replaceFile(folder / name, name);
+    fs::create_directory(folder / "links");
+    const fs::path link = folder.path() / "links" / "link";
+    fs::create_symlink("../a", link);
+    const int writer = ::open((folder / ".a.new-held00").c_str(), O_WRONLY);
+    ASSERT_EQ(::flock(writer, LOCK_EX), 0);
+    finishReplacement(link);
+    const std::set<std::string> kept = {"a", ".b.new-x1Y2z3", ".a.new-long-name", "links"};
+    std::set<std::string> withWriters = kept;
+    withWriters.insert(".a.new-held00");
+    EXPECT_EQ(namesIn(folder.path()), withWriters);
+    ::close(writer);
+    finishReplacement(link);
+    EXPECT_EQ(namesIn(folder.path()), kept);
+
+    fs::create_symlink("circle", folder / "circle");
+    finishReplacement(folder / "circle");
+    finishReplacement(folder / "missing/file");
 }
 
 } // namespace

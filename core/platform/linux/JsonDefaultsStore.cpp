@@ -148,6 +148,7 @@ JsonDefaultsStore::JsonDefaultsStore(async::Loop& loop, std::filesystem::path fi
 JsonDefaultsStore::~JsonDefaultsStore() { saveNow(); }
 
 void JsonDefaultsStore::load() {
+    finishReplacement(path_);
     try {
         SettingsFile file = SettingsFile::at(path_);
         if (file.state == SettingsFile::State::damaged)

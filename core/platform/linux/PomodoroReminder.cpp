@@ -48,6 +48,7 @@ std::optional<Date> PomodoroReminder::due() const {
 }
 
 void PomodoroReminder::load() {
+    finishReplacement(file_);
     std::error_code unknown;
     if (!std::filesystem::exists(file_, unknown)) return;
     try {
