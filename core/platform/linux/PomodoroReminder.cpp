@@ -49,9 +49,8 @@ std::optional<Date> PomodoroReminder::due() const {
 
 void PomodoroReminder::load() {
     finishReplacement(file_);
-    std::error_code unknown;
-    if (!std::filesystem::exists(file_, unknown)) return;
     try {
+        if (!std::filesystem::exists(file_)) return;
         const auto root = StrictJson::parse(readFile(file_));
         const auto due = Date::fromISO8601(StrictJson::text(StrictJson::member(root, "due")));
         if (!due) throw JsonError("no ISO 8601 date");
