@@ -23,11 +23,6 @@ template <class Work> void orNotesError(NotesError::Case which, Work&& work) {
     }
 }
 
-bool standsAt(const fs::path& path) {
-    std::error_code ignored;
-    return fs::exists(fs::symlink_status(path, ignored));
-}
-
 } // namespace
 
 NotesStore::NotesStore(async::Loop& loop, fs::path directory)
@@ -62,15 +57,31 @@ std::vector<std::string> NotesStore::allKeys() const {
 }
 
 RichText NotesStore::loadText(std::string_view key) const {
-    return RichTextPackage::read(bodyPath(key)).value_or(RichText());
+    try {
+        auto text = RichTextPackage::read(bodyPath(key));
+        noteUnread(key, false);
+        return std::move(text).value_or(RichText());
+    } catch (const std::system_error&) {
+        noteUnread(key, true);
+        return {};
+    }
 }
 
 void NotesStore::saveText(std::string_view key, const RichText& text) const {
     ensureDirectory();
     orNotesError(NotesError::Case::bodyNotSaved, [&] {
         const fs::path body = bodyPath(key);
-        if (standsAt(body) && !RichTextPackage::isReadable(body)) moveAside(body, loop_.date());
-        RichTextPackage::write(body, text);
+        const bool isKept =
+            fs::exists(fs::symlink_status(body)) && (!RichTextPackage::isReadable(body) || isUnread(key));
+        const fs::path aside = isKept ? moveAside(body, loop_.date()) : fs::path();
+        try {
+            RichTextPackage::write(body, text);
+        } catch (const std::system_error&) {
+            std::error_code ignored; // then it stays aside
+            if (isKept) fs::rename(aside, body, ignored);
+            throw;
+        }
+        noteUnread(key, false);
     });
 }
 
@@ -104,6 +115,19 @@ fs::path NotesStore::bodyPath(std::string_view key) const {
 
 fs::path NotesStore::metaPath(std::string_view key) const {
     return directory_ / (NoteFileName::encode(key) + std::string(NoteFileName::metaSuffix));
+}
+
+void NotesStore::noteUnread(std::string_view key, bool isUnread) const {
+    const std::lock_guard guard(lock_);
+    if (isUnread)
+        unread_.emplace(key);
+    else if (const auto found = unread_.find(key); found != unread_.end())
+        unread_.erase(found);
+}
+
+bool NotesStore::isUnread(std::string_view key) const {
+    const std::lock_guard guard(lock_);
+    return unread_.contains(key);
 }
 
 } // namespace lumnara

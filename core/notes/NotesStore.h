@@ -6,6 +6,9 @@
 #include "core/notes/RichText.h"
 
 #include <filesystem>
+#include <functional>
+#include <mutex>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,8 +41,9 @@ public:
 
     /// Empty when there is no body or it can't be read.
     RichText loadText(std::string_view key) const;
-    /// Replaces the body. A body that can't be read is not written over but moved aside, as
-    /// "<e>.rtfd.corrupt-<stamp>". Throws NotesError.
+    /// Replaces the body. One that is no rich text, or that the disk didn't give at its last loadText(), is
+    /// not written over but moved aside, as "<e>.rtfd.corrupt-<stamp>". Throws NotesError, also when the disk
+    /// doesn't say what stands there now.
     void saveText(std::string_view key, const RichText& text) const;
 
     /// The defaults, with `updatedAt` now, when there is no file or it doesn't decode.
@@ -53,9 +57,15 @@ public:
 private:
     std::filesystem::path bodyPath(std::string_view key) const;
     std::filesystem::path metaPath(std::string_view key) const;
+    void noteUnread(std::string_view key, bool isUnread) const;
+    bool isUnread(std::string_view key) const;
 
     async::Loop& loop_;
     std::filesystem::path directory_;
+    mutable std::mutex lock_;
+    /// The keys whose bodies the disk didn't give: who shows them saw nothing, and what is typed there is no
+    /// later form of them.
+    mutable std::set<std::string, std::less<>> unread_;
 };
 
 } // namespace lumnara

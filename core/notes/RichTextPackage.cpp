@@ -4,8 +4,6 @@
 #include "core/notes/RtfReader.h"
 #include "core/notes/RtfWriter.h"
 
-#include <fstream>
-#include <functional>
 #include <set>
 #include <system_error>
 
@@ -19,19 +17,23 @@ constexpr const char* textName = "TXT.rtf";
 /// What a note can't sensibly have more of; a larger file is left where it is.
 constexpr std::uintmax_t largestFile = 256u << 20;
 
+/// Throws std::system_error when the disk doesn't say.
 fs::path textPath(const fs::path& package) {
-    std::error_code ignored;
-    return fs::is_directory(package, ignored) ? package / textName : package;
+    return fs::is_directory(package) ? package / textName : package;
 }
 
 /// Nothing for what isn't a plain file of a sensible size: a link may lead anywhere, a pipe never ends.
+/// Throws std::system_error when the disk fails.
 std::optional<std::string> readPlainFile(const fs::path& path) {
-    std::error_code error;
-    if (!fs::is_regular_file(fs::symlink_status(path, error))) return std::nullopt;
-    if (fs::file_size(path, error) > largestFile || error) return std::nullopt;
+    if (!fs::is_regular_file(fs::symlink_status(path))) return std::nullopt;
+    if (fs::file_size(path) > largestFile) return std::nullopt;
+    return readFile(path);
+}
+
+std::optional<std::string> readAttachment(const fs::path& path) {
     try {
-        return readFile(path);
-    } catch (const std::system_error&) {
+        return readPlainFile(path);
+    } catch (const std::system_error&) { // it stays where it is
         return std::nullopt;
     }
 }
@@ -53,20 +55,15 @@ std::optional<RichText> RichTextPackage::read(const fs::path& path) {
     if (!text || file == path) return text;
     for (const std::string& name : shownAttachments(*text)) {
         if (text->attachments.contains(name)) continue;
-        if (auto bytes = readPlainFile(path / name)) text->attachments.emplace(name, *std::move(bytes));
+        if (auto bytes = readAttachment(path / name)) text->attachments.emplace(name, *std::move(bytes));
     }
     return text;
 }
 
 bool RichTextPackage::isReadable(const fs::path& path) {
-    const fs::path file = textPath(path);
-    std::error_code ignored;
-    if (!fs::is_regular_file(fs::symlink_status(file, ignored))) return false;
-    std::string beginning(64, '\0');
-    std::ifstream stream(file, std::ios::binary);
-    stream.read(beginning.data(), static_cast<std::streamsize>(beginning.size()));
-    beginning.resize(static_cast<std::size_t>(stream.gcount()));
-    return RtfReader::read(beginning).has_value();
+    constexpr std::size_t tellingLength = 64;
+    const auto rtf = readPlainFile(textPath(path));
+    return rtf && RtfReader::read(std::string_view(*rtf).substr(0, tellingLength)).has_value();
 }
 
 void RichTextPackage::write(const fs::path& path, const RichText& text) {
@@ -75,10 +72,9 @@ void RichTextPackage::write(const fs::path& path, const RichText& text) {
         // A name that isn't safe was never given by addAttachment().
         if (RichText::attachmentName(name) != name) continue;
         const auto found = text.attachments.find(name);
-        std::error_code ignored;
         if (found != text.attachments.end()) {
             files.emplace(name, found->second);
-        } else if (fs::is_regular_file(fs::symlink_status(path / name, ignored))) {
+        } else if (fs::is_regular_file(fs::symlink_status(path / name))) {
             files.emplace(name, readFile(path / name));
         }
     }

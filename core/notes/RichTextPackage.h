@@ -11,10 +11,11 @@ namespace lumnara {
 class RichTextPackage {
 public:
     /// Also reads a single file of rich text. Attachments that can't be read are missing in the result.
-    /// Nothing when there is no text that can be read.
+    /// Nothing where there is no rich text. Throws std::system_error when the disk fails, which says nothing
+    /// of what stands there.
     static std::optional<RichText> read(const std::filesystem::path& path);
 
-    /// Whether a read() would give anything, without reading it all.
+    /// Whether a read() would give anything, from the text's beginning. Throws as read() does.
     static bool isReadable(const std::filesystem::path& path);
 
     /// Replaces the folder as replaceFolder() does, with those attachments that the text shows. One whose

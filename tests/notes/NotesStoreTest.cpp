@@ -3,8 +3,9 @@
 #include "core/async/TestLoop.h"
 #include "core/base/Files.h"
 #include "core/notes/NoteMetaCodec.h"
-#include "tests/notes/InterruptedChild.h"
 #include "tests/notes/RichTexts.h"
+#include "tests/support/FileCalls.h"
+#include "tests/support/InterruptedChild.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <algorithm>
@@ -173,6 +174,38 @@ TEST(NotesStore, ADamagedBodyReadsAsEmptyAndIsNotWrittenOver) {
     replaceFile(text, "{\\rtf1 {{\\NeXTGraphic secret}\\'ac}}");
     fs::create_symlink("../k.rtfd/TXT.rtf", notes.directory / "k.rtfd" / "secret");
     EXPECT_TRUE(notes.store.loadText("k").attachments.empty());
+}
+
+TEST(NotesStore, ABodyThatTheDiskDidNotGiveIsNotWrittenOver) {
+    NotesOnDisk notes;
+    const RichText old = withPicture("old ", "old bytes");
+    const RichText typed = RichText::plain("typed into what seemed empty");
+    notes.store.saveText("k", old);
+    const auto names = notes.names();
+    using testing::CallFault;
+    using testing::CallKind;
+    testing::FileCalls calls(notes.folder.path());
+    calls.run([&] {
+        calls.arm(CallFault{CallKind::open, 0, EIO});
+        EXPECT_EQ(notes.store.loadText("k"), RichText());
+        calls.arm(CallFault{CallKind::write, 0, ENOSPC});
+        EXPECT_THROW(notes.store.saveText("k", typed), NotesError);
+        EXPECT_EQ(notes.names(), names) << "it has its name again";
+        calls.disarm();
+        notes.store.saveText("k", typed);
+        EXPECT_EQ(notes.store.loadText("k"), typed);
+        EXPECT_EQ(readFile(notes.directory / "k.rtfd.corrupt-2026-01-05T09-00-00Z" / "pic ture.png"),
+                  "old bytes");
+        notes.store.saveText("k", old);
+        EXPECT_EQ(notes.names().size(), 2U);
+
+        // A reading that works clears the doubt.
+        calls.arm(CallFault{CallKind::read, 0, EIO});
+        EXPECT_EQ(notes.store.loadText("k"), RichText());
+        EXPECT_EQ(notes.store.loadText("k"), old);
+        notes.store.saveText("k", typed);
+        EXPECT_EQ(notes.names().size(), 2U);
+    });
 }
 
 /// Whether the child that runs it meets this failure.

@@ -1,4 +1,4 @@
-#include "tests/notes/InterruptedChild.h"
+#include "tests/support/InterruptedChild.h"
 
 #include <csignal>
 #include <cstddef>
