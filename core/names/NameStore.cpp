@@ -46,14 +46,30 @@ void NameStore::load() {
     try {
         file_ = std::make_shared<const NameStoreFile>(NameStoreCodec::decode(text, now));
     } catch (const std::exception&) {
-        moveAside(now);
+        recover(now);
     }
 }
 
-void NameStore::moveAside(Date now) {
-    recovered_ = freeAsidePath(url_, now);
-    std::error_code ignored;
-    std::filesystem::rename(url_, *recovered_, ignored);
+void NameStore::recover(Date now) {
+    try {
+        recovered_ = freeAsidePath(url_, now);
+    } catch (const std::system_error& error) {
+        loadError_ = NameStoreError::notLoaded(error.code().message());
+        return;
+    }
+    try {
+        moveDamagedAside();
+    } catch (const std::system_error&) {
+        damagedStays_ = true;
+    }
+}
+
+void NameStore::moveDamagedAside() {
+    std::error_code error;
+    std::filesystem::rename(url_, *recovered_, error);
+    if (error && error != std::errc::no_such_file_or_directory)
+        throw std::filesystem::filesystem_error("move aside", url_, *recovered_, error);
+    damagedStays_ = false;
 }
 
 std::shared_ptr<const NameStoreFile> NameStore::file() const {
@@ -223,6 +239,7 @@ void NameStore::write(Date now) {
     // Not set in memory, where it would look like a change to everyone who compares contents.
     NameStoreFile contents = *file();
     contents.updatedAt = now;
+    if (damagedStays_) moveDamagedAside();
     replaceFile(url_, NameStoreCodec::encode(contents));
     if (onSaved) onSaved();
 }

@@ -20,6 +20,7 @@ namespace lumnara {
 ///
 /// The store is healthy; or recovered, when a damaged file was moved aside and the store began empty; or
 /// not loaded, when the file couldn't be read: changes then live in memory only and the file stays as it is.
+/// A damaged file that can't be moved at once is moved before the first write, which fails without that.
 ///
 /// Any thread may read and change; the store is made, saved with saveNow() and destroyed on the main
 /// thread. It is written on a queue of its own, "com.lumnara.namestore". A pending write is dropped with
@@ -79,7 +80,8 @@ public:
 
 private:
     void load();
-    void moveAside(Date now);
+    void recover(Date now);
+    void moveDamagedAside();
     void changeRecord(std::string_view key, const std::function<void(DesktopRecord&)>& edit);
     // With the lock held.
     void changeLocked(const Edit& edit);
@@ -94,6 +96,8 @@ private:
     const double debounce_;
     std::optional<std::filesystem::path> recovered_;
     std::optional<NameStoreError> loadError_;
+    /// A damaged file still stands at `url_`. After the start only the queue looks at it.
+    bool damagedStays_ = false;
 
     mutable std::mutex lock_;
     std::shared_ptr<const NameStoreFile> file_;

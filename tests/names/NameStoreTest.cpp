@@ -2,9 +2,11 @@
 #include "core/async/TestLoop.h"
 #include "core/base/Files.h"
 #include "core/names/NameStoreCodec.h"
+#include "tests/support/FileCalls.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <atomic>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -157,6 +159,30 @@ TEST_F(NameStoreTest, DamageIsMovedAsideAndNamesAreSavedAgain) {
     const auto names = corruptFiles();
     for (std::size_t i = 0; i < damages.size(); ++i)
         EXPECT_EQ(readFile(url_.parent_path() / names[i]), damages[i]);
+}
+
+TEST_F(NameStoreTest, DamageThatCannotBeMovedAsideIsNotWrittenOver) {
+    put("{");
+    testing::FileCalls calls(folder_.path());
+    calls.run([&] {
+        calls.arm(testing::CallFault{testing::CallKind::rename, 0, ENOSPC, true});
+        const auto store = open();
+        ASSERT_TRUE(store->recoveredFromCorruptFile());
+        EXPECT_FALSE(store->loadError());
+        store->setRecord("U1", named("Mail"));
+        EXPECT_THROW(store->saveNow(), std::system_error);
+        EXPECT_EQ(readFile(url_), "{");
+
+        // Only the moving fails: then too nothing may take the file's place.
+        calls.arm(testing::CallFault{testing::CallKind::rename, 0, ENOSPC});
+        EXPECT_THROW(store->saveNow(), std::system_error);
+        EXPECT_EQ(readFile(url_), "{");
+
+        calls.disarm();
+        store->saveNow();
+        EXPECT_EQ(readFile(*store->recoveredFromCorruptFile()), "{");
+        EXPECT_EQ(onDisk().record("U1")->name, "Mail");
+    });
 }
 
 TEST_F(NameStoreTest, AFileThatCannotBeReadIsLeftAlone) {
