@@ -97,6 +97,22 @@ function(lumnara_session_tests)
     set_tests_properties(session PROPERTIES TIMEOUT 900 LABELS session)
 endfunction()
 
+# tests/faults/ kills and starves the stores of all rooms. What its tests and its benchmark share is the library
+# lumnara_faults.
+function(lumnara_fault_tests)
+    file(GLOB shared CONFIGURE_DEPENDS tests/faults/*.cpp)
+    set(tests ${shared})
+    list(FILTER shared EXCLUDE REGEX "Test\\.cpp$")
+    list(FILTER tests INCLUDE REGEX "Test\\.cpp$")
+    add_library(lumnara_faults STATIC ${shared})
+    target_link_libraries(lumnara_faults PUBLIC lumnara_flags lumnara_names lumnara_automation lumnara_notes
+        lumnara_tracking lumnara_linux lumnara_support nlohmann_json::nlohmann_json)
+    add_executable(test_faults ${tests})
+    target_link_libraries(test_faults PRIVATE lumnara_faults GTest::gtest_main)
+    add_test(NAME faults COMMAND test_faults)
+    set_tests_properties(faults PROPERTIES TIMEOUT 300)
+endfunction()
+
 # bench/<Group>Bench.cpp becomes bench_<group>; it prints a table and writes <group>.json.
 function(lumnara_benchmarks)
     file(GLOB sources CONFIGURE_DEPENDS bench/*Bench.cpp)
