@@ -139,15 +139,15 @@ private:
         Trial unharmed(kind, moment, filled);
         unharmed.run(std::nullopt);
         constexpr std::array errors = {ENOSPC, EIO, EACCES};
+        constexpr int forms = 2 * errors.size(); // each once and lasting
         for (std::size_t i = 0; i < callKindCount; ++i) {
             const auto call = static_cast<CallKind>(i);
             for (int number = 0; number < unharmed.count(call); ++number)
-                for (std::size_t form = 0; form < 2 * errors.size(); ++form)
-                    // Otherwise the calls of a kind take turns.
-                    if (isThorough_ ||
-                        form % errors.size() == static_cast<std::size_t>(number) % errors.size())
+                for (int form = 0; form < forms; ++form)
+                    if (isThorough_ || form == number % forms) // otherwise the calls of a kind take turns
                         fail(kind, moment, filled,
-                             {call, number, errors[form % errors.size()], form >= errors.size()});
+                             {call, number, errors[static_cast<std::size_t>(form) % errors.size()],
+                              form % 2 == 1});
         }
     }
 

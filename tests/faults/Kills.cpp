@@ -88,7 +88,7 @@ private:
     void killOne(int number) {
         begun_ = promised_ = found_;
         WritingChild child(data(), random_(), found_);
-        constexpr unsigned mostLines = 80;
+        constexpr unsigned mostLines = 60;
         for (unsigned left = random_() % mostLines; left > 0; --left) note(child.next());
         constexpr long mostNanoseconds = 4'000'000;
         const timespec moment{0, static_cast<long>(random_()) % mostNanoseconds};

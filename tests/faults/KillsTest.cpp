@@ -12,10 +12,12 @@ TEST(Kills, ACrashCostsNothingThatWasPromised) {
     const KillReport report = runKills(kills, 1);
     EXPECT_EQ(report.kills, kills);
     EXPECT_EQ(report.killsLost, 0) << fmt::format("{}", fmt::join(report.losses, "\n"));
+    int interrupted = 0;
     for (const KillTally& tally : report.stores) {
         EXPECT_GT(tally.promises, 0) << tally.store;
-        EXPECT_GT(tally.interrupted, 0) << tally.store;
+        interrupted += tally.interrupted;
     }
+    EXPECT_GT(interrupted, kills / 4);
 }
 
 } // namespace
