@@ -17,6 +17,17 @@ void printLosses(const std::vector<std::string>& losses) {
     for (const std::string& loss : losses) std::printf("  LOST %s\n", loss.c_str());
 }
 
+void killAtCalls(Report& report) {
+    const testing::KillReport killed = testing::runKillsAtCalls(1);
+    std::printf("  %-12s %8s %12s %6s\n", "store", "at calls", "interrupted", "lost");
+    for (const testing::KillTally& tally : killed.stores)
+        std::printf("  %-12s %8d %12d %6d\n", tally.store.c_str(), tally.kills, tally.interrupted,
+                    tally.lost);
+    printLosses(killed.losses);
+    report.add("kills_at_calls", killed.kills);
+    report.add("kills_at_calls_lost", killed.killsLost);
+}
+
 void kill(Report& report) {
     constexpr int kills = 300;
     constexpr unsigned seed = 2026;
@@ -47,6 +58,7 @@ void fail(Report& report) {
 int main() {
     lumnara::bench::Report report("faults");
     lumnara::bench::kill(report);
+    lumnara::bench::killAtCalls(report);
     lumnara::bench::fail(report);
     return 0;
 }

@@ -1,8 +1,10 @@
 #include "tests/faults/Kills.h"
 
 #include "core/async/PollLoop.h"
+#include "core/async/TestLoop.h"
 #include "tests/faults/Subjects.h"
 #include "tests/faults/Writer.h"
+#include "tests/support/InterruptedChild.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -64,6 +66,10 @@ private:
     int pipe_ = -1;
     pid_t process_ = -1;
 };
+
+void expectNothing(const std::string& left) {
+    if (!left.empty()) throw Damage("left behind: " + left);
+}
 
 class KillRun {
 public:
@@ -155,10 +161,6 @@ private:
         expectNothing(leftoversAndJournalIn(data()));
     }
 
-    static void expectNothing(const std::string& left) {
-        if (!left.empty()) throw Damage("left behind: " + left);
-    }
-
     fs::path data() const { return folder_->path() / "Lumnara"; }
 
     std::mt19937 random_;
@@ -170,7 +172,74 @@ private:
     KillReport report_;
 };
 
+/// One store, killed at each of its system calls.
+class StepwiseKills {
+public:
+    StepwiseKills(const SubjectKind& kind, int stride) : tally{.store = kind.name}, kind_(kind) {
+        const TemporaryFolder filled;
+        fill(filled / "Lumnara");
+        bool ended = false;
+        for (int step = 0; !ended; step += stride) {
+            const TemporaryFolder folder;
+            fs::copy(filled.path(), folder.path(), fs::copy_options::recursive);
+            const fs::path data = folder / "Lumnara";
+            ended = endsBeforeSystemCall(step, [&] {
+                async::TestLoop loop;
+                kind_.open(loop, data)->change(state + 1);
+            });
+            try {
+                check(data, ended);
+            } catch (const std::exception& damage) {
+                ++tally.lost;
+                losses.push_back(fmt::format("{} at call {}: {}", kind_.name, step, damage.what()));
+            }
+            ++tally.kills;
+        }
+        --tally.kills; // the last one came to its end
+    }
+
+    KillTally tally;
+    std::vector<std::string> losses;
+
+private:
+    static constexpr int state = 4;
+
+    void fill(const fs::path& data) {
+        async::TestLoop loop;
+        const auto subject = kind_.open(loop, data);
+        for (int k = 1; k <= state; ++k) subject->change(k);
+    }
+
+    void check(const fs::path& data, bool ended) {
+        async::TestLoop loop;
+        const int found = kind_.found(loop, data);
+        if (found != state + 1 && (ended || found != state)) throw Damage(fmt::format("state {}", found));
+        tally.interrupted += found == state;
+        kind_.open(loop, data);
+        expectNothing(leftoversIn(data));
+        kind_.open(loop, data)->change(found + 1);
+        if (kind_.found(loop, data) != found + 1) throw Damage("it doesn't go on");
+        expectNothing(leftoversAndJournalIn(data));
+    }
+
+    const SubjectKind& kind_;
+};
+
 } // namespace
+
+KillReport runKillsAtCalls(int stride) {
+    const LogLines quiet;
+    KillReport report;
+    for (const SubjectKind& kind : subjectKinds()) {
+        if (kind.delay > 0) continue;
+        const StepwiseKills run(kind, stride);
+        report.stores.push_back(run.tally);
+        report.kills += run.tally.kills;
+        report.killsLost += run.tally.lost;
+        report.losses.insert(report.losses.end(), run.losses.begin(), run.losses.end());
+    }
+    return report;
+}
 
 KillReport runKills(int kills, unsigned seed) { return KillRun(kills, seed).report(); }
 

@@ -30,4 +30,9 @@ struct KillReport {
 /// then one begins anew.
 KillReport runKills(int kills, unsigned seed);
 
+/// Kills a process at a start and a change of each store that writes on its own thread, before each
+/// `stride`-th of its system calls in turn; what is then on disk has to be the state before or the one
+/// behind.
+KillReport runKillsAtCalls(int stride);
+
 } // namespace lumnara::testing

@@ -8,7 +8,7 @@ namespace lumnara::testing {
 namespace {
 
 TEST(Kills, ACrashCostsNothingThatWasPromised) {
-    constexpr int kills = 40;
+    constexpr int kills = 20;
     const KillReport report = runKills(kills, 1);
     EXPECT_EQ(report.kills, kills);
     EXPECT_EQ(report.killsLost, 0) << fmt::format("{}", fmt::join(report.losses, "\n"));
@@ -18,6 +18,15 @@ TEST(Kills, ACrashCostsNothingThatWasPromised) {
         interrupted += tally.interrupted;
     }
     EXPECT_GT(interrupted, kills / 4);
+}
+
+TEST(Kills, ACrashAtASystemCallLeavesTheOldOrTheNewState) {
+    const KillReport report = runKillsAtCalls(9);
+    EXPECT_EQ(report.killsLost, 0) << fmt::format("{}", fmt::join(report.losses, "\n"));
+    for (const KillTally& tally : report.stores) {
+        EXPECT_GT(tally.interrupted, 0) << tally.store;
+        EXPECT_GT(tally.kills, tally.interrupted) << tally.store;
+    }
 }
 
 } // namespace
