@@ -45,6 +45,7 @@ public:
 
 private:
     void answer(int listener);
+    bool isArmed() const;
     /// The error of the call; 0 to let it through.
     int errorOf(CallKind kind);
 
