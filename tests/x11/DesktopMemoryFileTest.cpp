@@ -50,6 +50,18 @@ TEST_F(DesktopMemoryFileTest, MovesADamagedFileAside) {
     }
 }
 
+TEST_F(DesktopMemoryFileTest, LeavesAFileAloneThatItCantRead) {
+    std::filesystem::create_symlink(path.filename(), path); // leads to itself
+    DesktopMemoryFile file(path);
+    EXPECT_EQ(file.load(now), std::vector<RememberedDesktop>{});
+    file.save({{"A", "mail"}});
+    EXPECT_TRUE(std::filesystem::is_symlink(path));
+    std::filesystem::remove(path);
+    EXPECT_EQ(file.load(now), std::vector<RememberedDesktop>{});
+    file.save({{"A", "mail"}});
+    EXPECT_EQ(file.load(now).size(), 1U);
+}
+
 TEST_F(DesktopMemoryFileTest, OutlivesAFolderThatCannotBeWritten) {
     replaceFile(folder / "plain", "");
     DesktopMemoryFile(folder / "plain" / "x.json").save({{"A", "mail"}});

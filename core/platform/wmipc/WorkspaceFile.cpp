@@ -70,6 +70,7 @@ std::vector<RegisteredDesktop> decode(const std::string& contents) {
 } // namespace
 
 std::optional<std::vector<RegisteredDesktop>> readWorkspaceFile(const std::filesystem::path& file, Date now) {
+    finishReplacement(file);
     const std::vector<RegisteredDesktop> none;
     std::string contents;
     try {
@@ -84,10 +85,11 @@ std::optional<std::vector<RegisteredDesktop>> readWorkspaceFile(const std::files
     } catch (const std::exception& damage) {
         try {
             log("Lumnara workspaces: moved aside to " + moveAside(file, now).string() + ": " + damage.what());
+            return none;
         } catch (const std::system_error& failure) {
             log("Lumnara workspaces: " + file.string() + " can't be used nor moved aside: " + failure.what());
+            return std::nullopt;
         }
-        return none;
     }
 }
 

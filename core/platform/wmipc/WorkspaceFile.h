@@ -14,7 +14,8 @@ namespace lumnara {
 // display in the order of their places.
 
 /// The desktops of a file, without ids; an empty list when there is no file. A damaged one is moved aside,
-/// and the list is empty. Nothing for one that can't be read: it may be whole, and must not be written over.
+/// and the list is empty. Nothing for one that can't be read, which may be whole, or that can't be moved: it
+/// must not be written over.
 std::optional<std::vector<RegisteredDesktop>> readWorkspaceFile(const std::filesystem::path& file, Date now);
 
 std::string encodeWorkspaceFile(const std::vector<RegisteredDesktop>& desktops);

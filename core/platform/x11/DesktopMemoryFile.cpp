@@ -32,32 +32,38 @@ std::vector<RememberedDesktop> decodedList(const std::string& text) {
     return desktops;
 }
 
-void moveDamagedAside(const std::filesystem::path& path, Date now) {
+/// False when it could not be moved.
+bool moveDamagedAside(const std::filesystem::path& path, Date now) {
     try {
         const auto kept = moveAside(path, now);
         log(fmt::format("Lumnara desktops: {} can't be decoded and was moved to {}", path.string(),
                         kept.string()));
+        return true;
     } catch (const std::system_error& error) {
         log(fmt::format("Lumnara desktops: {}", error.what()));
+        return false;
     }
 }
 
 } // namespace
 
-std::vector<RememberedDesktop> DesktopMemoryFile::load(Date now) const {
-    std::error_code ignored;
-    if (!std::filesystem::exists(path_, ignored)) return {};
+std::vector<RememberedDesktop> DesktopMemoryFile::load(Date now) {
+    finishReplacement(path_);
+    isLeftAlone_ = false;
     try {
+        if (!std::filesystem::exists(path_)) return {};
         return decodedList(readFile(path_));
     } catch (const nlohmann::json::exception&) {
-        moveDamagedAside(path_, now);
+        isLeftAlone_ = !moveDamagedAside(path_, now);
     } catch (const std::system_error& error) {
+        isLeftAlone_ = true;
         log(fmt::format("Lumnara desktops: {}", error.what()));
     }
     return {};
 }
 
 void DesktopMemoryFile::save(const std::vector<RememberedDesktop>& desktops) const {
+    if (isLeftAlone_) return;
     auto list = nlohmann::json::array();
     for (const auto& desktop : desktops) list.push_back(encoded(desktop));
     const nlohmann::json file{{"schemaVersion", 1}, {"desktops", std::move(list)}};

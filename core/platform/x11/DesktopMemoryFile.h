@@ -15,12 +15,13 @@ public:
     explicit DesktopMemoryFile(std::filesystem::path path) : path_(std::move(path)) {}
 
     /// Nothing remembered when there is no file or it can't be read. One that can't be decoded is moved
-    /// aside.
-    std::vector<RememberedDesktop> load(Date now) const;
+    /// aside. A file that can't be read or moved is left as it is: nothing is saved until the next load.
+    std::vector<RememberedDesktop> load(Date now);
     void save(const std::vector<RememberedDesktop>& desktops) const;
 
 private:
     std::filesystem::path path_;
+    bool isLeftAlone_ = false;
 };
 
 } // namespace lumnara
