@@ -5,6 +5,7 @@
 #include "core/switching/SessionState.h"
 
 #include <exception>
+#include <utility>
 
 namespace lumnara {
 
@@ -12,6 +13,8 @@ namespace {
 
 /// Seconds between two looks at whether the user is idle.
 constexpr double idlePeriod = 5;
+/// Seconds from the first sample to the writing of all that have come by then: a switch is over.
+constexpr double writeDelay = 0.3;
 
 /// Runs what a failure of the database must not stop; what is missing is one sample.
 template <class Write> void attempt(const Write& write) {
@@ -65,23 +68,39 @@ void TimeTracking::setRecording(bool on) {
         if (onSampleWanted) onSampleWanted();
     } else {
         idle_.stop();
+        write();
         attempt([this] { sampler_->closeCurrent(); });
     }
 }
 
 void TimeTracking::sample(const std::optional<Desktop>& focused) {
     if (!sampler_ || !*settings_.trackTime || !focused) return;
-    SamplerInput input{focused->key, focused->displayName(), focused->display.uuid, {}, {}};
+    taken_.push_back(
+        {focused->key, focused->displayName(), focused->display.uuid, idle_.isIdle(), loop_.date()});
+    if (!writing_) writing_.emplace(loop_, writeDelay, [this] { write(); });
+}
+
+/// The application is the one in front by now, which after a switch is the one that was switched to.
+void TimeTracking::write() {
+    writing_.reset();
+    const std::vector<Sample> taken = std::exchange(taken_, {});
+    if (taken.empty()) return;
     const auto app = platform_.workspace ? platform_.workspace->frontmostApplication() : std::nullopt;
-    if (app) {
-        input.appBundleID = app->bundleID;
-        if (!app->name.empty()) input.appName = app->name;
+    for (const Sample& sample : taken) {
+        SamplerInput input{sample.spaceKey, sample.spaceName, sample.displayUUID, {}, {}};
+        if (app) {
+            input.appBundleID = app->bundleID;
+            if (!app->name.empty()) input.appName = app->name;
+        }
+        clock_.sampled = sample.at;
+        attempt([&] { sampler_->record(input, sample.idle); });
     }
-    attempt([&] { sampler_->record(input, idle_.isIdle()); });
+    clock_.sampled.reset();
 }
 
 void TimeTracking::carryOut(SessionOp op, const std::optional<std::string>& name) {
     if (!sampler_) return;
+    write();
     switch (op) {
     case SessionOp::start: sampler_->startSession(name.value_or(defaultSessionName)); break;
     case SessionOp::pause: sampler_->pauseSession(); break;
@@ -90,6 +109,7 @@ void TimeTracking::carryOut(SessionOp op, const std::optional<std::string>& name
 }
 
 void TimeTracking::stop() {
+    write();
     if (sampler_) attempt([this] { sampler_->closeCurrent(); });
 }
 

@@ -19,6 +19,9 @@ namespace lumnara {
 /// Records where the user's time goes, while the setting is on: the database with its sampler, what tells
 /// that the user is idle or the screen locked, and the heartbeat. A database that can't be opened costs the
 /// recording and nothing else. What fails later loses one sample; the next one tries again. Main thread.
+///
+/// A sample holds for the moment at which it was taken and is written a little later: a transaction takes
+/// long enough to be felt in the midst of a switch.
 class TimeTracking {
 public:
     /// Repairs what a crash left open. The database lies in the folder. All outlive this object.
@@ -47,18 +50,40 @@ public:
     void stop();
 
 private:
+    /// Gives the moment of a sample while that is written, else the present one.
+    class SampleClock : public TrackingClock {
+    public:
+        explicit SampleClock(const async::Loop& loop) : loop_(loop) {}
+        Date now() const override { return sampled ? *sampled : loop_.date(); }
+        std::optional<Date> sampled;
+
+    private:
+        const async::Loop& loop_;
+    };
+    /// Where the user was.
+    struct Sample {
+        std::string spaceKey;
+        std::string spaceName;
+        std::string displayUUID;
+        bool idle = false;
+        Date at;
+    };
+
     void open(const std::filesystem::path& file);
     void setRecording(bool on);
+    void write();
 
     async::Loop& loop_;
     AppSettings& settings_;
     Platform& platform_;
     IdleMonitor idle_;
     std::optional<TrackingStore> store_;
-    SystemClock clock_;
+    SampleClock clock_;
     std::optional<UsageSampler> sampler_;
     std::optional<std::string> failure_;
     std::optional<async::Repeating> heartbeat_;
+    std::vector<Sample> taken_;
+    std::optional<async::Delayed> writing_;
     std::vector<async::Subscription> settingsChanged_;
 };
 
