@@ -37,6 +37,8 @@ enum class WindowSystem { x11, sway };
 /// Names the platform to run on where it isn't to be chosen: "simulated".
 constexpr const char* platformVariable = "LUMNARA_PLATFORM";
 constexpr const char* simulatedPlatform = "simulated";
+/// How long a session that has just begun may take to bring its window manager up, in seconds.
+constexpr double windowManagerPatience = 3;
 
 /// Whether the user asks for the simulated Mac. Throws for a platform that can't be asked for.
 bool wantsSimulation(const Environment& environment) {
@@ -51,10 +53,13 @@ bool wantsSimulation(const Environment& environment) {
 /// finds none would end the program without a word.
 WindowSystem chooseWindowSystem(const Environment& environment) {
     // The screens of the simulated Mac are drawn where they are, which only X lets a window do.
-    if (!wantsSimulation(environment) && environment.get("WAYLAND_DISPLAY") && swayAnswers(environment))
+    const bool simulates = wantsSimulation(environment);
+    if (!simulates && environment.get("WAYLAND_DISPLAY") && swayAnswers(environment))
         return WindowSystem::sway;
     async::PollLoop probe;
-    X11Session(probe, environment);
+    const X11Session x11(probe, environment);
+    if (!simulates)
+        probe.runUntil([&] { return x11.ewmhWindowManager().has_value(); }, windowManagerPatience);
     return WindowSystem::x11;
 }
 

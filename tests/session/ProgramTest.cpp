@@ -223,6 +223,16 @@ TEST(Program, RunsOnASimulatedMacWhereNoWindowManagerKnowsDesktops) {
         << "what it learns there is kept apart";
 }
 
+TEST(Program, WaitsForAWindowManagerThatIsYetToCome) {
+    XSession session(WindowManager::none);
+    const Program program(session);
+    const auto child = session.start({LUMNARA_PROGRAM});
+    session.startWindowManager(WindowManager::openbox);
+    EXPECT_TRUE(waitUntil([&] { return program.count("Lumnara: ready on Openbox") == 1; })) << program.log();
+    child->send(SIGTERM);
+    EXPECT_EQ(child->waitForExit(), 0);
+}
+
 TEST(Program, SetsADamagedFileAsideAndGoesOn) {
     XSession session(WindowManager::openbox);
     Program program(session);
