@@ -21,7 +21,7 @@ public:
     /// the Mac, which has no screens yet, outlive the window.
     SimulatedMacWindow(async::Loop& loop, SimulatedMac& mac);
 
-    /// Offers the jobs too, which outlive their arranger no longer than the window.
+    /// Offers the jobs too. The arranger lives for as long as the loop turns.
     void offerJobs(DesktopArranger& arranger);
 
     std::function<void()> onClosed;
