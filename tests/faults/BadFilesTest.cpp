@@ -178,7 +178,9 @@ TEST_F(BadFilesTest, AFileThatCannotBeReadIsToldAndLeftAlone) {
                 if (obstacle == Obstacle::noPermission) calls.arm(CallFault{CallKind::open, 0, EACCES, true});
                 EXPECT_FALSE(toldByStart(kind).empty());
                 // A pomodoro is no more than a reminder: another one may take the place of a file.
-                if (file.store != std::string_view("pomodoro")) EXPECT_TRUE(refusesChange(kind, 3));
+                if (file.store != std::string_view("pomodoro")) {
+                    EXPECT_TRUE(refusesChange(kind, 3));
+                }
                 calls.disarm();
                 EXPECT_TRUE(movedAside().empty());
                 const fs::file_type expected[] = {fs::file_type::directory, fs::file_type::symlink,
@@ -188,7 +190,9 @@ TEST_F(BadFilesTest, AFileThatCannotBeReadIsToldAndLeftAlone) {
                     fs::remove(path);
                     fs::rename(data / "kept", path);
                 }
-                if (file.store != std::string_view("pomodoro")) EXPECT_EQ(readFile(path), before);
+                if (file.store != std::string_view("pomodoro")) {
+                    EXPECT_EQ(readFile(path), before);
+                }
                 EXPECT_FALSE(refusesChange(kind, 3));
                 EXPECT_EQ(kind.found(loop, data), 3);
             });
