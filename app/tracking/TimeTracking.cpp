@@ -75,25 +75,25 @@ void TimeTracking::setRecording(bool on) {
 
 void TimeTracking::sample(const std::optional<Desktop>& focused) {
     if (!sampler_ || !*settings_.trackTime || !focused) return;
-    taken_.push_back(
-        {focused->key, focused->displayName(), focused->display.uuid, idle_.isIdle(), loop_.date()});
+    taken_.push_back({{focused->key, focused->displayName(), focused->display.uuid, {}, {}},
+                      idle_.isIdle(),
+                      loop_.date()});
     if (!writing_) writing_.emplace(loop_, writeDelay, [this] { write(); });
 }
 
 /// The application is the one in front by now, which after a switch is the one that was switched to.
 void TimeTracking::write() {
     writing_.reset();
-    const std::vector<Sample> taken = std::exchange(taken_, {});
+    std::vector<Sample> taken = std::exchange(taken_, {});
     if (taken.empty()) return;
     const auto app = platform_.workspace ? platform_.workspace->frontmostApplication() : std::nullopt;
-    for (const Sample& sample : taken) {
-        SamplerInput input{sample.spaceKey, sample.spaceName, sample.displayUUID, {}, {}};
+    for (Sample& sample : taken) {
         if (app) {
-            input.appBundleID = app->bundleID;
-            if (!app->name.empty()) input.appName = app->name;
+            sample.input.appBundleID = app->bundleID;
+            if (!app->name.empty()) sample.input.appName = app->name;
         }
         clock_.sampled = sample.at;
-        attempt([&] { sampler_->record(input, sample.idle); });
+        attempt([&] { sampler_->record(sample.input, sample.idle); });
     }
     clock_.sampled.reset();
 }

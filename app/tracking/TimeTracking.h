@@ -34,7 +34,6 @@ public:
     UsageSampler* sampler() { return sampler_ ? &*sampler_ : nullptr; }
     /// Why there is no database, as a sentence.
     const std::optional<std::string>& failure() const { return failure_; }
-    bool isIdle() const { return idle_.isIdle(); }
 
     /// What the user does may have changed in a way that no reading of the desktops tells: set once, before
     /// start().
@@ -51,20 +50,15 @@ public:
 
 private:
     /// Gives the moment of a sample while that is written, else the present one.
-    class SampleClock : public TrackingClock {
+    class SampleClock : public SystemClock {
     public:
-        explicit SampleClock(const async::Loop& loop) : loop_(loop) {}
-        Date now() const override { return sampled ? *sampled : loop_.date(); }
+        using SystemClock::SystemClock;
+        Date now() const override { return sampled ? *sampled : SystemClock::now(); }
         std::optional<Date> sampled;
-
-    private:
-        const async::Loop& loop_;
     };
-    /// Where the user was.
+    /// Where the user was; the application is still to be asked for.
     struct Sample {
-        std::string spaceKey;
-        std::string spaceName;
-        std::string displayUUID;
+        SamplerInput input;
         bool idle = false;
         Date at;
     };
