@@ -19,8 +19,6 @@ public:
     /// Is told what goes on and what came of it.
     std::function<void(const std::string&)> onStatus;
 
-    bool isRunning() const { return isRunning_; }
-
     /// Brings the Spaces of the display into the opposite order.
     void reverse(const std::string& display);
     /// Removes the last desktop of the display.

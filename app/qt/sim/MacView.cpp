@@ -24,7 +24,6 @@ constexpr int margin = 20;
 constexpr double heightToWidth = 0.625;
 /// Slow enough for an animation.
 constexpr double userSwipeSpeed = 300;
-constexpr const char* missionControl = "/System/Applications/Mission Control.app";
 
 } // namespace
 
@@ -170,7 +169,7 @@ void MacView::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-void MacView::openMissionControl() { mac_.openFile(missionControl); }
+void MacView::openMissionControl() { mac_.openFile(SimulatedMac::missionControlApplication); }
 
 void MacView::swipe(bool toTheRight) {
     for (const ScreenPicture& screen : picture_.screens)

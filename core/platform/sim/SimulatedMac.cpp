@@ -174,7 +174,7 @@ void SimulatedMac::warpPointer(Point to) {
 }
 
 bool SimulatedMac::openFile(std::string_view path) {
-    if (path != "/System/Applications/Mission Control.app") return false;
+    if (path != missionControlApplication) return false;
     if (!dock_.isAway()) missionControl_.toggle();
     return true;
 }

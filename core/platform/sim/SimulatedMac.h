@@ -86,6 +86,7 @@ public:
     void input(const SyntheticEvent& event);
     /// The user lets go of the button, or clicks where the pointer is.
     void click();
+    static constexpr std::string_view missionControlApplication = "/System/Applications/Mission Control.app";
     /// Opens an application, as far as this Mac has it: Mission Control. False for all else.
     bool openFile(std::string_view path);
     /// Sets a key in another program's settings; nothing takes it away.
