@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/AppSettings.h"
-#include "app/LinkedSwitching.h"
-#include "app/Notices.h"
 #include "app/SwitchEngines.h"
+#include "app/links/LinkedSwitching.h"
+#include "app/overlay/Notices.h"
+#include "app/settings/AppSettings.h"
 #include "app/tracking/TimeTracking.h"
 #include "core/async/Loop.h"
 #include "core/async/Signal.h"

@@ -1,6 +1,6 @@
 #include "app/SwitchEngines.h"
 
-#include "core/switching/SessionState.h"
+#include "core/platform/mac/engines/SessionState.h"
 #include "core/switching/SwitchVerifier.h"
 
 namespace lumnara {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "app/AppSettings.h"
+#include "app/settings/AppSettings.h"
 #include "core/async/Signal.h"
 #include "core/platform/Platform.h"
-#include "core/switching/DockSwipeEngine.h"
-#include "core/switching/HelperWindowEngine.h"
+#include "core/platform/mac/engines/DockSwipeEngine.h"
+#include "core/platform/mac/engines/HelperWindowEngine.h"
 #include "core/switching/SpaceSwitcher.h"
 #include "core/switching/WindowManagerEngine.h"
 

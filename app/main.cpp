@@ -1,14 +1,14 @@
 // Chooses the platform that the session offers, builds AppState on it, then the surfaces.
 
-#include "app/AppSettings.h"
 #include "app/AppState.h"
 #include "app/qt/QtDriver.h"
 #include "app/qt/Surfaces.h"
 #include "app/qt/sim/SimulatedMacWindow.h"
+#include "app/settings/AppSettings.h"
 #include "core/async/PollLoop.h"
 #include "core/base/Log.h"
-#include "core/platform/LiveSpaceProvider.h"
-#include "core/platform/WindowManagerError.h"
+#include "core/platform/ewmh/X11Platform.h"
+#include "core/platform/i3sway/WmIpcPlatform.h"
 #include "core/platform/linux/AutostartEntry.h"
 #include "core/platform/linux/BusNotifications.h"
 #include "core/platform/linux/FolderLock.h"
@@ -16,9 +16,9 @@
 #include "core/platform/linux/LoginSession.h"
 #include "core/platform/linux/SystemActionExecutor.h"
 #include "core/platform/linux/TerminationSignals.h"
+#include "core/platform/linux/WindowManagerError.h"
 #include "core/platform/linux/XdgFolders.h"
-#include "core/platform/wmipc/WmIpcPlatform.h"
-#include "core/platform/x11/X11Platform.h"
+#include "core/platform/mac/server/LiveSpaceProvider.h"
 #include "core/text/Text.h"
 
 #include <QApplication>

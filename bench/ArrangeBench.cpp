@@ -4,7 +4,7 @@
 // to.
 
 #include "bench/Bench.h"
-#include "core/missioncontrol/ReorderPlan.h"
+#include "core/arranging/ReorderPlan.h"
 #include "core/model/SpaceSnapshot.h"
 #include "tests/session/ArrangerSession.h"
 #include "tests/simruns/ArrangeRun.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/platform/wmipc/IpcFrames.h"
-#include "core/platform/wmipc/IpcReplies.h"
+#include "core/platform/i3sway/IpcFrames.h"
+#include "core/platform/i3sway/IpcReplies.h"
 
 #include <algorithm>
 #include <cstring>

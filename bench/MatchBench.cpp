@@ -1,10 +1,10 @@
 // What a keystroke in the Board costs: the query made canonical, every phrase scored, the list in order.
 
 #include "bench/Bench.h"
+#include "core/matching/FuzzyMatcher.h"
 #include "core/text/Text.h"
-#include "core/voice/FuzzyMatcher.h"
+#include "tests/matching/PlainMatcher.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/voice/PlainMatcher.h"
 
 #include <cstdlib>
 #include <fstream>

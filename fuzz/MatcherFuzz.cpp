@@ -3,7 +3,7 @@
 // The first byte chooses the context; the rest is cut at newlines. The first line is the query, each further
 // one a desktop, whose phrases lie between tabs. A line's length decides its number and place.
 
-#include "tests/voice/MatcherComparison.h"
+#include "tests/matching/MatcherComparison.h"
 
 #include <cstdio>
 #include <cstdlib>

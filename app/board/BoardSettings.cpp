@@ -1,6 +1,6 @@
 #include "app/board/BoardSettings.h"
 
-#include "app/AppSettings.h"
+#include "app/settings/AppSettings.h"
 #include "core/text/Text.h"
 
 namespace lumnara {

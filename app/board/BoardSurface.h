@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/DesktopMenuItem.h"
 #include "app/board/KeyPress.h"
+#include "app/menu/DesktopMenuItem.h"
 #include "core/model/Geometry.h"
-#include "core/platform/Screens.h"
+#include "core/seams/Screens.h"
 
 #include <functional>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "app/board/QuickSwitcherController.h"
 
 #include "app/board/BoardKeyTable.h"
-#include "app/board/TileMenu.h"
+#include "app/menu/TileMenu.h"
 #include "core/base/Log.h"
 #include "core/text/Text.h"
 

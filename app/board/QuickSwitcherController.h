@@ -1,11 +1,11 @@
 #pragma once
 
 #include "app/AppState.h"
-#include "app/DesktopMenuCommands.h"
 #include "app/board/BoardSettings.h"
 #include "app/board/BoardSurface.h"
 #include "app/board/QuickSwitcherModel.h"
-#include "core/platform/GlobalShortcuts.h"
+#include "app/menu/DesktopMenuCommands.h"
+#include "core/seams/GlobalShortcuts.h"
 
 #include <functional>
 #include <memory>

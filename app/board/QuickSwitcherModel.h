@@ -3,8 +3,8 @@
 #include "app/board/BoardSettings.h"
 #include "core/async/Signal.h"
 #include "core/catalog/DesktopCatalog.h"
+#include "core/matching/FuzzyMatcher.h"
 #include "core/model/Geometry.h"
-#include "core/voice/FuzzyMatcher.h"
 
 #include <functional>
 #include <optional>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/catalog/Desktop.h"
-#include "core/platform/Screens.h"
+#include "core/seams/Screens.h"
 
 #include <functional>
 #include <memory>

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "app/AppSettings.h"
-#include "app/Notices.h"
+#include "app/overlay/Notices.h"
 #include "app/overlay/OverlaySurface.h"
+#include "app/settings/AppSettings.h"
 #include "core/async/Loop.h"
 #include "core/async/Signal.h"
 #include "core/async/Timer.h"
 #include "core/catalog/DesktopCatalog.h"
-#include "core/platform/Screens.h"
+#include "core/seams/Screens.h"
 #include "core/switching/SwitchSettle.h"
 
 #include <functional>

@@ -1,11 +1,11 @@
 #include "app/qt/Surfaces.h"
 
-#include "app/qt/OverlayWindow.h"
-#include "app/qt/WindowSystem.h"
-#include "app/qt/settings/AutomationsPage.h"
+#include "app/qt/automation/AutomationsPage.h"
+#include "app/qt/overlay/OverlayWindow.h"
 #include "app/qt/settings/GeneralPage.h"
-#include "app/qt/settings/TimePage.h"
-#include "core/platform/Screens.h"
+#include "app/qt/tracking/TimePage.h"
+#include "app/qt/windows/WindowSystem.h"
+#include "core/seams/Screens.h"
 #include "core/text/Text.h"
 
 #include <QApplication>

@@ -1,15 +1,15 @@
 #pragma once
 
 #include "app/AppState.h"
-#include "app/DesktopMenuCommands.h"
 #include "app/board/QuickSwitcherController.h"
+#include "app/menu/DesktopMenuCommands.h"
 #include "app/overlay/SwitchOverlayController.h"
-#include "app/qt/BoardWindows.h"
-#include "app/qt/LayerShell.h"
-#include "app/qt/NoticeWindow.h"
-#include "app/qt/RenameDialog.h"
-#include "app/qt/TrayIcon.h"
+#include "app/qt/board/BoardWindows.h"
+#include "app/qt/menu/RenameDialog.h"
+#include "app/qt/menu/TrayIcon.h"
+#include "app/qt/overlay/NoticeWindow.h"
 #include "app/qt/settings/SettingsWindow.h"
+#include "app/qt/windows/LayerShell.h"
 #include "app/tracking/TrackingPage.h"
 #include "core/automation/AutomationEditor.h"
 

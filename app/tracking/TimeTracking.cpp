@@ -2,7 +2,7 @@
 
 #include "core/base/Failure.h"
 #include "core/base/Log.h"
-#include "core/switching/SessionState.h"
+#include "core/platform/mac/engines/SessionState.h"
 
 #include <exception>
 #include <utility>

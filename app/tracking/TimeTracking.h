@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/AppSettings.h"
+#include "app/settings/AppSettings.h"
 #include "core/async/Timer.h"
 #include "core/automation/Automation.h"
 #include "core/catalog/Desktop.h"

@@ -1,7 +1,7 @@
 #include "core/automation/AutomationCodec.h"
 
 #include "core/automation/AutomationStoreError.h"
-#include "core/model/StrictJson.h"
+#include "core/base/StrictJson.h"
 
 #include <array>
 #include <cmath>

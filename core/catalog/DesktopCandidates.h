@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/catalog/Desktop.h"
-#include "core/voice/Candidate.h"
+#include "core/matching/Candidate.h"
 
 #include <vector>
 

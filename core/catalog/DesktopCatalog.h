@@ -7,8 +7,8 @@
 #include "core/catalog/DisplayLinkMode.h"
 #include "core/catalog/LinkCandidates.h"
 #include "core/model/SpaceProvider.h"
-#include "core/model/WorkspaceEvent.h"
 #include "core/names/NameStore.h"
+#include "core/seams/WorkspaceEvent.h"
 
 #include <exception>
 #include <functional>

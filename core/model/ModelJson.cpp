@@ -1,6 +1,6 @@
 #include "core/model/ModelJson.h"
 
-#include "core/model/StrictJson.h"
+#include "core/base/StrictJson.h"
 
 #include <fmt/core.h>
 #include <nlohmann/json.hpp>

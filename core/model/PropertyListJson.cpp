@@ -1,5 +1,5 @@
+#include "core/base/StrictJson.h"
 #include "core/model/PropertyList.h"
-#include "core/model/StrictJson.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,8 +1,8 @@
 #include "core/names/NameRules.h"
 
+#include "core/matching/FuzzyMatcher.h"
+#include "core/matching/Normalizer.h"
 #include "core/text/Text.h"
-#include "core/voice/FuzzyMatcher.h"
-#include "core/voice/Normalizer.h"
 
 #include <algorithm>
 

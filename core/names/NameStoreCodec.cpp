@@ -1,6 +1,6 @@
 #include "core/names/NameStoreCodec.h"
 
-#include "core/model/StrictJson.h"
+#include "core/base/StrictJson.h"
 #include "core/names/NameStoreError.h"
 #include "core/text/Utf8.h"
 

@@ -1,6 +1,6 @@
 #include "core/notes/NoteMetaCodec.h"
 
-#include "core/model/StrictJson.h"
+#include "core/base/StrictJson.h"
 
 #include <algorithm>
 #include <array>

@@ -1,18 +1,18 @@
 #pragma once
 
-#include "core/platform/Accessibility.h"
-#include "core/platform/DesktopArranger.h"
-#include "core/platform/DesktopNamePublisher.h"
-#include "core/platform/EventServices.h"
-#include "core/platform/GlobalShortcuts.h"
-#include "core/platform/IdleSource.h"
-#include "core/platform/OwnApplication.h"
-#include "core/platform/Preferences.h"
-#include "core/platform/Screens.h"
-#include "core/platform/SessionProbe.h"
-#include "core/platform/SpaceActivator.h"
-#include "core/platform/WindowServer.h"
-#include "core/platform/Workspace.h"
+#include "core/arranging/DesktopArranger.h"
+#include "core/seams/Accessibility.h"
+#include "core/seams/DesktopNamePublisher.h"
+#include "core/seams/EventServices.h"
+#include "core/seams/GlobalShortcuts.h"
+#include "core/seams/IdleSource.h"
+#include "core/seams/OwnApplication.h"
+#include "core/seams/Preferences.h"
+#include "core/seams/Screens.h"
+#include "core/seams/SessionProbe.h"
+#include "core/seams/SpaceActivator.h"
+#include "core/seams/WindowServer.h"
+#include "core/seams/Workspace.h"
 
 #include <memory>
 #include <string>

@@ -1,6 +1,6 @@
 #include "core/switching/SwitchHistory.h"
 
-#include "core/model/StrictJson.h"
+#include "core/base/StrictJson.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/model/SpaceProvider.h"
-#include "core/platform/SpaceActivator.h"
+#include "core/seams/SpaceActivator.h"
 #include "core/switching/SpaceSwitching.h"
 
 namespace lumnara {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/async/Timer.h"
-#include "core/platform/IdleSource.h"
+#include "core/seams/IdleSource.h"
 
 #include <functional>
 #include <optional>

@@ -5,7 +5,7 @@
 #include "core/base/Log.h"
 #include "core/model/SpaceKitError.h"
 #include "core/platform/Platform.h"
-#include "core/platform/WindowManagerError.h"
+#include "core/platform/linux/WindowManagerError.h"
 #include "tests/automation/RecordingExecutor.h"
 #include "tests/support/MemoryDefaultsStore.h"
 #include "tests/support/ScriptedProvider.h"

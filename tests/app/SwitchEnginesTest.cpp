@@ -1,6 +1,6 @@
 #include "app/AppState.h"
 #include "core/async/TestLoop.h"
-#include "core/platform/LiveSpaceProvider.h"
+#include "core/platform/mac/server/LiveSpaceProvider.h"
 #include "core/platform/sim/SampleMac.h"
 #include "tests/automation/RecordingExecutor.h"
 #include "tests/support/LogLines.h"

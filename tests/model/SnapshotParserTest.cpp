@@ -1,9 +1,9 @@
 #include "core/model/SnapshotParser.h"
 #include "core/base/Files.h"
+#include "core/base/StrictJson.h"
 #include "core/model/PropertyList.h"
 #include "core/model/SnapshotSpaceProvider.h"
 #include "core/model/SpaceKitError.h"
-#include "core/model/StrictJson.h"
 #include "tests/model/LayoutFixture.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -1,7 +1,7 @@
 #include "core/model/SpaceSnapshot.h"
+#include "core/base/StrictJson.h"
 #include "core/model/ModelJson.h"
 #include "core/model/SpaceKitError.h"
-#include "core/model/StrictJson.h"
 #include "tests/model/Layouts.h"
 
 #include <gtest/gtest.h>

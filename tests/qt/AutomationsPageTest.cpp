@@ -1,6 +1,6 @@
-#include "app/qt/settings/AutomationsPage.h"
+#include "app/qt/automation/AutomationsPage.h"
 
-#include "app/qt/Symbols.h"
+#include "app/qt/look/Symbols.h"
 #include "app/qt/settings/SettingsWindow.h"
 #include "core/base/Files.h"
 #include "tests/automation/RecordingExecutor.h"

@@ -1,4 +1,4 @@
-#include "app/qt/BoardLayout.h"
+#include "app/qt/board/BoardLayout.h"
 
 #include <gtest/gtest.h>
 

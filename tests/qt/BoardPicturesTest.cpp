@@ -1,4 +1,4 @@
-#include "app/qt/BoardPainter.h"
+#include "app/qt/board/BoardPainter.h"
 
 #include "core/catalog/DesktopAppearance.h"
 

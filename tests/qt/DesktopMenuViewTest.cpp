@@ -1,4 +1,4 @@
-#include "app/qt/DesktopMenuView.h"
+#include "app/qt/menu/DesktopMenuView.h"
 
 #include "tests/qt/OpenBoard.h"
 #include "tests/qt/Pictures.h"

@@ -1,4 +1,4 @@
-#include "app/qt/Keys.h"
+#include "app/qt/windows/Keys.h"
 
 #include <QKeyEvent>
 #include <gtest/gtest.h>

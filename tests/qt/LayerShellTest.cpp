@@ -1,6 +1,6 @@
-#include "app/qt/LayerShell.h"
+#include "app/qt/windows/LayerShell.h"
 
-#include "app/qt/LayerPicture.h"
+#include "app/qt/windows/LayerPicture.h"
 #include "core/async/TestLoop.h"
 
 #include <gtest/gtest.h>

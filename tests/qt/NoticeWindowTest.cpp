@@ -1,4 +1,4 @@
-#include "app/qt/NoticeWindow.h"
+#include "app/qt/overlay/NoticeWindow.h"
 
 #include "core/async/TestLoop.h"
 #include "tests/qt/Pictures.h"

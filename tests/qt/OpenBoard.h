@@ -2,7 +2,7 @@
 
 #include "app/board/BoardSurface.h"
 #include "app/board/QuickSwitcherModel.h"
-#include "app/qt/BoardView.h"
+#include "app/qt/board/BoardView.h"
 #include "core/async/TestLoop.h"
 #include "core/model/SnapshotSpaceProvider.h"
 #include "core/names/NameStore.h"

@@ -1,8 +1,8 @@
-#include "app/qt/OverlayWindow.h"
+#include "app/qt/overlay/OverlayWindow.h"
 
-#include "app/qt/BoardContent.h"
-#include "app/qt/NoticeWindow.h"
-#include "app/qt/Theme.h"
+#include "app/qt/board/BoardContent.h"
+#include "app/qt/look/Theme.h"
+#include "app/qt/overlay/NoticeWindow.h"
 #include "core/async/TestLoop.h"
 
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "app/qt/RenameDialog.h"
+#include "app/qt/menu/RenameDialog.h"
 
 #include "tests/qt/OpenBoard.h"
 #include "tests/qt/Pictures.h"

@@ -1,5 +1,5 @@
-#include "app/qt/Theme.h"
-#include "app/qt/Symbols.h"
+#include "app/qt/look/Theme.h"
+#include "app/qt/look/Symbols.h"
 #include "core/catalog/DesktopAppearance.h"
 
 #include <QImage>

@@ -1,4 +1,4 @@
-#include "app/qt/settings/TimePage.h"
+#include "app/qt/tracking/TimePage.h"
 
 #include "app/qt/settings/SettingsWindow.h"
 #include "core/async/TestLoop.h"

@@ -1,4 +1,4 @@
-#include "core/missioncontrol/DesktopRemoveError.h"
+#include "core/arranging/DesktopRemoveError.h"
 #include "tests/session/ArrangerSession.h"
 
 #include <random>

@@ -3,8 +3,8 @@
 #include "core/async/PollLoop.h"
 #include "core/async/Task.h"
 #include "core/model/SnapshotParser.h"
-#include "core/platform/WindowManagerError.h"
-#include "core/platform/x11/X11Platform.h"
+#include "core/platform/ewmh/X11Platform.h"
+#include "core/platform/linux/WindowManagerError.h"
 #include "tests/session/Session.h"
 
 #include <functional>

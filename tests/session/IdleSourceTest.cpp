@@ -1,7 +1,7 @@
 #include "core/async/PollLoop.h"
 #include "core/async/Timer.h"
-#include "core/platform/wmipc/SwayIdleSource.h"
-#include "core/platform/x11/X11Platform.h"
+#include "core/platform/ewmh/X11Platform.h"
+#include "core/platform/i3sway/SwayIdleSource.h"
 #include "tests/session/Session.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include "app/AppState.h"
-#include "app/DesktopMenuCommands.h"
+#include "app/menu/DesktopMenuCommands.h"
 #include "core/names/DisplayLink.h"
 #include "tests/automation/RecordingExecutor.h"
 #include "tests/session/IpcFixture.h"

@@ -1,6 +1,6 @@
 #include "core/platform/linux/LoginSession.h"
 #include "core/async/PollLoop.h"
-#include "core/switching/SessionState.h"
+#include "core/platform/mac/engines/SessionState.h"
 #include "tests/session/Session.h"
 
 #include <array>

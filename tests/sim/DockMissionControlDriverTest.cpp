@@ -1,5 +1,5 @@
-#include "core/missioncontrol/FrameArea.h"
-#include "core/missioncontrol/MissionControlSession.h"
+#include "core/platform/mac/missioncontrol/FrameArea.h"
+#include "core/platform/mac/missioncontrol/MissionControlSession.h"
 #include "tests/simruns/ArrangeStage.h"
 
 #include <array>

@@ -1,4 +1,4 @@
-#include "core/switching/SessionState.h"
+#include "core/platform/mac/engines/SessionState.h"
 #include "tests/sim/SimulatedSession.h"
 
 #include <algorithm>

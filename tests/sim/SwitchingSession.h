@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/switching/DockSwipeEngine.h"
-#include "core/switching/HelperWindowEngine.h"
-#include "core/switching/SessionState.h"
+#include "core/platform/mac/engines/DockSwipeEngine.h"
+#include "core/platform/mac/engines/HelperWindowEngine.h"
+#include "core/platform/mac/engines/SessionState.h"
 #include "core/switching/SpaceSwitcher.h"
 #include "tests/sim/SimulatedSession.h"
 #include "tests/switching/SwitchingTest.h"

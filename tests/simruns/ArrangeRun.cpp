@@ -1,6 +1,6 @@
 #include "tests/simruns/ArrangeRun.h"
 
-#include "core/missioncontrol/ReorderPlan.h"
+#include "core/arranging/ReorderPlan.h"
 #include "tests/simruns/ArrangeMishaps.h"
 
 #include <algorithm>

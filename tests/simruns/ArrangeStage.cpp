@@ -1,7 +1,7 @@
 #include "tests/simruns/ArrangeStage.h"
 
-#include "core/missioncontrol/FrameArea.h"
 #include "core/model/SpaceKitError.h"
+#include "core/platform/mac/missioncontrol/FrameArea.h"
 #include "tests/simruns/TwoScreens.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/async/TestLoop.h"
-#include "core/missioncontrol/MissionControlArranger.h"
-#include "core/platform/LiveSpaceProvider.h"
+#include "core/platform/mac/missioncontrol/MissionControlArranger.h"
+#include "core/platform/mac/server/LiveSpaceProvider.h"
 #include "core/platform/sim/SimulatedMac.h"
 #include "tests/simruns/DamagedAccessibility.h"
 #include "tests/simruns/WatchedDriver.h"

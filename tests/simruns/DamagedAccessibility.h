@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/platform/Accessibility.h"
+#include "core/seams/Accessibility.h"
 
 #include <functional>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/async/Loop.h"
-#include "core/missioncontrol/DockMissionControlDriver.h"
+#include "core/platform/mac/missioncontrol/DockMissionControlDriver.h"
 
 #include <functional>
 #include <optional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/platform/DefaultsStore.h"
+#include "core/seams/DefaultsStore.h"
 
 #include <functional>
 #include <map>

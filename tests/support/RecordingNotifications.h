@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/platform/UserNotifications.h"
+#include "core/seams/UserNotifications.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "app/qt/settings/SettingsCard.h"
 
-#include "app/qt/SecondaryLabel.h"
-#include "app/qt/Theme.h"
+#include "app/qt/look/SecondaryLabel.h"
+#include "app/qt/look/Theme.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>

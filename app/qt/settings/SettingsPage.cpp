@@ -1,6 +1,6 @@
 #include "app/qt/settings/SettingsPage.h"
 
-#include "app/qt/SecondaryLabel.h"
+#include "app/qt/look/SecondaryLabel.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/AppSettings.h"
+#include "app/settings/AppSettings.h"
 #include "app/settings/SettingRanges.h"
 #include "core/async/Signal.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "core/arranging/DesktopArranger.h"
 #include "core/async/Loop.h"
 #include "core/async/TaskHandle.h"
-#include "core/platform/DesktopArranger.h"
 #include "core/platform/sim/SimulatedMac.h"
 
 #include <functional>

@@ -1,7 +1,7 @@
 #include "app/qt/sim/MacPainter.h"
 
-#include "app/qt/TextFit.h"
-#include "app/qt/Theme.h"
+#include "app/qt/look/TextFit.h"
+#include "app/qt/look/Theme.h"
 
 #include <QLinearGradient>
 #include <QPainter>

@@ -1,9 +1,9 @@
 #include "app/qt/sim/MacView.h"
 
-#include "app/qt/Theme.h"
-#include "app/qt/WindowSystem.h"
+#include "app/qt/look/Theme.h"
 #include "app/qt/sim/MacPainter.h"
-#include "core/switching/GestureFields.h"
+#include "app/qt/windows/WindowSystem.h"
+#include "core/platform/mac/engines/GestureFields.h"
 
 #include <QCursor>
 #include <QEvent>

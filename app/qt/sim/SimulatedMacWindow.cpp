@@ -1,6 +1,6 @@
 #include "app/qt/sim/SimulatedMacWindow.h"
 
-#include "app/qt/Theme.h"
+#include "app/qt/look/Theme.h"
 #include "core/platform/sim/SampleMac.h"
 
 #include <QCloseEvent>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/platform/LoginItem.h"
+#include "core/seams/LoginItem.h"
 
 #include <filesystem>
 #include <string>

@@ -3,7 +3,7 @@
 #include "core/async/Loop.h"
 #include "core/async/Signal.h"
 #include "core/async/Timer.h"
-#include "core/platform/Environment.h"
+#include "core/platform/linux/Environment.h"
 
 #include <functional>
 #include <memory>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "core/async/Loop.h"
-#include "core/platform/Environment.h"
-#include "core/platform/UserNotifications.h"
 #include "core/platform/linux/Bus.h"
+#include "core/platform/linux/Environment.h"
+#include "core/seams/UserNotifications.h"
 
 #include <cstdint>
 #include <map>

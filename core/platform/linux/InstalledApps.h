@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/platform/Environment.h"
 #include "core/platform/linux/DesktopEntry.h"
+#include "core/platform/linux/Environment.h"
 
 #include <filesystem>
 #include <optional>

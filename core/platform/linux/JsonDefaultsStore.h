@@ -3,9 +3,9 @@
 #include "core/async/Loop.h"
 #include "core/async/Queue.h"
 #include "core/async/Timer.h"
-#include "core/platform/DefaultsStore.h"
 #include "core/platform/linux/FileWatch.h"
 #include "core/platform/linux/SettingsFileError.h"
+#include "core/seams/DefaultsStore.h"
 
 #include <filesystem>
 #include <memory>

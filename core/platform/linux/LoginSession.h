@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/platform/SessionProbe.h"
 #include "core/platform/linux/Bus.h"
+#include "core/seams/SessionProbe.h"
 
 #include <memory>
 #include <vector>

@@ -2,7 +2,7 @@
 
 #include "core/base/Files.h"
 #include "core/base/Log.h"
-#include "core/model/StrictJson.h"
+#include "core/base/StrictJson.h"
 
 #include <algorithm>
 #include <exception>

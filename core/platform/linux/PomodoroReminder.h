@@ -2,7 +2,7 @@
 
 #include "core/async/Task.h"
 #include "core/async/Timer.h"
-#include "core/platform/UserNotifications.h"
+#include "core/seams/UserNotifications.h"
 
 #include <filesystem>
 #include <memory>

@@ -2,13 +2,13 @@
 
 #include "core/async/Loop.h"
 #include "core/automation/ActionExecutor.h"
-#include "core/platform/Environment.h"
-#include "core/platform/UserNotifications.h"
-#include "core/platform/Workspace.h"
 #include "core/platform/linux/DetachedPrograms.h"
+#include "core/platform/linux/Environment.h"
 #include "core/platform/linux/InstalledApps.h"
 #include "core/platform/linux/PomodoroReminder.h"
 #include "core/platform/linux/ProcessRunner.h"
+#include "core/seams/UserNotifications.h"
+#include "core/seams/Workspace.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/platform/Environment.h"
+#include "core/platform/linux/Environment.h"
 
 #include <filesystem>
 

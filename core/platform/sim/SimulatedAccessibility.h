@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/platform/Accessibility.h"
 #include "core/platform/sim/SimulatedMac.h"
+#include "core/seams/Accessibility.h"
 
 namespace lumnara {
 

@@ -2,9 +2,9 @@
 
 #include "core/async/Signal.h"
 #include "core/async/Timer.h"
-#include "core/platform/Workspace.h"
 #include "core/platform/sim/SimulatedStage.h"
 #include "core/platform/sim/SimulatedWindows.h"
+#include "core/seams/Workspace.h"
 
 #include <cstdint>
 #include <map>

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "core/async/Timer.h"
-#include "core/platform/EventServices.h"
 #include "core/platform/sim/SimulatedMissionControl.h"
 #include "core/platform/sim/SimulatedPointer.h"
 #include "core/platform/sim/SimulatedStage.h"
+#include "core/seams/EventServices.h"
 
 #include <deque>
 #include <memory>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "core/model/PropertyList.h"
-#include "core/platform/Screens.h"
-#include "core/platform/WindowServer.h"
 #include "core/platform/sim/SimulatedRandom.h"
+#include "core/seams/Screens.h"
+#include "core/seams/WindowServer.h"
 
 #include <cstdint>
 #include <map>

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "core/async/Signal.h"
-#include "core/model/WorkspaceEvent.h"
 #include "core/platform/Platform.h"
-#include "core/platform/WindowServerCalls.h"
+#include "core/platform/mac/server/WindowServerCalls.h"
 #include "core/platform/sim/SimulatedApps.h"
 #include "core/platform/sim/SimulatedDock.h"
 #include "core/platform/sim/SimulatedFault.h"
@@ -11,6 +10,7 @@
 #include "core/platform/sim/SimulatedPointer.h"
 #include "core/platform/sim/SimulatedStage.h"
 #include "core/platform/sim/SimulatedWindows.h"
+#include "core/seams/WorkspaceEvent.h"
 
 #include <map>
 #include <optional>

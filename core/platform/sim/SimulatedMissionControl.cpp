@@ -1,6 +1,6 @@
 #include "core/platform/sim/SimulatedMissionControl.h"
 
-#include "core/platform/DisplayHelpers.h"
+#include "core/platform/mac/server/DisplayHelpers.h"
 
 #include <algorithm>
 #include <array>

@@ -2,12 +2,12 @@
 
 #include "core/async/Signal.h"
 #include "core/async/Timer.h"
-#include "core/platform/EventServices.h"
 #include "core/platform/sim/MissionControlPicture.h"
 #include "core/platform/sim/SimulatedPointer.h"
 #include "core/platform/sim/SimulatedSpacesBar.h"
 #include "core/platform/sim/SimulatedStage.h"
 #include "core/platform/sim/SimulatedWindows.h"
+#include "core/seams/EventServices.h"
 
 #include <functional>
 #include <map>

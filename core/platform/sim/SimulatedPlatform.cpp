@@ -1,8 +1,8 @@
-#include "core/missioncontrol/DockMissionControlDriver.h"
-#include "core/missioncontrol/MissionControlArranger.h"
-#include "core/platform/DisplayHelpers.h"
-#include "core/platform/LiveSpaceProvider.h"
-#include "core/platform/PrivateAPI.h"
+#include "core/platform/mac/missioncontrol/DockMissionControlDriver.h"
+#include "core/platform/mac/missioncontrol/MissionControlArranger.h"
+#include "core/platform/mac/server/DisplayHelpers.h"
+#include "core/platform/mac/server/LiveSpaceProvider.h"
+#include "core/platform/mac/server/PrivateAPI.h"
 #include "core/platform/sim/SimulatedAccessibility.h"
 
 #include <utility>

@@ -2,8 +2,8 @@
 
 #include "core/async/Signal.h"
 #include "core/async/Timer.h"
-#include "core/platform/EventServices.h"
 #include "core/platform/sim/SimulatedLayout.h"
+#include "core/seams/EventServices.h"
 
 #include <memory>
 

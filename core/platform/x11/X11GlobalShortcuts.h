@@ -1,9 +1,9 @@
 #pragma once
 
 #include "core/async/Timer.h"
-#include "core/platform/GlobalShortcuts.h"
 #include "core/platform/x11/X11Connection.h"
 #include "core/platform/x11/X11KeyboardMap.h"
+#include "core/seams/GlobalShortcuts.h"
 
 #include <map>
 #include <memory>

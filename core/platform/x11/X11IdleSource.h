@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/platform/IdleSource.h"
 #include "core/platform/x11/X11Connection.h"
+#include "core/seams/IdleSource.h"
 
 #include <memory>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/platform/KeyCode.h"
+#include "core/seams/KeyCode.h"
 
 #include <cstdint>
 #include <optional>

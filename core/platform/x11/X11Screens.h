@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/platform/Screens.h"
 #include "core/platform/x11/Edid.h"
 #include "core/platform/x11/X11Connection.h"
+#include "core/seams/Screens.h"
 
 #include <memory>
 #include <string>

@@ -1,6 +1,6 @@
 #include "core/platform/x11/X11Workspace.h"
 
-#include "core/platform/WindowManagerError.h"
+#include "core/platform/linux/WindowManagerError.h"
 
 #include <string>
 #include <utility>

@@ -1,0 +1,11 @@
+#include "core/platform/i3sway/IpcWorkspace.h"
+
+namespace lumnara {
+
+std::optional<RunningApp> IpcWorkspace::frontmostApplication() try {
+    return session_.ipc().ask(IpcType::tree, {}, parseFocusedApplication);
+} catch (const WindowManagerError&) {
+    return std::nullopt;
+}
+
+} // namespace lumnara

@@ -1,0 +1,114 @@
+#include "core/platform/i3sway/WorkspaceFile.h"
+
+#include "core/base/Files.h"
+#include "core/base/Log.h"
+#include "core/platform/i3sway/WorkspaceNames.h"
+
+#include <nlohmann/json.hpp>
+#include <set>
+#include <stdexcept>
+#include <system_error>
+
+namespace lumnara {
+
+namespace {
+
+using nlohmann::json;
+
+constexpr int workspaceSchema = 1;
+
+std::string textOf(const json& desktop, const char* name) {
+    const json& value = desktop.at(name);
+    if (!value.is_string()) throw std::runtime_error(std::string(name) + " is no text");
+    return value.get<std::string>();
+}
+
+std::vector<std::string> textsOf(const json& desktop, const char* name) {
+    std::vector<std::string> texts;
+    for (const json& each : desktop.at(name)) {
+        if (!each.is_string()) throw std::runtime_error(std::string("no text in ") + name);
+        texts.push_back(each.get<std::string>());
+    }
+    return texts;
+}
+
+RegisteredDesktop decodeDesktop(const json& desktop) {
+    for (const char* flag : {"kept", "nameOwed"})
+        if (!desktop.at(flag).is_boolean())
+            throw std::runtime_error(std::string(flag) + " is no truth value");
+    if (!desktop.at("lastSeen").is_number_unsigned()) throw std::runtime_error("lastSeen is no count");
+    return {.uuid = textOf(desktop, "uuid"),
+            .id = {},
+            .display = textOf(desktop, "display"),
+            .workspace = textOf(desktop, "workspace"),
+            .ownName = textOf(desktop, "ownName"),
+            .title = textOf(desktop, "title"),
+            .kept = desktop.at("kept").get<bool>(),
+            .added = desktop.value("added", false), // absent in older files
+            .lastSeen = desktop.at("lastSeen").get<std::uint64_t>(),
+            .asked = textsOf(desktop, "asked"),
+            .nameOwed = desktop.at("nameOwed").get<bool>()};
+}
+
+std::vector<RegisteredDesktop> decode(const std::string& contents) {
+    const json root = json::parse(contents);
+    if (root.at("schemaVersion") != json(workspaceSchema)) throw std::runtime_error("another schema");
+    std::vector<RegisteredDesktop> desktops;
+    std::set<std::string> seen;
+    for (const json& each : root.at("desktops")) {
+        RegisteredDesktop desktop = decodeDesktop(each);
+        const bool first = seen.insert("uuid " + desktop.uuid).second;
+        if (desktop.uuid.empty() || desktop.workspace.empty() || !first)
+            throw std::runtime_error("no identity");
+        // Two can't have one name; the one that is found second gets another when it is needed.
+        if (!seen.insert("name " + workspaceKey(desktop.workspace)).second) desktop.nameOwed = true;
+        desktops.push_back(std::move(desktop));
+    }
+    return desktops;
+}
+
+} // namespace
+
+std::optional<std::vector<RegisteredDesktop>> readWorkspaceFile(const std::filesystem::path& file, Date now) {
+    finishReplacement(file);
+    const std::vector<RegisteredDesktop> none;
+    std::string contents;
+    try {
+        if (!std::filesystem::exists(file)) return none;
+        contents = readFile(file);
+    } catch (const std::system_error& failure) {
+        log("Lumnara workspaces: " + file.string() + " is left as it is: " + failure.what());
+        return std::nullopt;
+    }
+    try {
+        return decode(contents);
+    } catch (const std::exception& damage) {
+        try {
+            log("Lumnara workspaces: moved aside to " + moveAside(file, now).string() + ": " + damage.what());
+            return none;
+        } catch (const std::system_error& failure) {
+            log("Lumnara workspaces: " + file.string() + " can't be used nor moved aside: " + failure.what());
+            return std::nullopt;
+        }
+    }
+}
+
+std::string encodeWorkspaceFile(const std::vector<RegisteredDesktop>& desktops) {
+    json list = json::array();
+    for (const RegisteredDesktop& desktop : desktops) {
+        list.push_back({{"uuid", desktop.uuid},
+                        {"display", desktop.display},
+                        {"workspace", desktop.workspace},
+                        {"ownName", desktop.ownName},
+                        {"title", desktop.title},
+                        {"kept", desktop.kept},
+                        {"added", desktop.added},
+                        {"lastSeen", desktop.lastSeen},
+                        {"asked", desktop.asked},
+                        {"nameOwed", desktop.nameOwed}});
+    }
+    const json root = {{"schemaVersion", workspaceSchema}, {"desktops", std::move(list)}};
+    return root.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
+}
+
+} // namespace lumnara
