@@ -120,7 +120,7 @@ void DesktopCatalog::rebuild() {
 std::vector<std::string> DesktopCatalog::displayNames() const {
     std::vector<std::string> names;
     for (const DisplaySpaces& display : (*snapshot)->displays) {
-        const auto name = provider_.displayName(display.display.uuid);
+        const auto name = display.name ? display.name : provider_.displayName(display.display.uuid);
         names.push_back(name ? *name : display.display.isMain() ? "All Displays" : "Display");
     }
     return names;
@@ -166,8 +166,11 @@ const Desktop* DesktopCatalog::currentDesktop(std::string_view displayUuid) cons
 }
 
 const Desktop* DesktopCatalog::focusedDesktop() const {
-    if (const auto menuBar = provider_.menuBarDisplay())
-        if (const Desktop* current = currentDesktop(menuBar->uuid)) return current;
+    const auto& reading = snapshot.get();
+    const auto focused =
+        reading && reading->focusedDisplay ? reading->focusedDisplay : provider_.menuBarDisplay();
+    if (focused)
+        if (const Desktop* current = currentDesktop(focused->uuid)) return current;
     return displays->empty() ? nullptr : displays->front().current();
 }
 

@@ -43,16 +43,20 @@ template <class T> json encodeModels(const std::vector<T>& values) {
 }
 
 json encodeModel(const DisplaySpaces& display) {
-    return {{"currentID", encodeModel(display.currentID)},
-            {"display", encodeModel(display.display)},
-            {"spaces", encodeModels(display.spaces)}};
+    json value = {{"currentID", encodeModel(display.currentID)},
+                  {"display", encodeModel(display.display)},
+                  {"spaces", encodeModels(display.spaces)}};
+    if (display.name) value["name"] = *display.name;
+    return value;
 }
 
 json encodeModel(const SpaceSnapshot& snapshot) {
     std::string takenAt = snapshot.takenAt.iso8601();
     const auto fraction = ((snapshot.takenAt.milliseconds % 1000) + 1000) % 1000;
     if (fraction != 0) takenAt.replace(takenAt.size() - 1, 1, fmt::format(".{:03}Z", fraction));
-    return {{"displays", encodeModels(snapshot.displays)}, {"takenAt", takenAt}};
+    json value = {{"displays", encodeModels(snapshot.displays)}, {"takenAt", takenAt}};
+    if (snapshot.focusedDisplay) value["focusedDisplay"] = encodeModel(*snapshot.focusedDisplay);
+    return value;
 }
 
 void decodeModel(const json& value, DisplayID& display) {
@@ -89,6 +93,7 @@ void decodeModel(const json& value, DisplaySpaces& display) {
     decodeModel(StrictJson::member(value, "display"), display.display);
     decodeModel(StrictJson::member(value, "spaces"), display.spaces);
     decodeModel(StrictJson::member(value, "currentID"), display.currentID);
+    if (const json* name = StrictJson::find(value, "name")) display.name = StrictJson::text(*name);
 }
 
 void decodeModel(const json& value, SpaceSnapshot& snapshot) {
@@ -96,6 +101,8 @@ void decodeModel(const json& value, SpaceSnapshot& snapshot) {
     const auto takenAt = Date::fromISO8601(StrictJson::text(StrictJson::member(value, "takenAt")));
     if (!takenAt) throw JsonError("\"takenAt\" is no ISO 8601 date");
     snapshot.takenAt = *takenAt;
+    if (const json* focused = StrictJson::find(value, "focusedDisplay"))
+        decodeModel(*focused, snapshot.focusedDisplay.emplace());
 }
 
 } // namespace

@@ -206,6 +206,7 @@ std::hash<lumnara::DisplaySpaces>::operator()(const lumnara::DisplaySpaces& spac
     for (const lumnara::Space& space : spaces.spaces)
         lumnara::combine(seed, std::hash<lumnara::Space>{}(space));
     lumnara::combine(seed, std::hash<lumnara::SpaceID>{}(spaces.currentID));
+    lumnara::combine(seed, std::hash<std::optional<std::string>>{}(spaces.name));
     return seed;
 }
 
@@ -214,5 +215,6 @@ std::hash<lumnara::SpaceSnapshot>::operator()(const lumnara::SpaceSnapshot& snap
     std::size_t seed = std::hash<std::int64_t>{}(snapshot.takenAt.milliseconds);
     for (const lumnara::DisplaySpaces& display : snapshot.displays)
         lumnara::combine(seed, std::hash<lumnara::DisplaySpaces>{}(display));
+    lumnara::combine(seed, std::hash<std::optional<lumnara::DisplayID>>{}(snapshot.focusedDisplay));
     return seed;
 }

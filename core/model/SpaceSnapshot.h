@@ -66,6 +66,8 @@ struct DisplaySpaces {
     std::vector<Space> spaces;
     /// The Space that the display is showing.
     SpaceID currentID;
+    /// The display's human name, where the reading tells it.
+    std::optional<std::string> name = std::nullopt;
 
     bool operator==(const DisplaySpaces&) const = default;
 };
@@ -86,6 +88,8 @@ struct SpaceSnapshot {
     /// In the window server's order.
     std::vector<DisplaySpaces> displays;
     Date takenAt;
+    /// The display that has the keyboard, where the reading tells it.
+    std::optional<DisplayID> focusedDisplay = std::nullopt;
 
     bool operator==(const SpaceSnapshot&) const = default;
 

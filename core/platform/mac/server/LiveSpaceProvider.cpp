@@ -3,7 +3,9 @@
 #include "core/model/SnapshotParser.h"
 #include "core/platform/mac/server/DisplayHelpers.h"
 #include "core/platform/mac/server/FullscreenOwnerResolver.h"
+#include "core/text/Text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace lumnara {
@@ -11,6 +13,7 @@ namespace lumnara {
 namespace {
 
 const DisplayID mainDisplay{"Main"};
+constexpr const char* allDisplays = "All Displays";
 
 } // namespace
 
@@ -20,7 +23,23 @@ SpaceSnapshot LiveSpaceProvider::snapshot() {
     if (resolvesFullscreenOwners)
         snapshot = FullscreenOwnerResolver::resolve(std::move(snapshot), windowServer_, workspace_);
     sharedMain_ = snapshot.isSharedMain();
+    nameDisplays(snapshot);
+    snapshot.focusedDisplay = menuBarDisplay();
     return snapshot;
+}
+
+void LiveSpaceProvider::nameDisplays(SpaceSnapshot& snapshot) {
+    if (sharedMain_) {
+        snapshot.displays.front().name = allDisplays;
+        return;
+    }
+    const auto screens = screens_.screens();
+    for (DisplaySpaces& shown : snapshot.displays) {
+        const auto screen = std::ranges::find_if(screens, [&](const ScreenInfo& candidate) {
+            return text::equalsIgnoringCase(candidate.uuid, shown.display.uuid);
+        });
+        if (screen != screens.end()) shown.name = screen->name;
+    }
 }
 
 std::optional<DisplayID> LiveSpaceProvider::menuBarDisplay() {
@@ -38,7 +57,7 @@ std::optional<DisplayID> LiveSpaceProvider::cursorDisplay() {
 }
 
 std::optional<std::string> LiveSpaceProvider::displayName(const std::string& uuid) {
-    if (DisplayID{uuid}.isMain()) return "All Displays";
+    if (DisplayID{uuid}.isMain()) return allDisplays;
     auto screen = DisplayHelpers::screen(screens_, uuid);
     if (!screen) return std::nullopt;
     return std::move(screen->name);

@@ -28,6 +28,8 @@ public:
     std::optional<std::string> displayName(const std::string& uuid) override;
 
 private:
+    void nameDisplays(SpaceSnapshot& snapshot);
+
     const async::Loop& loop_;
     WindowServer& windowServer_;
     Screens& screens_;
