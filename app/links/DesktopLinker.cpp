@@ -13,8 +13,6 @@ namespace lumnara {
 
 namespace {
 
-using LinkFailure = DesktopLinker::Failure;
-
 /// The displays but for the desktop's own, in display order.
 std::vector<DisplayDesktops> otherDisplays(const DesktopCatalog& catalog, const Desktop& desktop) {
     std::vector<DisplayDesktops> others = *catalog.displays;
@@ -38,10 +36,6 @@ const Desktop* unlinkedNamesake(const DisplayDesktops& display, const Desktop& d
 
 } // namespace
 
-DesktopLinker::Failure::Failure(Case which, std::string sentence)
-    : lumnara::Failure(std::move(sentence)),
-      which_(which) {}
-
 DesktopLinker::DesktopLinker(DesktopCatalog& catalog, DesktopCreator creator)
     : catalog_(catalog),
       creator_(std::move(creator)) {}
@@ -58,15 +52,13 @@ async::Task<std::string> DesktopLinker::carryOut(LinkRequest request) {
 /// The desktop as it is now. Throws notFound.
 const Desktop& DesktopLinker::live(const std::string& spaceKey) const {
     if (const Desktop* desktop = catalog_.desktopOfSpace(spaceKey)) return *desktop;
-    throw LinkFailure(LinkFailure::Case::notFound, "That desktop is not there any more.");
+    throw Failure(Failure::Case::notFound);
 }
 
 std::string DesktopLinker::link(const Desktop& requested, const std::string& spaceKey) {
     const Desktop first = live(requested.spaceKey);
     const Desktop second = live(spaceKey);
-    if (!catalog_.link(first.spaceKey, second.spaceKey))
-        throw LinkFailure(LinkFailure::Case::sameDisplay,
-                          "Two desktops of one display can't be linked. Choose one on another display.");
+    if (!catalog_.link(first.spaceKey, second.spaceKey)) throw Failure(Failure::Case::sameDisplay);
     log(fmt::format("Lumnara link: {} ({}) with {} on {}", first.displayName(),
                     DisplayLink::brief(first.spaceKey), DisplayLink::brief(second.spaceKey),
                     DisplayLink::brief(second.display.uuid)));
@@ -78,8 +70,7 @@ std::string DesktopLinker::link(const Desktop& requested, const std::string& spa
 async::Task<std::string> DesktopLinker::create(Desktop requested) {
     const Desktop desktop = live(requested.spaceKey);
     const std::vector<DisplayDesktops> others = otherDisplays(catalog_, desktop);
-    if (others.empty())
-        throw LinkFailure(LinkFailure::Case::noOtherDisplay, "There is no other display to link with.");
+    if (others.empty()) throw Failure(Failure::Case::noOtherDisplay);
 
     const auto contents = catalog_.store().file();
     for (const DisplayDesktops& other : others) {
@@ -94,28 +85,21 @@ async::Task<std::string> DesktopLinker::create(Desktop requested) {
                               namesake->displayName());
     }
 
-    if (!creator_)
-        throw LinkFailure(
-            LinkFailure::Case::cannotCreate,
-            "Lumnara can't add a desktop here. Add one on the other display, then link the two.");
+    if (!creator_) throw Failure(Failure::Case::cannotCreate);
     const DisplayID display = others.front().display;
     const std::optional<SpaceID> made = co_await creator_(display);
     catalog_.refresh();
     if (made)
         for (const Desktop& added : catalog_.desktops(display.uuid))
             if (added.space.id == *made) co_return link(desktop, added.spaceKey);
-    throw LinkFailure(LinkFailure::Case::notIdentified,
-                      "macOS added the desktop but Lumnara could not tell which one it is. Link it by hand "
-                      "from Settings, Desktops.");
+    throw Failure(Failure::Case::notIdentified);
 }
 
 std::string DesktopLinker::unlink(const Desktop& requested) {
     const Desktop desktop = live(requested.spaceKey);
     const auto contents = catalog_.store().file();
     const auto id = DisplayLink::groupOf(*contents, desktop.spaceKey);
-    if (!id)
-        throw LinkFailure(LinkFailure::Case::notLinked,
-                          fmt::format("“{}” is not linked to another desktop.", desktop.displayName()));
+    if (!id) throw Failure(Failure::Case::notLinked, desktop.displayName());
     const std::string other =
         DisplayLink::ordered(*DisplayLink::members(*contents, *id), desktop.spaceKey).front();
     catalog_.unlink(desktop.spaceKey, "unlinked by the user");

@@ -37,7 +37,7 @@ struct LinkRequest {
 class DesktopLinker {
 public:
     /// Why a request came to nothing.
-    class Failure : public lumnara::Failure {
+    class Failure : public FailureOf<Failure, std::string> {
     public:
         enum class Case {
             notFound,       ///< a desktop of the request isn't live any more
@@ -47,15 +47,21 @@ public:
             cannotCreate,   ///< this system can't add desktops
             notIdentified,  ///< a desktop was added, but it can't be told which
         };
-        Failure(Case which, std::string sentence);
+        static constexpr Sentence<Case> sentences[] = {
+            {Case::notFound, "That desktop is not there any more."},
+            {Case::sameDisplay,
+             "Two desktops of one display can't be linked. Choose one on another display."},
+            {Case::notLinked, "“{}” is not linked to another desktop."},
+            {Case::noOtherDisplay, "There is no other display to link with."},
+            {Case::cannotCreate,
+             "Lumnara can't add a desktop here. Add one on the other display, then link the two."},
+            {Case::notIdentified,
+             "macOS added the desktop but Lumnara could not tell which one it is. Link it by hand from "
+             "Settings, Desktops."},
+        };
 
-        Case which() const { return which_; }
-        bool operator==(const Failure& other) const {
-            return which_ == other.which_ && sentence() == other.sentence();
-        }
-
-    private:
-        Case which_;
+        /// `name` is the desktop's, of notLinked.
+        explicit Failure(Case which, std::string name = {}) : FailureOf(which, std::move(name)) {}
     };
 
     /// Adds a desktop to a display; gives its Space, or nothing when it can't be told which one it is. May

@@ -19,8 +19,8 @@ bool isSchemeCharacter(char c) {
 }
 bool isBlankOrControl(char c) { return (c >= 0 && c <= ' ') || c == '\x7F'; }
 
-void require(bool holds, Case otherwise) {
-    if (!holds) throw AutomationEditError(otherwise);
+void require(bool holds, Case otherwise, double longest = 0) {
+    if (!holds) throw AutomationEditError(otherwise, longest);
 }
 
 void trimText(std::string& value) { value = std::string(text::trim(value)); }
@@ -59,15 +59,14 @@ struct Check {
     }
     void operator()(const PomodoroAction& action) const {
         require(action.minutes >= 1 && action.minutes <= ActionRules::maxPomodoroMinutes,
-                Case::pomodoroMinutes);
+                Case::pomodoroMinutes, ActionRules::maxPomodoroMinutes);
         require(action.breakMinutes >= 0 && action.breakMinutes <= ActionRules::maxBreakMinutes,
-                Case::breakMinutes);
+                Case::breakMinutes, ActionRules::maxBreakMinutes);
     }
     void operator()(SessionAction& action) const { trimText(action.name); }
     void operator()(const WaitAction& action) const {
         // Not a number is refused too.
-        if (!(action.seconds >= 0 && action.seconds <= longestWait))
-            throw AutomationEditError::waitSeconds(longestWait);
+        require(action.seconds >= 0 && action.seconds <= longestWait, Case::waitSeconds, longestWait);
     }
 };
 

@@ -2,12 +2,10 @@
 
 #include "core/base/Failure.h"
 
-#include <string>
-
 namespace lumnara {
 
 /// What the user entered can't stand; nothing has been changed.
-class AutomationEditError : public Failure {
+class AutomationEditError : public FailureOf<AutomationEditError, double> {
 public:
     enum class Case {
         emptyName,
@@ -21,23 +19,21 @@ public:
         breakMinutes,
         waitSeconds
     };
+    static constexpr Sentence<Case> sentences[] = {
+        {Case::emptyName, "Give the automation a name."},
+        {Case::noApp, "Choose the app to open."},
+        {Case::noPath, "Enter the whole path of a file or folder, beginning with / or ~."},
+        {Case::noURL, "Enter a whole address, such as https://example.org."},
+        {Case::noShortcut, "Enter the name of the shortcut to run."},
+        {Case::emptyScript, "Enter the shell script to run."},
+        {Case::emptyAppleScript, "Enter the AppleScript to run."},
+        {Case::pomodoroMinutes, "A pomodoro lasts from 1 to {} minutes."},
+        {Case::breakMinutes, "A break lasts from 0 to {} minutes."},
+        {Case::waitSeconds, "A wait lasts from 0 to {} seconds; a longer one would be cut off."},
+    };
 
-    /// Any case but waitSeconds, which carries the longest wait.
-    explicit AutomationEditError(Case which);
-    static AutomationEditError waitSeconds(double longest);
-
-    Case which() const { return which_; }
-    /// Seconds, of waitSeconds.
-    double longestWait() const { return longestWait_; }
-    bool operator==(const AutomationEditError& other) const {
-        return which_ == other.which_ && longestWait_ == other.longestWait_;
-    }
-
-private:
-    AutomationEditError(Case which, std::string sentence, double longestWait);
-
-    Case which_;
-    double longestWait_;
+    /// `longest` is the most that is allowed, of the last three cases.
+    explicit AutomationEditError(Case which, double longest = 0) : FailureOf(which, longest) {}
 };
 
 } // namespace lumnara

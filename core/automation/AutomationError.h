@@ -7,28 +7,27 @@
 namespace lumnara {
 
 /// An action didn't do what it was to do.
-class AutomationError : public Failure {
+class AutomationError : public FailureOf<AutomationError, std::string, std::string> {
 public:
     enum class Case { timeout, failed };
+    static constexpr Sentence<Case> sentences[] = {
+        {Case::timeout, "{0} took too long."},
+        {Case::failed, "{0} failed: {1}"},
+    };
 
     /// `action` is an action's label, or a short name such as "Shortcut".
-    static AutomationError timeout(std::string action);
-    static AutomationError failed(std::string action, std::string reason);
-
-    Case which() const { return which_; }
-    const std::string& action() const { return action_; }
-    /// Of failed.
-    const std::string& reason() const { return reason_; }
-    bool operator==(const AutomationError& other) const {
-        return which_ == other.which_ && action_ == other.action_ && reason_ == other.reason_;
+    static AutomationError timeout(std::string action) {
+        return AutomationError(Case::timeout, std::move(action), {});
+    }
+    static AutomationError failed(std::string action, std::string reason) {
+        return AutomationError(Case::failed, std::move(action), std::move(reason));
     }
 
-private:
-    AutomationError(Case which, std::string sentence, std::string action, std::string reason);
+    /// Of failed.
+    const std::string& reason() const { return payload<1>(); }
 
-    Case which_;
-    std::string action_;
-    std::string reason_;
+private:
+    using FailureOf::FailureOf;
 };
 
 } // namespace lumnara

@@ -8,22 +8,23 @@
 namespace lumnara {
 
 /// automations.json can't be used.
-class AutomationStoreError : public Failure {
+class AutomationStoreError : public FailureOf<AutomationStoreError, std::string> {
 public:
     enum class Case { notLoaded, unsupportedSchema };
+    static constexpr Sentence<Case> sentences[] = {
+        {Case::notLoaded, "automations.json could not be read ({}); changes are not saved until it can be."},
+        {Case::unsupportedSchema, "automations.json uses schema {}, which this version cannot read."},
+    };
 
-    static AutomationStoreError notLoaded(std::string reason);
-    static AutomationStoreError unsupportedSchema(std::uint64_t version);
-
-    Case which() const { return which_; }
-    bool operator==(const AutomationStoreError& other) const {
-        return which_ == other.which_ && sentence() == other.sentence();
+    static AutomationStoreError notLoaded(std::string reason) {
+        return AutomationStoreError(Case::notLoaded, std::move(reason));
+    }
+    static AutomationStoreError unsupportedSchema(std::uint64_t version) {
+        return AutomationStoreError(Case::unsupportedSchema, std::to_string(version));
     }
 
 private:
-    AutomationStoreError(Case which, std::string sentence);
-
-    Case which_;
+    using FailureOf::FailureOf;
 };
 
 } // namespace lumnara

@@ -7,26 +7,26 @@
 namespace lumnara {
 
 /// The layout of displays and Spaces can't be read.
-class SpaceKitError : public Failure {
+class SpaceKitError : public FailureOf<SpaceKitError, std::string> {
 public:
     enum class Case { malformed, privateAPIUnavailable, enumerationFailed };
+    static constexpr Sentence<Case> sentences[] = {
+        {Case::malformed, "Unexpected desktop data from macOS: {}."},
+        {Case::privateAPIUnavailable, "This macOS build does not expose the desktop APIs Lumnara needs."},
+        {Case::enumerationFailed, "Could not read the list of desktops."},
+    };
 
-    static SpaceKitError malformed(std::string detail);
-    static SpaceKitError privateAPIUnavailable();
-    static SpaceKitError enumerationFailed();
-
-    Case which() const { return which_; }
-    /// What is wrong with the data, for `malformed`.
-    const std::string& detail() const { return detail_; }
-    bool operator==(const SpaceKitError& other) const {
-        return which_ == other.which_ && detail_ == other.detail_;
+    static SpaceKitError malformed(std::string detail) {
+        return SpaceKitError(Case::malformed, std::move(detail));
     }
+    static SpaceKitError privateAPIUnavailable() { return SpaceKitError(Case::privateAPIUnavailable); }
+    static SpaceKitError enumerationFailed() { return SpaceKitError(Case::enumerationFailed); }
+
+    /// What is wrong with the data, for `malformed`.
+    const std::string& detail() const { return payload<0>(); }
 
 private:
-    SpaceKitError(Case which, std::string sentence, std::string detail);
-
-    Case which_;
-    std::string detail_;
+    using FailureOf::FailureOf;
 };
 
 } // namespace lumnara

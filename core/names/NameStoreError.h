@@ -8,22 +8,23 @@
 namespace lumnara {
 
 /// desktops.json can't be used.
-class NameStoreError : public Failure {
+class NameStoreError : public FailureOf<NameStoreError, std::string> {
 public:
     enum class Case { unsupportedSchema, notLoaded };
+    static constexpr Sentence<Case> sentences[] = {
+        {Case::unsupportedSchema, "desktops.json uses schema {}, which this version cannot read."},
+        {Case::notLoaded, "desktops.json could not be read: {}. Names are not being saved until it can."},
+    };
 
-    static NameStoreError unsupportedSchema(std::int64_t version);
-    static NameStoreError notLoaded(std::string reason);
-
-    Case which() const { return which_; }
-    bool operator==(const NameStoreError& other) const {
-        return which_ == other.which_ && sentence() == other.sentence();
+    static NameStoreError unsupportedSchema(std::int64_t version) {
+        return NameStoreError(Case::unsupportedSchema, std::to_string(version));
+    }
+    static NameStoreError notLoaded(std::string reason) {
+        return NameStoreError(Case::notLoaded, std::move(reason));
     }
 
 private:
-    NameStoreError(Case which, std::string sentence);
-
-    Case which_;
+    using FailureOf::FailureOf;
 };
 
 } // namespace lumnara

@@ -5,7 +5,7 @@
 namespace lumnara {
 
 /// Why a desktop was not shown.
-class SwitchError : public Failure {
+class SwitchError : public FailureOf<SwitchError, int> {
 public:
     enum class Case {
         notLanded,    ///< the display does not show the target after so many attempts
@@ -18,23 +18,24 @@ public:
         screenLocked,
         sessionNotOnConsole
     };
+    static constexpr Sentence<Case> sentences[] = {
+        {Case::notLanded, "Could not switch after {} attempts."},
+        {Case::alreadyThere, "You are already on that desktop."},
+        {Case::displayAnimating, "The display is still animating."},
+        {Case::missionControlActive, "Close Mission Control first."},
+        {Case::accessibilityDenied, "Lumnara needs Accessibility permission to switch desktops instantly."},
+        {Case::engineUnavailable, "No switching engine is available."},
+        {Case::targetNotInSnapshot, "That desktop no longer exists."},
+        {Case::screenLocked, "macOS does not change desktops while the screen is locked."},
+        {Case::sessionNotOnConsole, "Another user is using this Mac right now."},
+    };
 
     /// Any case but notLanded, which carries a count.
-    explicit SwitchError(Case which);
-    static SwitchError notLanded(int afterAttempts);
-
-    Case which() const { return which_; }
-    /// Of notLanded; 0 for the others.
-    int afterAttempts() const { return afterAttempts_; }
-    bool operator==(const SwitchError& other) const {
-        return which_ == other.which_ && afterAttempts_ == other.afterAttempts_;
-    }
+    explicit SwitchError(Case which) : FailureOf(which) {}
+    static SwitchError notLanded(int afterAttempts) { return SwitchError(Case::notLanded, afterAttempts); }
 
 private:
-    SwitchError(Case which, int afterAttempts);
-
-    Case which_;
-    int afterAttempts_;
+    using FailureOf::FailureOf;
 };
 
 } // namespace lumnara

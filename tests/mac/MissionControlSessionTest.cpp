@@ -103,19 +103,5 @@ TEST(MissionControlBar, IsExpandedWithPicturesAtTheDisplaysTop) {
     EXPECT_FALSE(MissionControlSession::isExpanded({}, display));
 }
 
-TEST(SpaceReorderErrors, SayWhatStandsAgainstIt) {
-    const SwitchError locked(SwitchError::Case::screenLocked);
-    const auto session = SpaceReorderError::session(locked);
-    EXPECT_EQ(session.sentence(), locked.sentence());
-    EXPECT_EQ(session.reason(), locked);
-    EXPECT_FALSE(session == SpaceReorderError::session(SwitchError(SwitchError::Case::sessionNotOnConsole)));
-    EXPECT_EQ(
-        SpaceReorderError(Case::mruSpacesOn).sentence(),
-        "Turn off 'Automatically rearrange Spaces based on most recent use' in System Settings, Desktop & "
-        "Dock, to let Lumnara change the order");
-    EXPECT_EQ(SpaceReorderError(Case::spacesBarNotFound).sentence(),
-              "Mission Control did not show the desktop thumbnails for that display. Nothing was changed.");
-}
-
 } // namespace
 } // namespace lumnara

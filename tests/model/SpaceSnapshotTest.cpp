@@ -183,13 +183,5 @@ TEST(ModelJson, RefusesMissingFieldsAndOtherTypes) {
               SpaceKind::unknown);
 }
 
-TEST(SpaceKitError, ComparesByCaseAndDetail) {
-    EXPECT_EQ(SpaceKitError::malformed("a"), SpaceKitError::malformed("a"));
-    EXPECT_FALSE(SpaceKitError::malformed("a") == SpaceKitError::malformed("b"));
-    EXPECT_EQ(SpaceKitError::privateAPIUnavailable().sentence(),
-              "This macOS build does not expose the desktop APIs Lumnara needs.");
-    EXPECT_EQ(SpaceKitError::enumerationFailed().sentence(), "Could not read the list of desktops.");
-}
-
 } // namespace
 } // namespace lumnara

@@ -95,14 +95,5 @@ TEST(NameRules, SplitTheFieldOfAliasesAtCommas) {
     EXPECT_TRUE(NameRules::parseAliases("").empty());
 }
 
-TEST(NameRules, CompareErrorsByCaseAndPayload) {
-    EXPECT_EQ(NameError::number("7", 7), NameRules::reservationError("7"));
-    EXPECT_FALSE(NameError::number("7", 7) == NameError::number("VII", 7));
-    EXPECT_FALSE(NameError::reserved("a") == NameError::duplicateOnDisplay("a"));
-    EXPECT_EQ(NameError::duplicateOnDisplay("Mail").sentence(),
-              "Another desktop on this display is already called \"Mail\".");
-    EXPECT_EQ(NameRules::reservationError("Mail"), std::nullopt);
-}
-
 } // namespace
 } // namespace lumnara

@@ -246,12 +246,5 @@ TEST(SwitchResult, DescribesItselfInWholeMilliseconds) {
     EXPECT_EQ(slow.description(), "windowManager landed=false attempts=2 elapsed=1500ms");
 }
 
-TEST(SwitchError, ComparesByCaseAndCount) {
-    EXPECT_EQ(SwitchError::notLanded(3).sentence(), "Could not switch after 3 attempts.");
-    EXPECT_NE(SwitchError::notLanded(3), SwitchError::notLanded(2));
-    EXPECT_EQ(SwitchError(Case::alreadyThere), SwitchError(Case::alreadyThere));
-    EXPECT_NE(SwitchError(Case::alreadyThere), SwitchError(Case::screenLocked));
-}
-
 } // namespace
 } // namespace lumnara

@@ -8,23 +8,25 @@
 namespace lumnara {
 
 /// What the user has to know of settings.json.
-class SettingsFileError : public Failure {
+class SettingsFileError : public FailureOf<SettingsFileError, std::string> {
 public:
     enum class Case { damaged, notLoaded };
+    static constexpr Sentence<Case> sentences[] = {
+        {Case::damaged, "Your settings could not be read. The file was damaged. It was kept at {} "
+                        "and Lumnara started with the settings of a new installation."},
+        {Case::notLoaded, "settings.json could not be read: {}. Settings are not being saved until it can."},
+    };
 
     /// The file was moved aside, to `kept`.
-    static SettingsFileError damaged(const std::filesystem::path& kept);
-    static SettingsFileError notLoaded(const std::string& reason);
-
-    Case which() const { return which_; }
-    bool operator==(const SettingsFileError& other) const {
-        return which_ == other.which_ && sentence() == other.sentence();
+    static SettingsFileError damaged(const std::filesystem::path& kept) {
+        return SettingsFileError(Case::damaged, kept.string());
+    }
+    static SettingsFileError notLoaded(std::string reason) {
+        return SettingsFileError(Case::notLoaded, std::move(reason));
     }
 
 private:
-    SettingsFileError(Case which, std::string sentence);
-
-    Case which_;
+    using FailureOf::FailureOf;
 };
 
 } // namespace lumnara

@@ -7,7 +7,7 @@
 namespace lumnara {
 
 /// The window manager can't be read or asked.
-class WindowManagerError : public Failure {
+class WindowManagerError : public FailureOf<WindowManagerError, std::string, std::string> {
 public:
     enum class Case {
         noDisplay,       ///< no X server and no compositor answers
@@ -17,18 +17,17 @@ public:
         refused,         ///< it answered a command with an error; detail holds its words
         noDesktops       ///< it tells of no desktops on that display
     };
+    static constexpr Sentence<Case> sentences[] = {
+        {Case::noDisplay, "There is no display to run on. Start Lumnara inside a desktop session."},
+        {Case::noWindowManager, "No window manager that knows desktops is running on this display."},
+        {Case::connectionLost, "The connection to {0} was lost. Lumnara keeps trying to reach it."},
+        {Case::notAnswering, "{0} is not answering. Lumnara keeps asking."},
+        {Case::refused, "{0} refused a command: {1}."},
+        {Case::noDesktops, "{0} did not report any desktops on that display."},
+    };
 
-    WindowManagerError(Case which, std::string windowManager, std::string detail = {});
-
-    Case which() const { return which_; }
-    bool operator==(const WindowManagerError& other) const {
-        return which_ == other.which_ && windowManager_ == other.windowManager_ && detail_ == other.detail_;
-    }
-
-private:
-    Case which_;
-    std::string windowManager_;
-    std::string detail_;
+    WindowManagerError(Case which, std::string windowManager, std::string detail = {})
+        : FailureOf(which, std::move(windowManager), std::move(detail)) {}
 };
 
 } // namespace lumnara

@@ -16,21 +16,6 @@ constexpr double beforeEnd = 0.6;
 /// The add button appears where the pointer rests at the top right.
 Point hoverPointOf(const Rect& screen) { return {screen.x + screen.width - 8, screen.y + 60}; }
 
-std::string createFailureSentence(DesktopCreator::Failure::Case which) {
-    using Case = DesktopCreator::Failure::Case;
-    switch (which) {
-    case Case::accessibility: return "Adding a desktop needs Accessibility permission for Lumnara.";
-    case Case::atCap:
-        return fmt::format("macOS allows {0} desktops per display, and this display has {0}.",
-                           DesktopCreator::desktopsPerDisplay);
-    case Case::buttonMissing:
-        return "Mission Control did not offer an Add Desktop button. Add one from Mission Control, then "
-               "reopen the "
-               "Board.";
-    }
-    return {};
-}
-
 /// "{{x, y}, {width, height}}", whole numbers without a fraction.
 std::string textOf(const std::optional<Rect>& frame) {
     if (!frame) return "unknown";
@@ -38,10 +23,6 @@ std::string textOf(const std::optional<Rect>& frame) {
 }
 
 } // namespace
-
-DesktopCreator::Failure::Failure(Case which)
-    : lumnara::Failure(createFailureSentence(which)),
-      which_(which) {}
 
 async::Task<> DesktopCreator::create(Rect screen, std::optional<Rect> displayFrame, int existingCount) {
     if (!driver_.isAccessibilityTrusted()) throw Failure(Failure::Case::accessibility);

@@ -14,21 +14,22 @@ public:
     /// Desktops that macOS allows on a display.
     static constexpr int desktopsPerDisplay = 16;
 
-    class Failure : public lumnara::Failure {
+    class Failure : public FailureOf<Failure, int> {
     public:
         enum class Case {
             accessibility,
             atCap,
             buttonMissing ///< the one case after which Mission Control has been on the screen
         };
+        static constexpr Sentence<Case> sentences[] = {
+            {Case::accessibility, "Adding a desktop needs Accessibility permission for Lumnara."},
+            {Case::atCap, "macOS allows {0} desktops per display, and this display has {0}."},
+            {Case::buttonMissing,
+             "Mission Control did not offer an Add Desktop button. Add one from Mission Control, then reopen "
+             "the Board."},
+        };
 
-        explicit Failure(Case which);
-
-        Case which() const { return which_; }
-        bool operator==(const Failure& other) const { return which_ == other.which_; }
-
-    private:
-        Case which_;
+        explicit Failure(Case which) : FailureOf(which, desktopsPerDisplay) {}
     };
 
     /// Both must outlive the creator, and the creator its tasks.
