@@ -87,7 +87,7 @@ public:
 private:
     double start() {
         const auto before = readyLines();
-        return millisecondsUntil([&] { child_ = session_.start({LUMNARA_PROGRAM}); },
+        return millisecondsUntil([&] { child_ = session_.start({programUnderTest()}); },
                                  [&] { return readyLines() > before; }, "the program did not get ready");
     }
 

@@ -17,7 +17,7 @@ public:
 
     void start() {
         const int before = count("Lumnara: ready");
-        child_ = session_.start({LUMNARA_PROGRAM});
+        child_ = session_.start({programUnderTest()});
         ASSERT_TRUE(waitUntil([&] { return count("Lumnara: ready") > before; })) << log();
     }
     int stop(int signal = SIGTERM) {

@@ -174,7 +174,7 @@ TEST(Program, NamesADesktopOfOpenboxAndGoesBackToItByDigitAndLetters) {
 
 TEST(Program, SaysInOneSentenceWhyItCannotRun) {
     const auto refusal = [](const Session& session, const Variables& additions = {}) {
-        const auto output = session.run({LUMNARA_PROGRAM}, additions);
+        const auto output = session.run({programUnderTest()}, additions);
         EXPECT_EQ(output.status, 1);
         return output.text;
     };
@@ -191,7 +191,7 @@ TEST(Program, SaysInOneSentenceWhyItCannotRun) {
         const XSession session(WindowManager::openbox);
         Program program(session);
         program.start();
-        const auto second = session.start({LUMNARA_PROGRAM});
+        const auto second = session.start({programUnderTest()});
         EXPECT_EQ(second->waitForExit(), 1);
         EXPECT_EQ(program.count("Lumnara: Another Lumnara runs already."), 1) << program.log();
         EXPECT_EQ(program.stop(), 0);
@@ -226,7 +226,7 @@ TEST(Program, RunsOnASimulatedMacWhereNoWindowManagerKnowsDesktops) {
 TEST(Program, WaitsForAWindowManagerThatIsYetToCome) {
     XSession session(WindowManager::none);
     const Program program(session);
-    const auto child = session.start({LUMNARA_PROGRAM});
+    const auto child = session.start({programUnderTest()});
     session.startWindowManager(WindowManager::openbox);
     EXPECT_TRUE(waitUntil([&] { return program.count("Lumnara: ready on Openbox") == 1; })) << program.log();
     child->send(SIGTERM);

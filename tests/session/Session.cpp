@@ -94,6 +94,8 @@ std::string i3Configuration(const std::string& socket, const std::string& additi
 
 } // namespace
 
+std::string programUnderTest() { return LUMNARA_PROGRAM; }
+
 bool waitUntil(const std::function<bool()>& condition, double seconds) {
     using Clock = std::chrono::steady_clock;
     const auto deadline = Clock::now() + std::chrono::duration<double>(seconds);

@@ -19,6 +19,9 @@ namespace lumnara::testing {
 
 using Variables = std::map<std::string, std::string>;
 
+/// The path of the program as it was built.
+std::string programUnderTest();
+
 /// Looks at real state until it is so; false when the seconds have passed.
 bool waitUntil(const std::function<bool()>& condition, double seconds = 10);
 
