@@ -2,8 +2,11 @@
 
 #include "app/SwitchEngines.h"
 #include "app/links/LinkedSwitching.h"
+#include "app/names/NamePublication.h"
 #include "app/overlay/Notices.h"
 #include "app/settings/AppSettings.h"
+#include "app/switching/SwitchAnnouncer.h"
+#include "app/switching/SwitchRequests.h"
 #include "app/tracking/TimeTracking.h"
 #include "core/async/Loop.h"
 #include "core/async/Signal.h"
@@ -17,13 +20,11 @@
 #include "core/platform/Platform.h"
 #include "core/switching/SpaceSwitcher.h"
 
-#include <exception>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
+#include <utility>
 
 namespace lumnara {
 
@@ -52,22 +53,19 @@ public:
     SpaceSwitcher& switcher() { return switcher_; }
     Notices& notices() { return notices_; }
 
-    /// What every surface calls that wants a desktop shown: switchToDesktop as a task of its own. A later
-    /// request for a display takes over from one that is still under way there. Being there already is
-    /// silent; any other failure is shown as a notice.
-    void switchTo(const Desktop& desktop);
-    /// Back to the desktop that the display, or else the one under the pointer, showed before; the rest as in
-    /// switchTo. Linked displays stay where they are.
-    void switchBack(std::optional<DisplayID> display = std::nullopt);
-
-    /// Shows the desktop of a key, and with it every desktop that is linked with it on its own display.
-    /// Throws SwitchError, or what the provider or the last engine failed with.
-    async::Task<SwitchResult> switchToDesktop(std::string key);
+    // What every surface calls that wants a desktop shown; see SwitchRequests.
+    void switchTo(const Desktop& desktop) { switchRequests_.switchTo(desktop); }
+    void switchBack(std::optional<DisplayID> display = std::nullopt) {
+        switchRequests_.switchBack(std::move(display));
+    }
+    async::Task<SwitchResult> switchToDesktop(std::string key) {
+        return switchRequests_.switchToDesktop(std::move(key));
+    }
     /// The outcome of the last switch of a link group, a second later.
     LinkedSwitching& linkedSwitching() { return linkedSwitching_; }
 
-    /// The current desktop of a display changed, to this one.
-    async::Signal<const Desktop&> onDesktopSwitched;
+    /// What every surface listens to that shows which desktop a display has come to.
+    SwitchAnnouncer& announcer() { return announcer_; }
     /// After every good refresh, with the focused desktop, changed or not.
     async::Signal<const std::optional<Desktop>&> onCurrentDesktopChanged;
 
@@ -78,22 +76,8 @@ public:
     void stop();
 
 private:
-    void connectAutomations(ActionExecutor& actionExecutor);
-    void followSettings();
-    void reportStart();
     void handleRefresh(const SpaceSnapshot& snapshot);
-    void watchForTriggers();
-    void announceChanges();
-    void publishNames();
-    /// A switch under way or done, with the displays that it moves; none where that isn't known.
-    struct Switching {
-        std::vector<DisplayID> displays;
-        async::TaskHandle task;
-    };
-    void startSwitch(std::vector<DisplayID> displays, async::Task<> task);
-    async::Task<> runSwitch(Desktop desktop);
-    async::Task<> runSwitchBack(std::optional<DisplayID> display);
-    void reportSwitch(std::exception_ptr failure);
+    std::optional<Desktop> focused() const;
 
     async::Loop& loop_;
     AppSettings& settings_;
@@ -109,12 +93,11 @@ private:
     TimeTracking tracking_;
     SpaceSwitcher switcher_;
     SwitchEngines engines_;
+    NamePublication names_;
+    SwitchAnnouncer announcer_;
     LinkedSwitching linkedSwitching_;
-    std::map<std::string, std::string> lastCurrentKeys_;
-    std::optional<std::string> lastAnnouncedKey_;
-    async::Subscription displaysChanged_;
-    std::vector<async::Subscription> settingsChanged_;
-    std::vector<Switching> switching_;
+    SwitchRequests switchRequests_;
+    async::Subscription linkModeChanged_;
 };
 
 } // namespace lumnara

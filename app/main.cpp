@@ -5,6 +5,7 @@
 #include "app/qt/Surfaces.h"
 #include "app/qt/sim/SimulatedMacWindow.h"
 #include "app/settings/AppSettings.h"
+#include "app/start/StartNotices.h"
 #include "core/async/PollLoop.h"
 #include "core/base/Log.h"
 #include "core/platform/ewmh/X11Platform.h"
@@ -177,7 +178,7 @@ int run(int& count, char** arguments) {
                    std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens,
                                                        platform.workspace.get()),
                    actionExecutor, host.folder);
-    if (const auto& error = defaults.loadError()) state.notices().show(error->sentence(), startNoticeSeconds);
+    if (const auto& error = defaults.loadError()) tellAtStart(state.notices(), error->sentence());
     Surfaces surfaces(state);
     surfaces.onQuit = [] { QApplication::quit(); };
     const TerminationSignals signals(loop, [] { QApplication::quit(); });

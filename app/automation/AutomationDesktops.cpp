@@ -38,6 +38,14 @@ std::vector<AutomationDesktop> automationDesktops(const DesktopCatalog& catalog,
     return named;
 }
 
+AutomationTriggerWatcher::Keys triggerKeys(const std::vector<DisplayDesktops>& displays) {
+    AutomationTriggerWatcher::Keys keys;
+    for (const DisplayDesktops& shown : displays)
+        if (const Desktop* current = shown.current())
+            keys[current->isLinked() ? "linked" : shown.display.uuid] = current->key;
+    return keys;
+}
+
 std::string waitingReason(const DesktopCatalog& catalog, const std::string& key) {
     if (catalog.desktopOfSpace(key))
         return "This desktop is linked at present. These automations run again when the link ends.";

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/automation/AutomationStore.h"
+#include "core/automation/AutomationTriggerWatcher.h"
 #include "core/catalog/DesktopCatalog.h"
 
 #include <string>
@@ -24,6 +25,9 @@ struct AutomationDesktop {
 /// there only while it has some.
 std::vector<AutomationDesktop> automationDesktops(const DesktopCatalog& catalog,
                                                   const AutomationStore& store);
+
+/// What the watcher of triggers is given of a reading.
+AutomationTriggerWatcher::Keys triggerKeys(const std::vector<DisplayDesktops>& displays);
 
 /// Why the automations of a desktop that isn't live don't run.
 std::string waitingReason(const DesktopCatalog& catalog, const std::string& key);

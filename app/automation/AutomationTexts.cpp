@@ -45,6 +45,12 @@ RunResult resultOf(const AutomationRunReport& report) {
 
 RunResult cancelledResult() { return {"The run was cancelled.", {}}; }
 
+std::optional<Notice> failureNotice(const AutomationRunReport& report) {
+    if (report.failures.empty()) return std::nullopt;
+    const std::string& failure = report.failures.front();
+    return Notice{report.automation + ": " + (failure.empty() ? "failed" : failure), briefNoticeSeconds};
+}
+
 std::optional<AutomationsNotice> noticeOf(const AutomationStore& store) {
     AutomationsNotice notice;
     const auto add = [&](const std::string& sentence) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/overlay/Notices.h"
 #include "core/automation/AutomationRunner.h"
 #include "core/automation/AutomationStore.h"
 
@@ -56,6 +57,8 @@ struct RunResult {
 };
 RunResult resultOf(const AutomationRunReport& report);
 RunResult cancelledResult();
+/// The first failure of a run that nobody is waiting for; nothing of one without.
+std::optional<Notice> failureNotice(const AutomationRunReport& report);
 
 /// What is wrong with the file of automations.
 struct AutomationsNotice {

@@ -14,7 +14,6 @@ namespace lumnara {
 
 namespace {
 
-constexpr double linkedFailureSeconds = 2.2;
 /// When the displays are looked at after a switch; the first look is told to the surfaces.
 constexpr double firstLook = 1.0;
 constexpr double secondLook = 3.0;
@@ -65,7 +64,7 @@ async::Task<SwitchResult> LinkedSwitching::run(std::vector<Desktop> members) {
                     millisecondsOf(async::secondsOf(loop_.now() - start))));
     if (!run.failures.empty()) {
         const auto& [display, error] = run.failures.front();
-        notices_.show(fmt::format("{} did not follow: {}", display, sentenceOf(error)), linkedFailureSeconds);
+        notices_.show(fmt::format("{} did not follow: {}", display, sentenceOf(error)), briefNoticeSeconds);
     }
     const SwitchResult result = outcomeOf(run);
     watch(run, members.front());

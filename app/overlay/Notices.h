@@ -18,8 +18,8 @@ struct Notice {
 /// How long a sentence about something that did not work stays on screen.
 inline constexpr double failureNoticeSeconds = 6.0;
 
-/// What is told at the start is read among much else, and may hold a path.
-inline constexpr double startNoticeSeconds = 15.0;
+/// The same of one beside which all else went on.
+inline constexpr double briefNoticeSeconds = 2.2;
 
 /// The one place that shows a notice. Main thread.
 class Notices {

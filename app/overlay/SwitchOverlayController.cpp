@@ -12,8 +12,6 @@ namespace lumnara {
 
 namespace {
 
-constexpr double unsettledNoticeSeconds = 2.2;
-
 const Desktop* desktopOn(const DisplayDesktops& display, const SpaceID& space) {
     const auto found = std::ranges::find_if(
         display.desktops, [&](const Desktop& desktop) { return desktop.space.id == space; });
@@ -27,8 +25,12 @@ SwitchOverlayController::SwitchOverlayController(const Session& session, Overlay
     : session_(session),
       makeSurface_(std::move(makeSurface)),
       mayShow_(std::move(mayShow)) {
-    follow();
-    subscriptions_.push_back(session_.catalog.displays.subscribe([this](const auto&) { follow(); }));
+    SwitchAnnouncer& announcer = session_.announcer;
+    for (SwitchAnnouncer::Switched* arrival : {&announcer.onDesktopSwitched, &announcer.onDisplayFollowed})
+        subscriptions_.push_back(
+            arrival->subscribe([this](const Desktop& desktop, const std::string& before) {
+                if (before != desktop.spaceKey) showCard(desktop);
+            }));
     subscriptions_.push_back(session_.settings.switchOverlay.subscribe([this](bool isOn) {
         if (!isOn) hideAll();
     }));
@@ -41,33 +43,20 @@ void SwitchOverlayController::giveWay() {
         if (panel->end && !mayShow_(panel->screen)) hide(*panel);
 }
 
-/// A display that has just appeared has changed to nothing.
-void SwitchOverlayController::follow() {
-    std::map<std::string, std::string> before = std::exchange(shown_, {});
-    for (const DisplayDesktops& shown : session_.catalog.displays.get()) {
-        const auto earlier = before.find(shown.display.uuid);
-        const Desktop* current = shown.current();
-        if (!current) {
-            if (earlier != before.end()) shown_.insert(std::move(*earlier));
-            continue;
-        }
-        shown_[shown.display.uuid] = current->spaceKey;
-        if (earlier != before.end() && earlier->second != current->spaceKey) showCard(shown, *current);
-    }
-}
-
-void SwitchOverlayController::showCard(const DisplayDesktops& shown, const Desktop& current) {
+void SwitchOverlayController::showCard(const Desktop& current) {
     const double seconds = session_.settings.switchOverlayDuration.get();
     if (!session_.settings.switchOverlay.get() || !std::isfinite(seconds) || seconds <= 0) return;
-    const auto screen = screenOf(shown.display);
+    const auto screen = screenOf(current.display);
     // Under a shared arrangement the display may have told of an earlier desktop on another screen.
     for (const auto& panel : panels_)
-        if (panel->display == shown.display && (!screen || panel->screen.uuid != screen->uuid)) hide(*panel);
+        if (panel->display == current.display && (!screen || panel->screen.uuid != screen->uuid))
+            hide(*panel);
     if (!screen || !mayShow_(*screen)) return;
     Panel& panel = panelOn(*screen);
-    panel.display = shown.display;
+    panel.display = current.display;
     const bool hasOthers = session_.catalog.displays->size() > 1;
-    panel.surface->show({current, hasOthers ? shown.name : std::string()}, *screen);
+    panel.surface->show(
+        {current, hasOthers ? displayNameIn(session_.catalog, current.display) : std::string()}, *screen);
     panel.end = std::make_unique<async::Delayed>(session_.loop, seconds, [this, &panel] { hide(panel); });
 }
 
@@ -110,7 +99,7 @@ void SwitchOverlayController::reportUnsettled(const std::vector<SwitchSettle::En
         if (!text.empty() && !sentence.empty()) text += ' ';
         text += sentence;
     }
-    if (!text.empty()) session_.notices.show(std::move(text), unsettledNoticeSeconds);
+    if (!text.empty()) session_.notices.show(std::move(text), briefNoticeSeconds);
 }
 
 /// Empty for a display that is gone: it hasn't gone back.

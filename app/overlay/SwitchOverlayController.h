@@ -3,6 +3,7 @@
 #include "app/overlay/Notices.h"
 #include "app/overlay/OverlaySurface.h"
 #include "app/settings/AppSettings.h"
+#include "app/switching/SwitchAnnouncer.h"
 #include "core/async/Loop.h"
 #include "core/async/Signal.h"
 #include "core/async/Timer.h"
@@ -11,7 +12,6 @@
 #include "core/switching/SwitchSettle.h"
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -33,6 +33,7 @@ public:
         AppSettings& settings;
         Screens* screens; ///< null where the session tells of none
         Notices& notices;
+        SwitchAnnouncer& announcer;
         /// Where the displays of a link group stand some time after it was switched.
         SettledSignal& settled;
     };
@@ -57,8 +58,7 @@ private:
         std::unique_ptr<async::Delayed> end;
     };
 
-    void follow();
-    void showCard(const DisplayDesktops& shown, const Desktop& current);
+    void showCard(const Desktop& current);
     void hide(Panel& panel);
     void hideAll();
     std::optional<ScreenInfo> screenOf(const DisplayID& display);
@@ -70,8 +70,6 @@ private:
     OverlaySurfaceFactory makeSurface_;
     std::function<bool(const ScreenInfo&)> mayShow_;
     std::vector<std::unique_ptr<Panel>> panels_;
-    /// By display: the Space key of the desktop that it last showed.
-    std::map<std::string, std::string> shown_;
     std::vector<async::Subscription> subscriptions_;
 };
 

@@ -12,8 +12,8 @@ namespace {
 class Listener {
 public:
     explicit Listener(AppState& state)
-        : switched_(
-              state.onDesktopSwitched.subscribe([this](const Desktop& d) { told.push_back("to " + d.key); })),
+        : switched_(state.announcer().onDesktopSwitched.subscribe(
+              [this](const Desktop& d, const auto&) { told.push_back("to " + d.key); })),
           current_(state.onCurrentDesktopChanged.subscribe([this](const std::optional<Desktop>& d) {
               told.push_back("on " + (d ? d->key : std::string("nothing")));
           })) {}
@@ -71,12 +71,13 @@ TEST(AppState, aChangePassesItsStationsInOrder) {
         [&](int count) { stations.push_back("links " + std::to_string(count)); });
     const auto orphans = session.catalog().orphans.subscribe(
         [&](const auto& gone) { stations.push_back("orphans " + std::to_string(gone.size())); });
-    const auto switched = session.state().onDesktopSwitched.subscribe([&](const Desktop& desktop) {
-        const bool isTold = session.publisher->published.size() > publishedBefore;
-        const bool isHistory = session.state().switcher().history.previous("A") == "A-1";
-        stations.push_back(std::string(isHistory ? "history, " : "") + (isTold ? "names, " : "") + "to " +
-                           desktop.displayName());
-    });
+    const auto switched =
+        session.state().announcer().onDesktopSwitched.subscribe([&](const Desktop& desktop, const auto&) {
+            const bool isTold = session.publisher->published.size() == publishedBefore + 1;
+            const bool isHistory = session.state().switcher().history.previous("A") == "A-1";
+            stations.push_back(std::string(isHistory ? "history, " : "") + (isTold ? "names, " : "") + "to " +
+                               desktop.displayName());
+        });
     const auto current = session.state().onCurrentDesktopChanged.subscribe(
         [&](const std::optional<Desktop>& desktop) { stations.push_back("on " + desktop->displayName()); });
     session.provider->current.displays.pop_back();
@@ -131,9 +132,10 @@ TEST(AppState, aLinkGroupIsAnnouncedOnceHoweverItArrives) {
 TEST(AppState, aListenerMayEditTheDesktops) {
     ScriptedSession session(twoDisplays());
     session.start();
-    const auto naming = session.state().onDesktopSwitched.subscribe([&](const Desktop& desktop) {
-        session.catalog().rename(desktop.key, "Visited " + desktop.display.uuid);
-    });
+    const auto naming =
+        session.state().announcer().onDesktopSwitched.subscribe([&](const Desktop& desktop, const auto&) {
+            session.catalog().rename(desktop.key, "Visited " + desktop.display.uuid);
+        });
     session.provider->show(SpaceID{2});
     session.userShows(12);
     EXPECT_EQ(session.publisher->lastNames(), (Texts{"Visited A", "Visited B"}));

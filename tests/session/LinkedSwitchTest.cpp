@@ -91,8 +91,8 @@ protected:
 TEST_F(LinkedSwitchTest, BothScreensGoThereAndTheKeyboardStaysWithTheUser) {
     linkAs("Mail", "3", "4");
     std::vector<std::string> announced;
-    const auto announcing = state->onDesktopSwitched.subscribe(
-        [&](const Desktop& desktop) { announced.push_back(desktop.displayName()); });
+    const auto announcing = state->announcer().onDesktopSwitched.subscribe(
+        [&](const Desktop& desktop, const auto&) { announced.push_back(desktop.displayName()); });
     std::vector<SwitchSettle::Entry> settled;
     const auto settling = state->linkedSwitching().onSettled.subscribe(
         [&](const Desktop&, const auto& entries) { settled = entries; });

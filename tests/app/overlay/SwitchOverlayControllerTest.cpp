@@ -33,7 +33,7 @@ struct Overlay {
         : session(std::move(displays)),
           controller(
               {session.loop, session.start().catalog(), settings, session.screens, session.state().notices(),
-               settled},
+               session.state().announcer(), settled},
               [this] { return std::make_unique<RecordingCard>(shown); },
               [this](const ScreenInfo& screen) { return !covered.contains(screen.uuid); }) {}
 
