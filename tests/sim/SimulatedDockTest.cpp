@@ -41,6 +41,16 @@ TEST_F(SimulatedDockTest, AQuickSwipeMovesOneSpaceByItsSignWithoutAnimation) {
     EXPECT_EQ(shownAt("RIGHT"), 0u);
 }
 
+TEST_F(SimulatedDockTest, ASwipeThatMakesItsWayAnimatesHoweverQuick) {
+    for (const std::int64_t phase : {1, 2, 4}) {
+        SyntheticEvent event = swipeEvent(phase, 2000);
+        event.set(124, 0.1);
+        post(event);
+    }
+    loop.advance(0.05);
+    EXPECT_EQ(platform.windowServer->isAnimating({"LEFT"}), true);
+}
+
 TEST_F(SimulatedDockTest, ASlowSwipeAnimatesAndAVerySlowOneSpringsBack) {
     swipe(500);
     loop.advance(0.05);
@@ -90,6 +100,10 @@ TEST_F(SimulatedDockTest, ASwipeHasABeginningAMiddleAndAnEnd) {
 }
 
 TEST_F(SimulatedDockTest, EventsWithoutTrustOrUserAreIgnored) {
+    for (const std::int64_t phase : {1, 2, 4})
+        platform.eventServices->post(swipeEvent(phase, 2000), EventTap::hid);
+    loop.runUntilDone();
+    EXPECT_EQ(shownAt("LEFT"), 0u) << "the wrong way in";
     for (bool* state : {&mac.isTrusted, &mac.isOnConsole}) {
         *state = false;
         swipe(2000);

@@ -35,14 +35,14 @@ protected:
     }
     Point middleOf(std::size_t thumbnail) const { return bar().thumbnails.at(thumbnail).frame.middle(); }
     /// Presses, holds, lifts and carries a thumbnail; the button stays down.
-    void carry(std::size_t from, Point to, double hold = 0.35) {
+    void carry(std::size_t from, Point to, double hold = 0.35, int steps = 20) {
         const Point start = middleOf(from);
         move(start);
         point(MouseEventType::leftDown, start);
         loop.advance(hold);
-        for (int step = 1; step <= 20; ++step) {
+        for (int step = 1; step <= steps; ++step) {
             point(MouseEventType::leftDragged,
-                  {start.x + (to.x - start.x) * step / 20, start.y + (to.y - start.y) * step / 20});
+                  {start.x + (to.x - start.x) * step / steps, start.y + (to.y - start.y) * step / steps});
             loop.advance(0.016);
         }
         loop.advance(0.15);
@@ -108,6 +108,9 @@ TEST_F(SimulatedMissionControlTest, TheBarExpandsOnlyForAPointerThatComesFromBel
 TEST_F(SimulatedMissionControlTest, AThumbnailIsLiftedMakesTheOthersGiveWayAndIsDropped) {
     const auto before = order();
     open();
+    carry(0, {middleOf(2).x + 60, middleOf(2).y});
+    EXPECT_FALSE(bar().thumbnails[2].isDragged) << "a label stays where it is";
+    point(MouseEventType::leftUp, mac.pointer().position());
     expand();
     carry(0, {middleOf(2).x + 60, middleOf(2).y});
     EXPECT_TRUE(bar().thumbnails[2].isDragged);
@@ -122,11 +125,35 @@ TEST_F(SimulatedMissionControlTest, AThumbnailIsLiftedMakesTheOthersGiveWayAndIs
 
     carry(0, {middleOf(2).x + 60, middleOf(2).y}, 0.05);
     point(MouseEventType::leftUp, mac.pointer().position());
+    carry(0, {middleOf(2).x + 60, middleOf(2).y}, 0.35, 19);
+    point(MouseEventType::leftUp, mac.pointer().position());
     carry(0, {middleOf(2).x + 60, 500});
     point(MouseEventType::leftUp, mac.pointer().position());
     loop.advance(1);
     EXPECT_EQ(order(), (std::vector<SpaceID>{before[1], before[2], before[0]}))
-        << "a flick; a drop off the bar";
+        << "a flick; a throw; a drop off the bar";
+}
+
+TEST_F(SimulatedMissionControlTest, TakesFromProgramsOnlyWhatReadsAsTheMousesOwn) {
+    using enum MouseEventType;
+    const auto hardware = EventSourceState::hidSystem;
+    const auto comesThrough = [&](SyntheticEvent event, EventTap tap = EventTap::hid) {
+        mac.warpPointer({});
+        platform.eventServices->post(event, tap);
+        return mac.pointer().position() == Point{9, 9};
+    };
+    for (const MouseEventType type : {leftDown, leftDragged, leftUp, moved}) {
+        const SyntheticEvent bare{.origin = MouseEvent{type, {9, 9}}, .source = hardware};
+        SyntheticEvent click = bare, held = bare;
+        click.set(1, std::int64_t{1});
+        held.fields = {{1, std::int64_t{1}}, {2, 1.0}};
+        EXPECT_EQ(comesThrough(bare), type == moved);
+        EXPECT_EQ(comesThrough(click), type == moved || type == leftUp);
+        EXPECT_TRUE(comesThrough(held));
+        EXPECT_FALSE(comesThrough(held, EventTap::session));
+        held.source.reset();
+        EXPECT_FALSE(comesThrough(held));
+    }
 }
 
 TEST_F(SimulatedMissionControlTest, AClickGoesThereAndOneBesideSendsItAway) {

@@ -19,7 +19,7 @@ inline SyntheticEvent swipeEvent(std::int64_t phase, double velocity) {
     event.set(55, std::int64_t{30});
     event.set(110, std::int64_t{23});
     event.set(132, phase);
-    event.set(124, velocity < 0 ? -0.1 : 0.1);
+    event.set(124, velocity < 0 ? -0x1p-149 : 0x1p-149);
     event.set(123, std::int64_t{1});
     event.set(129, velocity);
     event.set(130, velocity);

@@ -22,9 +22,11 @@ constexpr std::int64_t began = 1;
 constexpr std::int64_t changed = 2;
 constexpr std::int64_t ended = 4;
 
-// Our own choice: below the first velocity the Space springs back, from the second on nothing animates.
+// Our own choice: below the first velocity the Space springs back, from the second on nothing animates when
+// the gesture has made next to no way: the least that a field of 32 bits can tell.
 constexpr double flickVelocity = 100;
 constexpr double instantVelocity = 1000;
+constexpr double instantProgress = 0x1p-149;
 
 bool isSpaceSwipe(const SyntheticEvent& event) {
     return event.integer(typeField) == gestureType && event.integer(hidTypeField) == dockSwipe &&
@@ -86,7 +88,7 @@ void SimulatedDock::end(const Swipe& swipe, const SyntheticEvent& event) {
     const bool agrees = progress != 0 && std::signbit(progress) == std::signbit(velocity);
     if (!swipe.hasMoved || !agrees || event.real(velocityYField) != velocity) return;
     if (std::abs(velocity) < flickVelocity) return;
-    const bool isInstant = std::abs(velocity) >= instantVelocity;
+    const bool isInstant = std::abs(velocity) >= instantVelocity && std::abs(progress) == instantProgress;
     step(swipe.display, (velocity > 0) == positiveIsHigherIndex, isInstant ? 0 : random_.between(0.3, 0.5));
 }
 

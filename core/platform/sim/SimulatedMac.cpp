@@ -13,6 +13,10 @@ constexpr double fullscreenAnimation = 0.6;
 
 constexpr const char* dockBundleID = "com.apple.dock";
 
+// The window server's numbers of the fields of a mouse event.
+constexpr int clickStateField = 1;
+constexpr int pressureField = 2;
+
 constexpr std::array<std::string_view, 13> symbols{"CGSMainConnectionID",
                                                    "CGSCopyManagedDisplaySpaces",
                                                    "CGSGetActiveSpace",
@@ -26,6 +30,19 @@ constexpr std::array<std::string_view, 13> symbols{"CGSMainConnectionID",
                                                    "CGSAddWindowsToSpaces",
                                                    "CGSRemoveWindowsFromSpaces",
                                                    "CGWindowListCopyWindowInfo"};
+
+/// The Dock takes gestures from the session, and for the mouse's and the keyboard's own only what comes in
+/// below it; of the mouse with the state of the hardware, and with the fields that make press, drags and
+/// release one gesture.
+bool readsAsInput(const SyntheticEvent& event, EventTap tap) {
+    if (std::holds_alternative<BlankEvent>(event.origin)) return tap == EventTap::session;
+    const auto* mouse = std::get_if<MouseEvent>(&event.origin);
+    if (tap != EventTap::hid || !mouse) return tap == EventTap::hid;
+    const bool isHeld = mouse->type == MouseEventType::leftDown || mouse->type == MouseEventType::leftDragged;
+    const bool isClick = isHeld || mouse->type == MouseEventType::leftUp;
+    return event.source == EventSourceState::hidSystem && (!isClick || event.integer(clickStateField) == 1) &&
+           (!isHeld || event.real(pressureField) == 1.0);
+}
 
 } // namespace
 
@@ -157,8 +174,8 @@ WindowNumber SimulatedMac::openWindow(std::int32_t pid, SpaceID space) {
     return window;
 }
 
-void SimulatedMac::post(const SyntheticEvent& event) {
-    if (isTrusted) input(event);
+void SimulatedMac::post(const SyntheticEvent& event, EventTap tap) {
+    if (isTrusted && readsAsInput(event, tap)) input(event);
 }
 
 void SimulatedMac::input(const SyntheticEvent& event) {

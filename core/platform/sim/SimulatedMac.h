@@ -78,8 +78,9 @@ public:
     bool isTrusted = true;
     bool isLocked = false;
     bool isOnConsole = true;
-    /// An event of a program: it gets through only with trust, and while the user is there.
-    void post(const SyntheticEvent& event);
+    /// An event of a program: it gets through only with trust, while the user is there, and when it reads as
+    /// the user's own would.
+    void post(const SyntheticEvent& event, EventTap tap);
     /// Puts the pointer there without an event.
     void warpPointer(Point to);
     /// An event of the user's own mouse and keyboard.

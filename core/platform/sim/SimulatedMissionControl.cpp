@@ -17,10 +17,12 @@ constexpr int missionControlLayer = 18;
 constexpr int dockLayer = 20;
 
 // Our own choice. A press that begins to move sooner is a flick, and lifts nothing.
-constexpr double liftHold = 0.25;
+constexpr double liftHold = 0.3;
 constexpr double liftDistance = 8;
-/// A thumbnail that is let go of sooner after its last move flies back.
-constexpr double dropRest = 0.08;
+/// A thumbnail that is let go of sooner after its last move flies back, and so does one that was thrown there
+/// in fewer moves.
+constexpr double dropRest = 0.1;
+constexpr int dropMoves = 20;
 
 } // namespace
 
@@ -185,7 +187,7 @@ std::optional<SpacesBarPicture> SimulatedMissionControl::picture(const std::stri
         picture.thumbnails.push_back({order[i].id, order[i].kind, titleOf(*display, order[i]), frame,
                                       order[i].id == display->current, isDragged});
     }
-    if (display->desktopCount() < desktopsPerDisplay &&
+    if (phase_ == Phase::open && display->desktopCount() < desktopsPerDisplay &&
         (bar.isExpanded(now) || bar.isNearAddButton(pointer_.position())))
         picture.addButton = bar.addButton(now);
     return picture;
@@ -215,7 +217,7 @@ bool SimulatedMissionControl::remove(SpaceID space) {
 
 bool SimulatedMissionControl::add(const std::string& screen) {
     const auto shown = bar(screen);
-    if (phase_ == Phase::closing || !shown || !shown->addButton) return false;
+    if (!shown || !shown->addButton) return false;
     after(random_.between(0.05, 0.2), [this, uuid = displayOn(screen)->uuid] { layout_.addDesktop(uuid); });
     return true;
 }
@@ -251,9 +253,11 @@ void SimulatedMissionControl::press(Point at) {
 void SimulatedMissionControl::drag(Point to) {
     if (!grip_) return;
     const async::Nanos now = loop_.now();
-    const bool isFlick = !grip_->hasMoved && now - grip_->since < async::wholeNanos(liftHold);
-    if (isFlick || !layout_.displayOf(grip_->space)) return grip_.reset();
-    grip_->hasMoved = true;
+    const bool isFlick = grip_->moves == 0 && now - grip_->since < async::wholeNanos(liftHold);
+    const auto bar = bars_.find(grip_->screen);
+    const bool isLabel = bar == bars_.end() || (!grip_->isLifted && !bar->second.isExpanded(now));
+    if (isFlick || isLabel || !layout_.displayOf(grip_->space)) return grip_.reset();
+    ++grip_->moves;
     grip_->lastDrag = now;
     const double distance = std::hypot(to.x - grip_->at.x, to.y - grip_->at.y);
     grip_->isLifted = grip_->isLifted || distance >= liftDistance;
@@ -278,7 +282,7 @@ void SimulatedMissionControl::release(Point at) {
     if (!grip && !isOnBar) return dismiss();
     if (!grip) return;
     if (grip->isLifted) return drop(*grip);
-    if (grip->hasMoved || !layout_.displayOf(grip->space)) return;
+    if (grip->moves > 0 || !layout_.displayOf(grip->space)) return;
     stage_.move(grip->space, random_.between(0.3, 0.5));
     dismiss();
 }
@@ -286,8 +290,8 @@ void SimulatedMissionControl::release(Point at) {
 void SimulatedMissionControl::drop(const Grip& grip) {
     const async::Nanos now = loop_.now();
     const auto bar = bars_.find(grip.screen);
-    const bool rested = now - grip.lastDrag >= async::wholeNanos(dropRest);
-    if (!rested || bar == bars_.end() || !bar->second.isExpanded(now) ||
+    const bool isCarried = grip.moves >= dropMoves && now - grip.lastDrag >= async::wholeNanos(dropRest);
+    if (!isCarried || bar == bars_.end() || !bar->second.isExpanded(now) ||
         !bar->second.frame(now).contains(pointer_.position()))
         return;
     after(random_.between(0.02, 0.15), [this, grip] {

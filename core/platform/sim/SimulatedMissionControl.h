@@ -79,7 +79,7 @@ private:
         Point at;
         async::Nanos since{};
         async::Nanos lastDrag{};
-        bool hasMoved = false;
+        int moves = 0;
         bool isLifted = false;
         /// Where it would drop, among all thumbnails.
         std::size_t place = 0;

@@ -50,7 +50,7 @@ private:
 class SimulatedEventServices : public EventServices {
 public:
     explicit SimulatedEventServices(SimulatedMac& mac) : mac_(mac) {}
-    void post(const SyntheticEvent& event, EventTap) override { mac_.post(event); }
+    void post(const SyntheticEvent& event, EventTap tap) override { mac_.post(event, tap); }
     std::optional<Point> pointer() override { return mac_.pointer().position(); }
     void warpPointer(Point to) override { mac_.warpPointer(to); }
 

@@ -20,14 +20,17 @@ constexpr double sideMargin = 60;
 constexpr double fill = 0.85;
 
 constexpr double stripBottom = 48;
+/// A pointer that was never as far below the edge didn't come from below.
+constexpr double approachDepth = 100;
 /// A move inside the strip counts as small up to here; a longer one is another entry.
 constexpr double smallMove = 20;
-constexpr double beforeExpanding = 0.08;
+constexpr double beforeExpanding = 0.1;
 constexpr double expandingTime = 0.3;
 constexpr double collapsingTime = 0.2;
 
 constexpr double addButtonSize = 32;
-constexpr double addCornerWidth = 90;
+constexpr double addCornerWidth = 20;
+constexpr double addCornerHeight = 80;
 
 double mix(double collapsed, double expanded, double part) {
     return collapsed + (expanded - collapsed) * part;
@@ -40,7 +43,10 @@ void SimulatedSpacesBar::track(Point pointer, async::Nanos now) {
     const bool leavesBar = depth > (expansion_.to > 0 ? expandedBarHeight : stripBottom);
     if (!screen_.contains(pointer) || leavesBar) {
         if (expansion_.to > 0) collapse(now);
-        approach_ = screen_.contains(pointer) ? Approach::below : Approach::none;
+        if (!screen_.contains(pointer))
+            approach_ = Approach::none;
+        else if (depth >= approachDepth || approach_ != Approach::none)
+            approach_ = Approach::below;
     } else if (depth >= stripTop_ && depth <= stripBottom && approach_ != Approach::none) {
         const double moved = std::hypot(pointer.x - enteredAt_.x, pointer.y - enteredAt_.y);
         if (approach_ == Approach::inside && moved > 0 && moved <= smallMove) expand(now);
@@ -80,7 +86,7 @@ Rect SimulatedSpacesBar::addButton(async::Nanos now) const {
 
 bool SimulatedSpacesBar::isNearAddButton(Point pointer) const {
     return screen_.contains(pointer) && pointer.x >= screen_.x + screen_.width - addCornerWidth &&
-           pointer.y <= screen_.y + expandedBarHeight;
+           pointer.y <= screen_.y + addCornerHeight;
 }
 
 } // namespace lumnara
