@@ -3,12 +3,12 @@
 // With the argument "transcripts" it prints instead what is done there step by step, and what each fault led
 // to.
 
+#include "bench/ArrangeTranscripts.h"
 #include "bench/Bench.h"
 #include "core/arranging/ReorderPlan.h"
 #include "core/model/SpaceSnapshot.h"
 #include "tests/session/ArrangerSession.h"
 #include "tests/simruns/ArrangeRun.h"
-#include "tests/simruns/ArrangeTranscripts.h"
 #include "tests/support/LogLines.h"
 
 #include <cstdio>
@@ -60,7 +60,7 @@ double turningAround(testing::WindowManager windowManager, int rounds) {
 /// Seconds of a Mac's clock that pass in one of ours while ten desktops are turned around there.
 double simulatedSeconds(int rounds) {
     double seconds = 0;
-    const double time = medianMicroseconds(rounds, [&] { seconds = testing::reorderTranscript(10).seconds; });
+    const double time = medianMicroseconds(rounds, [&] { seconds = reorderTranscript(10).seconds; });
     return seconds / (time / 1e6);
 }
 
@@ -75,8 +75,8 @@ testing::ArrangeTally faultRuns(testing::ArrangeWork work) {
 
 void printTranscripts() {
     using testing::ArrangeWork;
-    std::printf("a reorder of four desktops\n%s\n", testing::reorderTranscript(4).text.c_str());
-    std::printf("a removal that the user stops\n%s\n", testing::stoppedRemovalTranscript().text.c_str());
+    std::printf("a reorder of four desktops\n%s\n", reorderTranscript(4).text.c_str());
+    std::printf("a removal that the user stops\n%s\n", stoppedRemovalTranscript().text.c_str());
     std::printf("runs to reorder\n%s", faultRuns(ArrangeWork::reorder).table().c_str());
     std::printf("runs to remove\n%s", faultRuns(ArrangeWork::remove).table().c_str());
     std::printf("runs to create\n%s", faultRuns(ArrangeWork::create).table().c_str());

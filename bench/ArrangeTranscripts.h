@@ -1,4 +1,4 @@
-#include "tests/simruns/ArrangeTranscripts.h"
+#pragma once
 
 #include "tests/simruns/ArrangeStage.h"
 
@@ -6,13 +6,20 @@
 #include <fmt/ranges.h>
 #include <memory>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
-namespace lumnara::testing {
+namespace lumnara::bench {
 
-namespace {
+/// A line a step: what was done in Mission Control when, what the surface was told, and what came of it.
+struct ArrangeTranscript {
+    std::string text;
+    /// How long it took on the Mac's own clock.
+    double seconds = 0;
+};
 
 /// A stage that writes down what happens on it.
-class RecordedStage : public ArrangeStage {
+class RecordedStage : public testing::ArrangeStage {
 public:
     explicit RecordedStage(int desktops) : ArrangeStage(desktops) {
         driver.onStep = [this](const std::string& step) { write(step); };
@@ -45,19 +52,18 @@ public:
     ArrangeTranscript transcript;
 };
 
-async::Task<> reorderOn(RecordedStage& stage, std::vector<SpaceID> wish, ReorderOutcome& outcome) {
+inline async::Task<> reorderOn(RecordedStage& stage, std::vector<SpaceID> wish, ReorderOutcome& outcome) {
     const ReorderOutcome ended = co_await stage.arranger.reorder(stage.display, std::move(wish));
     outcome = ended;
 }
 
-async::Task<> removeOn(RecordedStage& stage, std::vector<SpaceID> ids, RemoveOutcome& outcome) {
+inline async::Task<> removeOn(RecordedStage& stage, std::vector<SpaceID> ids, RemoveOutcome& outcome) {
     const RemoveOutcome ended = co_await stage.arranger.remove(std::move(ids), stage.display);
     outcome = ended;
 }
 
-} // namespace
-
-ArrangeTranscript reorderTranscript(int desktops) {
+/// So many desktops are turned around. Throws when they don't end that way.
+inline ArrangeTranscript reorderTranscript(int desktops) {
     RecordedStage stage(desktops);
     std::vector<SpaceID> wish = stage.order();
     std::ranges::reverse(wish);
@@ -69,7 +75,8 @@ ArrangeTranscript reorderTranscript(int desktops) {
     return transcript;
 }
 
-ArrangeTranscript stoppedRemovalTranscript() {
+/// The user presses Escape while the first of three desktops goes. Throws when one went unasked.
+inline ArrangeTranscript stoppedRemovalTranscript() {
     RecordedStage stage(5);
     const std::vector<SpaceID> before = stage.order();
     const std::vector<SpaceID> wish{before[1], before[3], before[4]};
@@ -92,4 +99,4 @@ ArrangeTranscript stoppedRemovalTranscript() {
     return transcript;
 }
 
-} // namespace lumnara::testing
+} // namespace lumnara::bench
