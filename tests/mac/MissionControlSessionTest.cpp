@@ -1,93 +1,87 @@
 #include "core/platform/mac/missioncontrol/MissionControlSession.h"
-#include "tests/mac/MissionControlTest.h"
+
+#include "tests/mac/Arranging.h"
+
+#include <limits>
 
 namespace lumnara {
 namespace {
 
+using testing::Arranging;
 using testing::finish;
+using testing::WatchedDriver;
 using Case = SpaceReorderError::Case;
 
-class MissionControlSessionTest : public testing::MissionControlTest {
+class MissionControlSessionTest : public ::testing::Test, protected Arranging {
 protected:
     testing::Ended<bool> open(int expectedCount = 4) {
-        return finish(loop, session.open(mc.frames["D1"], expectedCount));
+        driver.moves = 0;
+        return finish(loop, session.open(mac.layout().screens()[0].frame, expectedCount));
     }
+    void close() { finish(loop, session.close()); }
+    double seconds() const { return async::secondsOf(loop.now()); }
 
-    MissionControlSession session{mc};
+    MissionControlSession session{driver};
 };
 
-TEST_F(MissionControlSessionTest, OpensAndHoversUntilTheBarHasExpanded) {
-    std::vector<std::string> said;
-    session.onProgress = [&](const std::string& sentence) { said.push_back(sentence); };
-    mc.opensAfter = 0;
-    EXPECT_TRUE(open().value);
-    EXPECT_EQ(mc.pauses, std::vector<double>({0.5, 0.1, 0.15, 0.7}));
-    EXPECT_EQ(mc.pointer, (Point{724, 22}));
-    EXPECT_EQ(said, std::vector<std::string>({"Opening Mission Control"}));
-
-    finish(loop, session.close());
-    mc.moves = 0;
-    mc.expandsInRound = 3;
-    EXPECT_TRUE(open().value);
-    EXPECT_EQ(mc.moves, 9);
-    EXPECT_EQ(mc.pointer, (Point{724, 38}));
-}
-
 TEST_F(MissionControlSessionTest, WaitsThreeSecondsForItToOpen) {
-    mc.opensAfter = 2.95;
-    EXPECT_TRUE(open().value);
-    finish(loop, session.close());
+    std::unique_ptr<async::Delayed> late;
+    driver.onCall = [&] {
+        if (driver.opens == 1 && !late) // and the Dock takes up to 0.4 s
+            late = std::make_unique<async::Delayed>(loop, 2.55, [&] { mac.missionControl().toggle(); });
+    };
+    const auto openWithoutDock = [&] {
+        mac.inject(SimulatedFault::dockRestarted);
+        return open();
+    };
+    EXPECT_TRUE(openWithoutDock().value);
+    EXPECT_GT(seconds(), 2.6 + 0.5 + 0.95);
+    close();
     const double start = seconds();
-    mc.opensAfter = 60;
-    mc.moves = 0;
-    EXPECT_TRUE(open().failedWith(SpaceReorderError(Case::missionControlDidNotOpen)));
+    EXPECT_TRUE(openWithoutDock().failedWith(SpaceReorderError(Case::missionControlDidNotOpen)));
     EXPECT_NEAR(seconds() - start, 3.0, 1e-6);
-    EXPECT_EQ(mc.moves, 0);
+    EXPECT_EQ(driver.moves, 0);
 }
 
 TEST_F(MissionControlSessionTest, GivesUpOnABarThatStaysOtherThanExpected) {
     EXPECT_TRUE(open(5).failedWith(SpaceReorderError(Case::spacesBarNotFound)));
-    EXPECT_EQ(mc.moves, 9);
-    EXPECT_EQ(mc.escapes, 0) << "whoever opened closes";
-    finish(loop, session.close());
-    mc.expandsInRound = 4;
-    EXPECT_TRUE(open().failedWith(SpaceReorderError(Case::spacesBarNotFound)));
-    finish(loop, session.close());
-    mc.expandsInRound = 1;
-    mc.damagedBars = 3;
-    EXPECT_TRUE(open().failedWith(SpaceReorderError(Case::spacesBarNotFound))) << "a frame of NaN";
+    EXPECT_EQ(driver.moves, 9);
+    EXPECT_EQ(driver.escapes, 0) << "whoever opened closes";
+    close();
+    const Size label{100, 26}, nothing{100, 0};
+    for (const Size size : {label, nothing}) {
+        accessibility.damage = [=](std::string_view name, const AccessibilityValue& value) {
+            return std::optional(name == "AXSize" ? AccessibilityValue(size) : value);
+        };
+        EXPECT_TRUE(open().failedWith(SpaceReorderError(Case::spacesBarNotFound)));
+        close();
+    }
 }
 
 TEST_F(MissionControlSessionTest, TakesNoticeWhenItIsClosedWhileHovering) {
-    mc.expandsInRound = 4;
-    mc.onCall = [&] {
-        if (mc.moves == 5) mc.closeByItself();
-    };
-    EXPECT_TRUE(open().failedWith(SpaceReorderError(Case::missionControlDidNotOpen)));
-    EXPECT_EQ(mc.moves, 6);
+    at(&WatchedDriver::moves, 5, [](Arranging& at) { at.mac.missionControl().vanish(); });
+    EXPECT_TRUE(open(5).failedWith(SpaceReorderError(Case::missionControlDidNotOpen)));
+    EXPECT_EQ(driver.moves, 6);
 }
 
-TEST_F(MissionControlSessionTest, ClosesWithAsManyEscapesAsItTakes) {
-    open();
-    mc.closesAfter = 0;
-    mc.pauses.clear();
-    finish(loop, session.close());
-    EXPECT_EQ(mc.escapes, 1);
-    EXPECT_EQ(mc.pauses, std::vector<double>({0.4}));
-
-    open();
-    mc.lostEscapes = 1;
-    finish(loop, session.close());
-    EXPECT_EQ(mc.escapes, 3);
-    EXPECT_FALSE(mc.showsNow());
-
-    open();
-    mc.lostEscapes = 2;
-    const double start = seconds();
-    finish(loop, session.close());
-    EXPECT_EQ(mc.escapes, 5);
-    EXPECT_TRUE(mc.showsNow());
-    EXPECT_NEAR(seconds() - start, 2 * 1.5 + 0.4, 1e-6);
+TEST_F(MissionControlSessionTest, ClosesWithTwoEscapesAtMost) {
+    struct Closing {
+        int lost, escapes;
+        double seconds;
+    };
+    for (const Closing& each : {Closing{0, 1, 0.8}, {1, 2, 2.3}, {2, 2, 3.4}}) {
+        open();
+        driver.escapes = 0;
+        driver.onCall = [&] {
+            if (driver.escapes > 0 && driver.escapes <= each.lost) mac.inject(SimulatedFault::gestureLost);
+        };
+        const double start = seconds();
+        close();
+        EXPECT_EQ(driver.escapes, each.escapes);
+        EXPECT_NEAR(seconds() - start, each.seconds, 0.101);
+        EXPECT_EQ(mac.missionControl().isUp(), each.lost == 2);
+        mac.missionControl().vanish();
+    }
 }
 
 TEST(MissionControlBar, IsExpandedWithPicturesAtTheDisplaysTop) {

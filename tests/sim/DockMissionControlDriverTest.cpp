@@ -2,28 +2,15 @@
 #include "core/platform/mac/missioncontrol/MissionControlSession.h"
 #include "tests/simruns/ArrangeStage.h"
 
-#include <array>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
-#include <utility>
 
 namespace lumnara {
 namespace {
 
 using testing::ArrangeStage;
 using testing::DamagedAccessibility;
-
-/// Takes down what is posted.
-class RecordedEvents : public EventServices {
-public:
-    void post(const SyntheticEvent& event, EventTap tap) override { posted.emplace_back(event, tap); }
-    std::optional<Point> pointer() override { return at; }
-    void warpPointer(Point to) override { at = to; }
-
-    std::vector<std::pair<SyntheticEvent, EventTap>> posted;
-    std::optional<Point> at;
-};
 
 class DockMissionControlDriverTest : public ::testing::TestWithParam<SimulatedDockTree> {
 protected:
@@ -172,36 +159,6 @@ TEST_P(DockMissionControlDriverTest, TellsNothingWithoutThePermissionOrTheDock) 
     EXPECT_TRUE(bar());
     stage.mac.inject(SimulatedFault::dockRestarted);
     EXPECT_FALSE(stage.driver.isOpen() || bar() || stage.driver.removeDesktop(0, "Desktop 1"));
-}
-
-TEST_P(DockMissionControlDriverTest, PostsEventsThatReadAsTheMousesOwn) {
-    RecordedEvents events;
-    DockMissionControlDriver driver({stage.accessibility, events, *stage.platform.preferences,
-                                     *stage.platform.screens, *stage.platform.sessionProbe,
-                                     *stage.platform.windowServer, *stage.platform.workspace});
-    const Point at{30, 40};
-    EXPECT_EQ(driver.pointerLocation(), Point());
-    driver.warpPointer(at);
-    EXPECT_EQ(driver.pointerLocation(), at);
-    driver.movePointer(at);
-    driver.pressPointer(at);
-    driver.dragPointer(at);
-    driver.releasePointer(at);
-    driver.pressEscape();
-    using Fields = std::vector<SyntheticEvent::Field>;
-    const Fields click{{1, std::int64_t{1}}}, hold{{1, std::int64_t{1}}, {2, 1.0}};
-    const std::array<std::pair<int, Fields>, 4> mouse{{{5, {}}, {1, hold}, {6, hold}, {2, click}}};
-    ASSERT_EQ(events.posted.size(), 6u);
-    for (std::size_t i = 0; i < mouse.size(); ++i) {
-        const SyntheticEvent expected{
-            MouseEvent{static_cast<MouseEventType>(mouse[i].first), at, MouseButton::left}, mouse[i].second,
-            EventSourceState::hidSystem};
-        EXPECT_EQ(events.posted[i], std::pair(expected, EventTap::hid)) << i;
-    }
-    for (const std::size_t i : {4, 5}) {
-        const SyntheticEvent expected{KeyEvent{static_cast<KeyCode>(53), i == 4}};
-        EXPECT_EQ(events.posted[i], std::pair(expected, EventTap::hid));
-    }
 }
 
 TEST_P(DockMissionControlDriverTest, ReadsTheSettingAndTheDisplays) {

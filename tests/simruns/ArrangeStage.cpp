@@ -11,8 +11,10 @@ namespace lumnara::testing {
 
 namespace {
 
-Platform withScreens(SimulatedMac& mac, int left, int right) {
+Platform withScreens(SimulatedMac& mac, int left, int right,
+                     const std::function<void(SimulatedMac&)>& prepare = {}) {
     plugTwoScreens(mac, left, right);
+    if (prepare) prepare(mac);
     mac.warpPointer({400, 600});
     return mac.platform();
 }
@@ -23,6 +25,7 @@ SpaceSnapshot WatchedProvider::snapshot() {
     last.reset();
     if (failures > 0 && failures-- > 0) throw SpaceKitError::enumerationFailed();
     last = LiveSpaceProvider::snapshot();
+    if (bend) bend(*last);
     if (!first) first = last;
     return *last;
 }
@@ -39,9 +42,10 @@ ArrangeStage::ArrangeStage(SimulatedRandom& random, std::uint64_t seed)
     furnish(random);
 }
 
-ArrangeStage::ArrangeStage(int desktops, SimulatedMacOptions options)
+ArrangeStage::ArrangeStage(int desktops, SimulatedMacOptions options,
+                           const std::function<void(SimulatedMac&)>& prepare)
     : mac(loop, options),
-      platform(withScreens(mac, desktops, desktops)),
+      platform(withScreens(mac, desktops, desktops, prepare)),
       display{"LEFT"} {}
 
 Platform ArrangeStage::furnished(SimulatedRandom& random) {

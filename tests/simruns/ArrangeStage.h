@@ -7,6 +7,7 @@
 #include "tests/simruns/DamagedAccessibility.h"
 #include "tests/simruns/WatchedDriver.h"
 
+#include <functional>
 #include <optional>
 
 namespace lumnara::testing {
@@ -17,6 +18,8 @@ public:
     using LiveSpaceProvider::LiveSpaceProvider;
 
     int failures = 0;
+    /// Bends what is told.
+    std::function<void(SpaceSnapshot&)> bend;
     std::optional<SpaceSnapshot> first;
     /// Nothing when the last reading failed.
     std::optional<SpaceSnapshot> last;
@@ -29,8 +32,9 @@ class ArrangeStage {
 public:
     /// All that is left open follows from `random`.
     ArrangeStage(SimulatedRandom& random, std::uint64_t seed);
-    /// Two screens of so many desktops each.
-    explicit ArrangeStage(int desktops, SimulatedMacOptions options = {});
+    /// Two screens of so many desktops each; `prepare` is called before anything is looked up.
+    explicit ArrangeStage(int desktops, SimulatedMacOptions options = {},
+                          const std::function<void(SimulatedMac&)>& prepare = {});
 
     /// Whether the bar that was read last is the one a script of so many Spaces expects.
     bool showsBar(std::size_t count) const;

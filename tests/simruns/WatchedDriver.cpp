@@ -19,6 +19,13 @@ std::string textOf(const std::optional<SpacesBarButtons>& bar) {
 
 } // namespace
 
+void WatchedDriver::begin(int& count, const std::string& what) {
+    ++count;
+    restsAfterWarp = false;
+    if (onCall) onCall();
+    if (!what.empty()) step(what);
+}
+
 void WatchedDriver::step(const std::string& what) {
     if (!onStep) return;
     tellDrags();
@@ -26,58 +33,53 @@ void WatchedDriver::step(const std::string& what) {
 }
 
 void WatchedDriver::tellDrags() {
-    const int drags = std::exchange(drags_, 0);
+    const int drags = std::exchange(untold_, 0);
     if (drags > 0) step(fmt::format("{} drags to {}", drags, textOf(draggedTo_)));
 }
 
 void WatchedDriver::open() {
-    ++opens;
-    step("open Mission Control");
+    begin(opens, "open Mission Control");
     DockMissionControlDriver::open();
 }
 
 void WatchedDriver::pressEscape() {
-    ++escapes;
-    step("Escape");
+    begin(escapes, "Escape");
     DockMissionControlDriver::pressEscape();
 }
 
 std::optional<SpacesBarButtons> WatchedDriver::spacesBarButtons(const std::optional<Rect>& displayFrame) {
+    begin(looks, "");
     lastBar = DockMissionControlDriver::spacesBarButtons(displayFrame);
     step("bar read, " + textOf(lastBar));
     return lastBar;
 }
 
 bool WatchedDriver::removeDesktop(int index, const std::string& title) {
+    begin(removals, "");
     const bool removed = DockMissionControlDriver::removeDesktop(index, title);
     step(fmt::format("remove \"{}\" at {}: {}", title, index, removed ? "accepted" : "refused"));
     return removed;
 }
 
 void WatchedDriver::movePointer(Point to) {
-    restsAfterWarp = false;
-    step("move to " + textOf(to));
+    begin(moves, "move to " + textOf(to));
     DockMissionControlDriver::movePointer(to);
 }
 
 void WatchedDriver::pressPointer(Point at) {
-    ++presses;
-    restsAfterWarp = false;
-    step("press at " + textOf(at));
+    begin(presses, "press at " + textOf(at));
     DockMissionControlDriver::pressPointer(at);
 }
 
 void WatchedDriver::dragPointer(Point to) {
-    restsAfterWarp = false;
-    ++drags_;
+    begin(drags, "");
+    ++untold_;
     draggedTo_ = to;
     DockMissionControlDriver::dragPointer(to);
 }
 
 void WatchedDriver::releasePointer(Point at) {
-    ++releases;
-    restsAfterWarp = false;
-    step("release at " + textOf(at));
+    begin(releases, "release at " + textOf(at));
     DockMissionControlDriver::releasePointer(at);
 }
 
@@ -87,6 +89,7 @@ Point WatchedDriver::pointerLocation() {
 }
 
 void WatchedDriver::warpPointer(Point to) {
+    if (onCall) onCall();
     warped = to;
     restsAfterWarp = true;
     step("pointer put back to " + textOf(to));

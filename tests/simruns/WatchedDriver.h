@@ -18,10 +18,17 @@ public:
 
     int opens = 0;
     int escapes = 0;
+    int moves = 0;
     int presses = 0;
+    int drags = 0;
     int releases = 0;
+    int looks = 0; ///< at a bar
+    int removals = 0;
+    /// Is called before each of these, counted already, and before the pointer is put anywhere.
+    std::function<void()> onCall;
     std::optional<Point> asked;  ///< what was told of the pointer
     std::optional<Point> warped; ///< where it was put last
+    /// Nothing was asked for since.
     bool restsAfterWarp = true;
     std::optional<SpacesBarButtons> lastBar;
     /// Is told each step with its time; drags that follow each other are one step.
@@ -41,11 +48,12 @@ public:
     bool addDesktopByDescription() override;
 
 private:
+    void begin(int& count, const std::string& what);
     void step(const std::string& what);
     void tellDrags();
 
     const async::Loop& loop_;
-    int drags_ = 0;
+    int untold_ = 0; ///< drags
     Point draggedTo_;
 };
 

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "core/async/TestLoop.h"
+
+#include <exception>
+#include <gtest/gtest.h>
+#include <optional>
+#include <utility>
+
+namespace lumnara::testing {
+
+/// How a task ended.
+template <class T> struct Ended {
+    std::optional<T> value;
+    std::exception_ptr error;
+
+    template <class E> bool failedWith(const E& expected) const {
+        if (!error) return false;
+        try {
+            std::rethrow_exception(error);
+        } catch (const E& caught) {
+            return caught == expected;
+        } catch (...) {
+            return false;
+        }
+    }
+};
+
+template <class T> async::Task<> noteEnd(async::Task<T> task, Ended<T>& ended) {
+    try {
+        T value = co_await std::move(task);
+        ended.value = std::move(value);
+    } catch (...) {
+        ended.error = std::current_exception();
+    }
+}
+
+inline async::Task<bool> thenTrue(async::Task<> task) {
+    co_await std::move(task);
+    co_return true;
+}
+
+/// Runs a task to its end, and all that it leaves to happen.
+template <class T> Ended<T> finish(async::TestLoop& loop, async::Task<T> task) {
+    Ended<T> ended;
+    const auto handle = async::spawn(loop, noteEnd(std::move(task), ended));
+    loop.runUntilDone();
+    EXPECT_TRUE(ended.value || ended.error);
+    return ended;
+}
+inline Ended<bool> finish(async::TestLoop& loop, async::Task<> task) {
+    return finish(loop, thenTrue(std::move(task)));
+}
+
+} // namespace lumnara::testing
