@@ -3,10 +3,6 @@
 add_library(lumnara_flags INTERFACE)
 target_include_directories(lumnara_flags INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(lumnara_flags INTERFACE -Wall -Wextra -Werror -fno-omit-frame-pointer)
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # False alarms of g++ 12 on optional and string.
-    target_compile_options(lumnara_flags INTERFACE -Wno-error=maybe-uninitialized -Wno-error=restrict)
-endif()
 if(LUMNARA_SANITIZE)
     target_compile_options(lumnara_flags INTERFACE -fsanitize=${LUMNARA_SANITIZE} -fno-sanitize-recover=all)
     target_link_options(lumnara_flags INTERFACE -fsanitize=${LUMNARA_SANITIZE})

@@ -50,8 +50,7 @@ Task<bool> Trigger::wait(double seconds) { return waitSince(state_, state_->fire
 
 Task<bool> Trigger::waitSince(std::shared_ptr<State> state, std::uint64_t fired, double seconds) {
     Awaiter awaiter(std::move(state), fired, seconds);
-    const bool heard = co_await awaiter;
-    co_return heard;
+    co_return co_await awaiter;
 }
 
 } // namespace lumnara::async

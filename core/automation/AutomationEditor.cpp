@@ -75,14 +75,14 @@ void AutomationEditor::remove(std::string_view id) {
 }
 
 void AutomationEditor::addAction(std::string_view id, AutomationAction action) {
-    AutomationAction checked = ActionRules::checked(std::move(action), runner_.actionTimeout);
-    change(id, [&](Automation& automation) { automation.actions.push_back(std::move(checked)); });
+    action = ActionRules::checked(std::move(action), runner_.actionTimeout);
+    change(id, [&](Automation& automation) { automation.actions.push_back(std::move(action)); });
 }
 
 void AutomationEditor::replaceAction(std::string_view id, std::size_t place, AutomationAction action) {
-    AutomationAction checked = ActionRules::checked(std::move(action), runner_.actionTimeout);
+    action = ActionRules::checked(std::move(action), runner_.actionTimeout);
     change(id, [&](Automation& automation) {
-        if (place < automation.actions.size()) automation.actions[place] = std::move(checked);
+        if (place < automation.actions.size()) automation.actions[place] = std::move(action);
     });
 }
 

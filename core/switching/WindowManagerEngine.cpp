@@ -37,8 +37,7 @@ async::Task<SwitchResult> WindowManagerEngine::switchTo(const Space& target, con
     requireElsewhere(target.id, display, snapshot, context.loop->date());
 
     for (int number = 1; number <= windowManagerAttempts; ++number) {
-        const bool landed = co_await attempt(target, display, number == windowManagerAttempts);
-        if (landed)
+        if (co_await attempt(target, display, number == windowManagerAttempts))
             co_return SwitchResult{true, kind(), number, async::secondsOf(context.loop->now() - start)};
         // Whoever cancelled may have asked for another desktop by now; asking again would undo that.
         if (context.stop.stop_requested()) throw async::Cancelled();

@@ -12,8 +12,7 @@ namespace lumnara::async {
 namespace {
 
 Task<> sleepAndNote(double seconds, std::string& notes) {
-    const bool whole = co_await sleepUnlessCancelled(seconds);
-    notes += whole ? "slept " : "cancelled ";
+    notes += co_await sleepUnlessCancelled(seconds) ? "slept " : "cancelled ";
 }
 
 Task<std::string> lengthOf(std::string text, double seconds) {
@@ -150,15 +149,13 @@ TEST(Task, ALongLoopOfTasksDoesNotGrowTheStack) {
 }
 
 Task<> noteTrigger(Trigger& trigger, double seconds, std::string& notes) {
-    const bool fired = co_await trigger.wait(seconds);
-    notes += fired ? "fired " : "not ";
+    notes += co_await trigger.wait(seconds) ? "fired " : "not ";
 }
 Task<> noteEarlyTrigger(Trigger& trigger, std::string& notes) {
     trigger.fire(); // a firing before the wait begins doesn't count
     Task<bool> wait = trigger.wait(1);
     trigger.fire();
-    const bool fired = co_await std::move(wait);
-    notes += fired ? "fired " : "not ";
+    notes += co_await std::move(wait) ? "fired " : "not ";
     co_await noteTrigger(trigger, 1, notes);
 }
 

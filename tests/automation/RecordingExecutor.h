@@ -54,8 +54,7 @@ public:
 
 private:
     async::Task<> hang(std::string what, double seconds = 1e6) {
-        const bool slept = co_await async::sleepUnlessCancelled(seconds);
-        if (slept) co_return;
+        if (co_await async::sleepUnlessCancelled(seconds)) co_return;
         calls.push_back(what + " cancelled");
         throw async::Cancelled();
     }

@@ -246,11 +246,9 @@ async::Task<> noteOutcomes(DesktopArranger& arranger, std::vector<SpaceID> wish,
                            std::optional<ReorderOutcome>& reordered, std::optional<RemoveOutcome>& removed) {
     const DisplayID display{"R"};
     const std::vector<SpaceID> last{wish.back()};
-    const auto order = co_await arranger.reorder(display, wish);
-    reordered = order;
+    reordered = co_await arranger.reorder(display, wish);
     try {
-        const auto removal = co_await arranger.remove(last, display);
-        removed = removal;
+        removed = co_await arranger.remove(last, display);
     } catch (const WindowManagerError&) {
         removed = RemoveOutcome{.removedIDs = {}, .stoppedBecause = "not begun"};
     }

@@ -25,8 +25,7 @@ template <class T> struct Arranged {
 };
 template <class T> async::Task<> keepArranged(async::Task<T> task, Arranged<T>& result) {
     try {
-        const auto value = co_await std::move(task);
-        result.value = value;
+        result.value = co_await std::move(task);
     } catch (const Failure& failure) {
         result.failure = failure.sentence();
     }

@@ -8,8 +8,7 @@ using testing::ScriptedProvider;
 using testing::twoDisplays;
 
 async::Task<> noteLanding(async::Task<bool> landing, std::optional<bool>& landed) {
-    const bool answer = co_await std::move(landing);
-    landed = answer;
+    landed = co_await std::move(landing);
 }
 
 class SwitchVerifierTest : public ::testing::Test {

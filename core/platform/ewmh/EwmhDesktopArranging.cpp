@@ -34,8 +34,7 @@ EwmhDesktopArranging::EwmhDesktopArranging(std::shared_ptr<X11Connection> connec
 async::Task<> EwmhDesktopArranging::add(DisplayID) {
     const std::size_t count = desktops_->read().desktops.size();
     desktops_->expectNew(count);
-    const auto added = co_await changeCount(count + 1);
-    if (!added) desktops_->forget(count);
+    if (!co_await changeCount(count + 1)) desktops_->forget(count);
 }
 
 async::Task<> EwmhDesktopArranging::arrange(DisplayID, std::vector<SpaceID> order) {
@@ -45,8 +44,7 @@ async::Task<> EwmhDesktopArranging::arrange(DisplayID, std::vector<SpaceID> orde
         if (const auto index = reading.indexOf(id)) places.push_back(*index);
     if (places.size() != reading.desktops.size()) co_return;
     const auto held = desktops_->hold();
-    const auto moved = co_await moveAll(inverted(places));
-    if (moved) desktops_->identify(places);
+    if (co_await moveAll(inverted(places))) desktops_->identify(places);
 }
 
 async::Task<> EwmhDesktopArranging::remove(SpaceID id, SpaceID heir) {
@@ -63,17 +61,14 @@ async::Task<> EwmhDesktopArranging::remove(SpaceID id, SpaceID heir) {
     targets[*removed] = targets[*inherits];
 
     const auto held = desktops_->hold();
-    const auto moved = co_await moveAll(targets);
-    if (!moved) co_return;
+    if (!co_await moveAll(targets)) co_return;
     desktops_->identify(places);
-    const auto shrunk = co_await changeCount(last);
-    if (shrunk) {
+    if (co_await changeCount(last)) {
         desktops_->forget(last);
         co_return;
     }
     // It won't have one less: then all keep their places.
-    const auto movedBack = co_await moveAll(places);
-    if (movedBack) desktops_->identify(inverted(places));
+    if (co_await moveAll(places)) desktops_->identify(inverted(places));
 }
 
 /// What is at each index goes to its target. When that doesn't come about it is taken back, so that a window
@@ -83,13 +78,11 @@ async::Task<bool> EwmhDesktopArranging::moveAll(Indexes targets) {
     windows_.watch(move.after, true);
     request(move);
     const auto come = [this, &move] { return hasCome(move); };
-    const auto movedAtOnce = co_await comesTrue(come);
-    bool moved = movedAtOnce;
+    bool moved = co_await comesTrue(come);
     if (!moved) {
         // A window may have been drawn along by another, as a dialog is by its parent.
         for (const EwmhPlacement& placement : windows_.misplaced(move.after)) windows_.request(placement);
-        const auto movedLater = co_await comesTrue(come);
-        moved = movedLater;
+        moved = co_await comesTrue(come);
     }
     windows_.watch(move.after, false);
     if (!moved) takeBack(move);
@@ -155,8 +148,7 @@ async::Task<bool> EwmhDesktopArranging::comesTrue(std::function<bool()> conditio
         if (condition()) co_return true;
         const double left = async::secondsOf(deadline - connection_->loop().now());
         if (left <= 0) co_return false;
-        const auto announced = co_await changed_.wait(left);
-        if (!announced) co_return condition();
+        if (!co_await changed_.wait(left)) co_return condition();
     }
 }
 

@@ -57,8 +57,7 @@ async::Task<ReorderOutcome> WindowManagerArranger::reorder(DisplayID display, st
     outcome.finalOrder = before;
     if (!outcome.planned.empty()) {
         if (onProgress) onProgress(fmt::format("Moving desktops in {}", windowManager_->windowManager()));
-        const auto stopped = co_await arrange(shown.display, target);
-        outcome.stoppedBecause = stopped;
+        outcome.stoppedBecause = co_await arrange(shown.display, target);
         try {
             outcome.finalOrder = DesktopReadings::idsOf(requireDisplay(look(), display));
         } catch (const Failure& failure) {
@@ -99,8 +98,7 @@ async::Task<RemoveOutcome> WindowManagerArranger::remove(std::vector<SpaceID> id
             onProgress(ids.size() == 1 ? fmt::format("Removing the desktop in {}", name)
                                        : fmt::format("Removing desktops in {} ({}/{})", name,
                                                      outcome.removedIDs.size() + 1, ids.size()));
-        const auto stopped = co_await removeOne(id, display);
-        outcome.stoppedBecause = stopped;
+        outcome.stoppedBecause = co_await removeOne(id, display);
         if (outcome.stoppedBecause) break;
         outcome.removedIDs.push_back(id);
     }

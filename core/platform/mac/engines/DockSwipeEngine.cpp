@@ -94,8 +94,8 @@ async::Task<int> DockSwipeEngine::swipeUntilLanded(SpaceID target, DisplayID dis
         const SwipePlan plan = requiredPlan(snapshot, display, target);
         if (plan.swipes == 0) co_return attempt; // an earlier round landed after its last look
         co_await swipeAll(plan);
-        const bool landed = co_await SwitchVerifier::awaitLanding(target, display, provider_, config.verify);
-        if (landed) co_return attempt;
+        if (co_await SwitchVerifier::awaitLanding(target, display, provider_, config.verify))
+            co_return attempt;
         // Whoever cancelled may have asked for another desktop by now; swiping again would undo that.
         if (context.stop.stop_requested()) throw async::Cancelled();
         snapshot = readAgain(display, attempt);

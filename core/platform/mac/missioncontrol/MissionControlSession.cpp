@@ -68,8 +68,7 @@ async::Task<> MissionControlSession::close() {
 }
 
 async::Task<> MissionControlSession::awaitClosing() {
-    const bool closed = co_await hasClosed();
-    if (closed) co_return;
+    if (co_await hasClosed()) co_return;
     driver_.pressEscape();
     co_await hasClosed();
 }

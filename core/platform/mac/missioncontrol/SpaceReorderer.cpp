@@ -58,9 +58,8 @@ async::Task<> SpaceReorderer::performMoves(DisplayID display, Rect displayFrame,
             onProgress(
                 fmt::format("Moving desktops in Mission Control ({} of {})", outcome.performed + 1, total));
         std::vector<SpaceID> expected = ReorderPlan::applying(move, working);
-        const auto stopped = co_await thumbnails.perform(move);
-        outcome.stoppedBecause = stopped;
-        if (stopped) co_return;
+        outcome.stoppedBecause = co_await thumbnails.perform(move);
+        if (outcome.stoppedBecause) co_return;
         co_await driver_.pause(MissionControlTiming::afterDrop);
         if (orderOn(provider, display) != expected) {
             outcome.stoppedBecause = fmt::format("Mission Control did not move desktop {} to position {}.",
