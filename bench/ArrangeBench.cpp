@@ -109,7 +109,6 @@ int main(int count, char** arguments) {
     report.add("moves_1000", planning(1000, 101), "ms");
     report.add("sim_seconds_per_second", simulatedSeconds(21), "ten desktops turned around");
     reportFaultRuns(report);
-    report.add("moves_100000_ms", planning(100'000, 15), "a random order");
     report.add("reorder10_i3_ms", turningAround(lumnara::testing::WindowManager::i3, 21));
     report.add("reorder10_openbox_ms", turningAround(lumnara::testing::WindowManager::openbox, 21));
     report.line("reorder10_xfwm4_ms", turningAround(lumnara::testing::WindowManager::xfwm4, 21));

@@ -9,7 +9,7 @@ namespace {
 constexpr std::size_t none = ~std::size_t{0};
 
 /// The places of one longest strictly increasing subsequence, last first.
-std::vector<std::size_t> longestIncreasing(std::span<const std::size_t> ranks) {
+std::vector<std::size_t> longestIncreasing(const std::vector<std::size_t>& ranks) {
     std::vector<std::size_t> tops; // the place on top of each pile
     std::vector<std::size_t> before(ranks.size(), none);
     for (std::size_t place = 0; place < ranks.size(); ++place) {
@@ -27,56 +27,21 @@ std::vector<std::size_t> longestIncreasing(std::span<const std::size_t> ranks) {
     return places;
 }
 
-/// How many elements stand at each slot, summed by a binary indexed tree (Fenwick 1994).
-class SlotCounts {
-public:
-    /// One element at each slot but slot 0.
-    explicit SlotCounts(std::size_t slots) : tree_(slots + 1, 0) {
-        for (std::size_t node = 1; node < tree_.size(); ++node) {
-            if (node > 1) ++tree_[node];
-            const std::size_t parent = node + (node & -node);
-            if (parent < tree_.size()) tree_[parent] += tree_[node];
-        }
-    }
-    void add(std::size_t slot, int change) {
-        for (std::size_t node = slot + 1; node < tree_.size(); node += node & -node) tree_[node] += change;
-    }
-    /// Of all slots before this one.
-    int before(std::size_t slot) const {
-        int sum = 0;
-        for (std::size_t node = slot; node > 0; node &= node - 1) sum += tree_[node];
-        return sum;
-    }
-
-private:
-    std::vector<int> tree_;
-};
-
 } // namespace
 
-// The working list needn't be built. What has been moved follows the element before it in the target, and so
-// stands in an unbroken run behind the nearest staying element, or at the front; what is still to be moved
-// stands where it stood. So counting each element at a slot tells its place: slot 0 for the front and slot
-// p + 1 for what stands, or has come to stand right behind what stands, at the original place p.
-std::vector<ReorderMove> movesOfRanks(std::span<const std::size_t> ranks) {
-    std::vector<std::size_t> slotOf(ranks.size());
-    for (std::size_t place = 0; place < ranks.size(); ++place) slotOf[ranks[place]] = place + 1;
+std::vector<ReorderMove> movesOfRanks(std::vector<std::size_t> ranks) {
     std::vector<bool> stays(ranks.size(), false);
     for (const std::size_t place : longestIncreasing(ranks)) stays[ranks[place]] = true;
 
+    const auto placeOf = [&](std::size_t rank) { return std::ranges::find(ranks, rank) - ranks.begin(); };
     std::vector<ReorderMove> moves;
-    SlotCounts counts(ranks.size() + 1);
-    std::size_t run = 0; // the slot behind whose elements the next one goes
     for (std::size_t rank = 0; rank < ranks.size(); ++rank) {
-        const std::size_t slot = slotOf[rank];
-        if (stays[rank]) {
-            run = slot;
-            continue;
-        }
-        const int from = counts.before(slot);
-        counts.add(slot, -1);
-        moves.push_back({from, counts.before(run + 1)});
-        counts.add(run, 1);
+        if (stays[rank]) continue;
+        const auto from = placeOf(rank);
+        ranks.erase(ranks.begin() + from);
+        const auto to = rank == 0 ? 0 : placeOf(rank - 1) + 1; // behind what comes before it in the target
+        ranks.insert(ranks.begin() + to, rank);
+        moves.push_back({static_cast<int>(from), static_cast<int>(to)});
     }
     return moves;
 }

@@ -2,37 +2,31 @@
 
 #include "core/arranging/ReorderMove.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <memory_resource>
-#include <span>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
-/// How a list gets into another order with the fewest moves. Pure; the elements need equality and a hash.
+/// How a list gets into another order with the fewest moves. Pure; made for lists of a few dozen.
 namespace lumnara::ReorderPlan {
 
 /// The moves that put a list in order. `ranks` is a permutation of 0..n-1: for each place of the list, the
 /// place in the target of the element there. A longest increasing subsequence of the ranks (Schensted 1961,
-/// by patience sorting) stays, everything else moves once, in the order of the target. O(n log n).
-std::vector<ReorderMove> movesOfRanks(std::span<const std::size_t> ranks);
+/// by patience sorting) stays, everything else moves once, in the order of the target.
+std::vector<ReorderMove> movesOfRanks(std::vector<std::size_t> ranks);
 
 /// The place in `current` of each element of reconciled(desired, current).
 template <class T>
 std::vector<std::size_t> reconciledPlaces(const std::vector<T>& desired, const std::vector<T>& current) {
-    std::pmr::monotonic_buffer_resource memory;
-    std::pmr::unordered_map<T, std::size_t> placeOf(&memory);
-    placeOf.reserve(current.size());
-    for (std::size_t place = 0; place < current.size(); ++place) placeOf.emplace(current[place], place);
-    std::vector<bool> seen(current.size(), false);
     std::vector<std::size_t> places;
-    places.reserve(current.size());
+    std::vector<bool> taken(current.size(), false);
     const auto take = [&](std::size_t place) {
-        if (!seen[place]) places.push_back(place);
-        seen[place] = true;
+        if (!taken[place]) places.push_back(place);
+        taken[place] = true;
     };
     for (const T& element : desired)
-        if (const auto found = placeOf.find(element); found != placeOf.end()) take(found->second);
+        if (const auto found = std::ranges::find(current, element); found != current.end())
+            take(static_cast<std::size_t>(found - current.begin()));
     for (std::size_t place = 0; place < current.size(); ++place) take(place);
     return places;
 }
@@ -52,7 +46,7 @@ std::vector<ReorderMove> moves(const std::vector<T>& current, const std::vector<
     const std::vector<std::size_t> places = reconciledPlaces(desired, current);
     std::vector<std::size_t> ranks(places.size());
     for (std::size_t rank = 0; rank < places.size(); ++rank) ranks[places[rank]] = rank;
-    return movesOfRanks(ranks);
+    return movesOfRanks(std::move(ranks));
 }
 
 /// The list after the move; unchanged when a place of the move is not in the list.
