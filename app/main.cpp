@@ -38,6 +38,8 @@ enum class WindowSystem { x11, sway };
 /// Names the platform to run on where it isn't to be chosen: "simulated".
 constexpr const char* platformVariable = "LUMNARA_PLATFORM";
 constexpr const char* simulatedPlatform = "simulated";
+/// Names a file to which the log lines are written too.
+constexpr const char* logVariable = "LUMNARA_LOG";
 /// How long a session that has just begun may take to bring its window manager up, in seconds.
 constexpr double windowManagerPatience = 3;
 
@@ -199,6 +201,7 @@ int run(int& count, char** arguments) {
 
 int main(int count, char** arguments) {
     try {
+        if (const auto file = Environment::ofProcess().get(logVariable)) alsoLogTo(*file, async::systemDate);
         return run(count, arguments);
     } catch (const std::exception& failure) {
         log(std::string("Lumnara: ") + failure.what());

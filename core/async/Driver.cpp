@@ -13,9 +13,11 @@ double secondsOf(Nanos length) { return std::chrono::duration<double>(length).co
 
 Nanos RealTimeDriver::now() const { return std::chrono::steady_clock::now().time_since_epoch(); }
 
-Date RealTimeDriver::date() const {
+Date systemDate() {
     using namespace std::chrono;
     return {floor<milliseconds>(system_clock::now()).time_since_epoch().count()};
 }
+
+Date RealTimeDriver::date() const { return systemDate(); }
 
 } // namespace lumnara::async

@@ -39,6 +39,9 @@ struct Driver {
     virtual std::unique_ptr<FdWatch> watchReadable(int fd, std::function<void()> onReadable) = 0;
 };
 
+/// The moment on the system's wall clock, for what runs without a loop. Any thread.
+Date systemDate();
+
 /// A driver on the system's clocks; nothing else in the program reads them.
 struct RealTimeDriver : Driver {
     Nanos now() const final;

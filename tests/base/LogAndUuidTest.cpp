@@ -1,5 +1,7 @@
+#include "core/base/Files.h"
 #include "core/base/Log.h"
 #include "core/base/Uuid.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 #include <regex>
@@ -23,6 +25,18 @@ TEST(Log, ASinkMayLogAndReplaceItself) {
     log("last");
     setLogSink(before);
     EXPECT_EQ(lines, (std::vector<std::string>{"first", "second sink: nested", "second sink: last"}));
+}
+
+TEST(Log, AFileGetsTheLinesWithTheirTimes) {
+    const testing::TemporaryFolder folder;
+    const LogSink before = setLogSink([](std::string_view) {});
+    alsoLogTo(folder / "log", [] { return Date{1'767'603'600'042}; });
+    log("one");
+    alsoLogTo({}, nullptr);
+    log("nowhere");
+    setLogSink(before);
+    EXPECT_EQ(readFile(folder / "log"), "2026-01-05T09:00:00.042Z one\n");
+    EXPECT_THROW(alsoLogTo(folder / "none" / "log", nullptr), std::system_error);
 }
 
 TEST(Uuid, IsARandomVersionFourInUpperCase) {
