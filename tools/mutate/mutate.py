@@ -4,7 +4,7 @@
   ./dev mutate list    [--rooms A,B… --count N --seed N | --list FILE]
                        draws mutations and prints them, or says where those of a kept list stand now
   ./dev mutate run     [--rooms A,B… --count N --seed N [--keep FILE] | --list FILE]
-                       [--name NAME] [--resume] [--jobs N]
+                       [--name NAME] [--resume] [--thorough] [--jobs N]
                        builds and tests each; prints a table and writes build/mutate/NAME.json
   ./dev mutate show    RESULT          prints the table of a result
   ./dev mutate compare BEFORE AFTER
@@ -21,7 +21,8 @@ A run works in build/mutate/tree, a copy of the sources as they are, built in bu
 quick and without warnings. It builds the test programs that concern the mutated room (rooms.py says which), one after the other,
 the narrowest first, and stops at the first that fails. A failure must repeat to count; a program that takes far
 longer than without the mutation has caught it ("timed out"). --resume goes on with the run of that name where it
-ended.
+ended. --thorough runs what is slow too and left out otherwise; a run that is resumed with it tries again
+what survived without.
 
 --keep FILE writes the mutations that were built as a list for later runs; without --rooms, run takes
 lists/house.json. A kept mutation is found again by the text of its statement and of the lines around it, also after
@@ -33,18 +34,20 @@ then neither drawn nor run.
 import argparse
 import json
 import os
+import signal
 import sys
 import time
 from collections import Counter
 from pathlib import Path
 
 import draw
-from rooms import ROOT, Rooms
+from rooms import ROOT, SLOW, SLOW_CASES, Rooms
 from scratch import BuildFailed, Scratch
 
 HERE = Path(__file__).resolve().parent
 HOUSE = HERE / "lists/house.json"
 PATIENCE, PATIENT_TIMES = 20, 8  # seconds, and times what a program takes without a mutation
+LONGEST = 1800  # seconds, without a mutation
 
 
 def say(*words):
@@ -87,30 +90,41 @@ def found_again(rooms, entries):
 # Running.
 
 class Run:
-    def __init__(self, rooms, path, jobs, earlier):
+    def __init__(self, rooms, path, arguments, earlier):
         self.rooms = rooms
         self.path = path
-        self.scratch = Scratch(ROOT, jobs)
+        self.scratch = Scratch(ROOT, arguments.jobs)
+        self.thorough = arguments.thorough
         self.result = earlier
+        if self.thorough:
+            earlier["mutations"] = [each for each in earlier["mutations"]
+                                    if each["outcome"] != "survived" or each["thorough"]]
         self.done = {each["id"]: each for each in earlier["mutations"]}
         self.limits = {}
+
+    def concerned(self, file):
+        return [program for program in self.rooms.concerned(file) if self.thorough or program not in SLOW]
+
+    def cases(self, program):
+        return f"-{SLOW_CASES[program]}" if program in SLOW_CASES and not self.thorough else "*"
 
     def prepare(self, files):
         """Builds what concerns these sources; it must pass as it is."""
         for file in files:
-            if not self.rooms.concerned(file):
+            if not self.concerned(file):
                 sys.exit(f"{file}: no test program concerns it")
         self.scratch.sync(self.rooms.files)
-        programs = list(dict.fromkeys(program for file in files for program in self.rooms.concerned(file)))
+        programs = list(dict.fromkeys(program for file in files for program in self.concerned(file)))
         say(f"Building {', '.join(programs)}")
         try:
-            self.scratch.build(*programs)
+            self.scratch.build_as_is(*programs)
         except BuildFailed as error:
             sys.exit(f"The sources don't build as they are: {error}")
         for program in programs:
-            outcome = self.scratch.test(program, 600)
+            outcome = self.scratch.test(self.scratch.built / program, LONGEST, self.cases(program))
             if not outcome.passed:
                 sys.exit(f"{program} {outcome.how} without a mutation: {outcome.test}")
+            say(f"{program} takes {outcome.seconds:.1f} s")
             self.limits[program] = PATIENCE + PATIENT_TIMES * outcome.seconds
 
     def carry_out(self, entry, mutation):
@@ -136,29 +150,26 @@ class Run:
         return done
 
     def tested(self, mutation):
-        path = self.scratch.tree / mutation.file
-        original = path.read_text()
-        path.write_text(mutation.apply(original))
+        text = mutation.apply((self.scratch.tree / mutation.file).read_text())
         try:
-            for program in self.rooms.concerned(mutation.file):
-                self.scratch.build(program)
-                outcome = self.failure(program)
-                if outcome:
-                    return {"outcome": "caught", "program": program, "test": outcome.test, "how": outcome.how}
-            return {"outcome": "survived"}
+            with self.scratch.plant(mutation.file, text) as build:
+                for program in self.concerned(mutation.file):
+                    outcome = self.failure(program, build(program))
+                    if outcome:
+                        return {"outcome": "caught", "program": program, "test": outcome.test, "how": outcome.how}
+            return {"outcome": "survived", "thorough": self.thorough}
         except BuildFailed as error:
             return {"outcome": "does not build", "error": str(error)}
-        finally:
-            path.write_text(original)
 
-    def failure(self, program):
+    def failure(self, program, path):
         """A failure that repeats, or None."""
-        outcome = self.scratch.test(program, self.limits[program])
+        limit, cases = self.limits[program], self.cases(program)
+        outcome = self.scratch.test(path, limit, cases)
         if outcome.passed or outcome.how == "timed out":
             return None if outcome.passed else outcome
-        if not self.scratch.test(program, self.limits[program], outcome.test or "*").passed:
+        if not self.scratch.test(path, limit, outcome.test or cases).passed:
             return outcome
-        outcome = self.scratch.test(program, self.limits[program])
+        outcome = self.scratch.test(path, limit, cases)
         return None if outcome.passed else outcome
 
 
@@ -182,16 +193,13 @@ def run_list(run, rooms, arguments):
     pairs = list(zip(entries, found_again(rooms, entries)))
     there = [mutation.file for entry, mutation in pairs if mutation and entry["id"] not in run.done]
     run.prepare(sorted(set(there)))
-    # File by file: the one restored and the one mutated next are then mostly compiled as one.
-    for entry, mutation in sorted(pairs, key=lambda pair: pair[1].file if pair[1] else ""):
+    for entry, mutation in pairs:
         run.carry_out(entry, mutation)
-    order = [entry["id"] for entry in entries]
-    run.result["mutations"].sort(key=lambda each: order.index(each["id"]))
-    write_json(run.path, run.result)
 
 
 def run(arguments):
     os.nice(10)
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit("stopped"))  # and take along what it has started
     rooms = Rooms()
     path = ROOT / f"build/mutate/{arguments.name}.json"
     asked = {"list": Path(arguments.list).name}
@@ -202,7 +210,7 @@ def run(arguments):
         earlier = json.loads(path.read_text())
         if earlier["asked"] != asked:
             sys.exit(f"{path.name} is the result of another run: {earlier['asked']}")
-    (run_drawn if arguments.rooms else run_list)(Run(rooms, path, arguments.jobs, earlier), rooms, arguments)
+    (run_drawn if arguments.rooms else run_list)(Run(rooms, path, arguments, earlier), rooms, arguments)
     say()
     show(path)
 
@@ -291,6 +299,7 @@ def main():
             command.add_argument("--name")
             command.add_argument("--keep")
             command.add_argument("--resume", action="store_true")
+            command.add_argument("--thorough", action="store_true")
             command.add_argument("--jobs", type=int, default=1)
     commands.add_parser("show").add_argument("result")
     command = commands.add_parser("compare")

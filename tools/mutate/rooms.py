@@ -15,7 +15,9 @@ ALSO = {
     "sim": {"switching", "arranging"},  # the engines run there on a Mac that is played
     "faults": {"base"},  # the stores are killed and starved there
 }
-ONLY_FOR = {"qt": {"app", "qt", "qtsim"}}  # slow to build
+ONLY_FOR = {"qt": {"qt", "qtsim"}}  # slow to build, and tests what is seen
+SLOW = {"test_faults"}  # only for --thorough
+SLOW_CASES = {"test_sim": "*Runs.*"}  # likewise: thousands of random runs
 NEVER = {"session"}  # minutes of real window managers, for each mutation
 
 LINKS = re.compile(r"target_link_libraries\(\s*(?:test|lumnara)_(\w+)\s+(?:PUBLIC|PRIVATE)\s([^)]*)\)")

@@ -1,7 +1,11 @@
 """A checkout of its own in build/mutate/, in which mutated sources are built and tested."""
+import contextlib
+import functools
+import json
 import os
 import re
 import resource
+import shlex
 import shutil
 import signal
 import subprocess
@@ -36,7 +40,9 @@ class Scratch:
         self.folder = root / "build/mutate"
         self.tree = self.folder / "tree"
         self.built = self.folder / "build"
+        self.planted = self.folder / "planted"
         self.jobs = jobs
+        self.current = set()  # programs that are built from the sources as they are
 
     def sync(self, files):
         """Makes the checkout the same as the sources of now. Files that are the same keep their times."""
@@ -62,16 +68,83 @@ class Scratch:
             raise SystemExit(done.stdout)
 
     def build(self, *programs):
-        command = ["cmake", "--build", self.built, "-j", str(self.jobs), "--target", *programs]
-        status, said = self.bounded(command, self.tree, LONGEST_BUILD, None)
+        self.checked(["cmake", "--build", self.built, "-j", str(self.jobs), "--target", *programs], self.tree)
+
+    def build_as_is(self, *programs):
+        self.build(*programs)
+        self.current.update(programs)
+
+    @contextlib.contextmanager
+    def plant(self, file, text):
+        """Gives a function that builds a test program with `text` in place of a source, and tells its path."""
+        shutil.rmtree(self.planted, ignore_errors=True)
+        self.planted.mkdir(parents=True)
+        if file.endswith(".cpp"):
+            yield functools.partial(self.link, self.compile(file, text))
+            return
+        path = self.tree / file
+        original = path.read_text()
+        self.current.clear()
+        try:
+            path.write_text(text)
+            yield self.build_changed
+        finally:
+            path.write_text(original)
+
+    def build_changed(self, program):
+        self.build(program)
+        return self.built / program
+
+    def compile(self, file, text):
+        """Compiles a source alone, though it may be built in a batch of several."""
+        source, compiled = self.planted / os.path.basename(file), self.planted / "planted.o"
+        source.write_text(text)
+        command = shlex.split(self.commands()[file])
+        command = command[next(i for i, word in enumerate(command) if re.search(r"\+\+[-\d]*$", word)):]
+        for option, value in (("-c", source), ("-o", compiled), ("-MF", self.planted / "planted.d")):
+            if option in command:
+                command[command.index(option) + 1] = value
+        self.checked(command, self.built)
+        return compiled
+
+    @functools.cache
+    def commands(self):
+        """The command that compiles each source, or the batch that it is in."""
+        found = {}
+        for entry in json.loads((self.built / "compile_commands.json").read_text()):
+            file = os.path.join(entry["directory"], entry["file"])
+            sources = [file]
+            if file.startswith(str(self.built)) and os.path.isfile(file):
+                with open(file) as batch:
+                    sources = re.findall(r'^#include "(.+\.cpp)"', batch.read(), re.MULTILINE)
+            for source in sources:
+                found[os.path.relpath(os.path.join(self.tree, source), self.tree)] = entry["command"]
+        return found
+
+    def link(self, compiled, program):
+        """Links a planted object first: what the libraries hold of the same names gives way to it."""
+        if program not in self.current:
+            self.build_as_is(program)
+        linked = self.planted / program
+        with_it = f" {shlex.quote(str(compiled))} -Wl,--allow-multiple-definition -o {shlex.quote(str(linked))} "
+        self.checked(["sh", "-c", self.link_command(program).replace(f" -o {program} ", with_it)], self.built)
+        return linked
+
+    @functools.cache
+    def link_command(self, program):
+        command = ["ninja", "-t", "commands", "-s", program]
+        return subprocess.run(command, cwd=self.built, capture_output=True, text=True, check=True).stdout.strip()
+
+    def checked(self, command, folder):
+        status, said = self.bounded(command, folder, LONGEST_BUILD, None)
         if status != 0:
             error = ERROR.search(said)
-            lines = said.strip().split("\n")
-            raise BuildFailed(error.group().replace(f"{self.tree}/", "") if error else lines[-1])
+            said = error.group() if error else said.strip().split("\n")[-1]
+            raise BuildFailed(re.sub(r"\S*/(?=[\w.]+:)", "", said))
 
-    def test(self, program, limit, only="*"):
-        """Runs a test program up to its first failure, for at most `limit` seconds."""
-        command = [self.built / program, "--gtest_fail_fast", f"--gtest_filter={only}"]
+    def test(self, program, limit, cases="*"):
+        """Runs these cases of a test program, by its path, up to the first failure, for at most `limit` seconds."""
+        command = [program, "--gtest_fail_fast", f"--gtest_filter={cases}"]
         with tempfile.TemporaryDirectory(prefix="mutate-") as home:
             # What a mutated program writes or removes is its own.
             kept = {name: value for name, value in os.environ.items() if not name.startswith("XDG_")}
