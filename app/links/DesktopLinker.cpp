@@ -36,9 +36,9 @@ const Desktop* unlinkedNamesake(const DisplayDesktops& display, const Desktop& d
 
 } // namespace
 
-DesktopLinker::DesktopLinker(DesktopCatalog& catalog, DesktopCreator creator)
+DesktopLinker::DesktopLinker(DesktopCatalog& catalog, DesktopArranger* arranger)
     : catalog_(catalog),
-      creator_(std::move(creator)) {}
+      arranger_(arranger) {}
 
 async::Task<std::string> DesktopLinker::carryOut(LinkRequest request) {
     switch (request.kind) {
@@ -85,13 +85,13 @@ async::Task<std::string> DesktopLinker::create(Desktop requested) {
                               namesake->displayName());
     }
 
-    if (!creator_) throw Failure(Failure::Case::cannotCreate);
+    if (!arranger_) throw Failure(Failure::Case::cannotCreate);
     const DisplayID display = others.front().display;
-    const std::optional<SpaceID> made = co_await creator_(display);
+    const std::vector<SpaceID> made = co_await arranger_->create(display);
     catalog_.refresh();
-    if (made)
+    if (made.size() == 1)
         for (const Desktop& added : catalog_.desktops(display.uuid))
-            if (added.space.id == *made) co_return link(desktop, added.spaceKey);
+            if (added.space.id == made.front()) co_return link(desktop, added.spaceKey);
     throw Failure(Failure::Case::notIdentified);
 }
 

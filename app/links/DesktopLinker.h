@@ -1,11 +1,10 @@
 #pragma once
 
+#include "core/arranging/DesktopArranger.h"
 #include "core/async/Task.h"
 #include "core/base/Failure.h"
 #include "core/catalog/DesktopCatalog.h"
 
-#include <functional>
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -64,15 +63,11 @@ public:
         explicit Failure(Case which, std::string name = {}) : FailureOf(which, std::move(name)) {}
     };
 
-    /// Adds a desktop to a display; gives its Space, or nothing when it can't be told which one it is. May
-    /// throw, which goes on to whoever asked for the link.
-    using DesktopCreator = std::function<async::Task<std::optional<SpaceID>>(DisplayID)>;
+    /// Both outlive this object; `arranger` is null where desktops can't be added.
+    DesktopLinker(DesktopCatalog& catalog, DesktopArranger* arranger);
 
-    /// `creator` is empty where the platform can't add desktops. The catalog outlives this object.
-    explicit DesktopLinker(DesktopCatalog& catalog, DesktopCreator creator = {});
-
-    /// Carries the request out and gives the text that the user is told. Throws Failure. This object has to
-    /// stand until the task has ended.
+    /// Carries the request out and gives the text that the user is told. Throws Failure, or what the arranger
+    /// failed with. This object has to stand until the task has ended.
     async::Task<std::string> carryOut(LinkRequest request);
 
 private:
@@ -82,7 +77,7 @@ private:
     const Desktop& live(const std::string& spaceKey) const;
 
     DesktopCatalog& catalog_;
-    const DesktopCreator creator_;
+    DesktopArranger* const arranger_;
 };
 
 } // namespace lumnara

@@ -1,5 +1,6 @@
 #include "tests/app/ScriptedSession.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace lumnara::testing {
@@ -26,6 +27,22 @@ std::shared_ptr<const DisplayID> ScriptedActivator::keepFocusOn(const DisplayID&
     auto kept = std::make_shared<const DisplayID>(display);
     focusKept_ = kept;
     return kept;
+}
+
+async::Task<std::vector<SpaceID>> AddingArranger::create(DisplayID display) {
+    co_await async::sleepFor(0.05);
+    if (failure) std::rethrow_exception(failure);
+    std::vector<SpaceID> made;
+    for (int n = 0; n < adds; ++n) {
+        Space& space = std::ranges::find(provider_.current.displays, display, &DisplaySpaces::display)
+                           ->spaces.emplace_back();
+        space.id = {nextID_++};
+        space.uuid = "added-" + space.id.text();
+        space.kind = SpaceKind::user;
+        made.push_back(space.id);
+    }
+    if (onAdded) onAdded();
+    co_return made;
 }
 
 std::vector<std::string> RecordingPublisher::lastNames() const {

@@ -81,6 +81,24 @@ private:
     std::weak_ptr<const DisplayID> focusKept_;
 };
 
+/// Adds desktops, "added-90" and so on, and does nothing else.
+class AddingArranger : public DesktopArranger {
+public:
+    explicit AddingArranger(ScriptedProvider& provider) : provider_(provider) {}
+    std::optional<int> desktopsPerDisplay() const override { return std::nullopt; }
+    async::Task<ReorderOutcome> reorder(DisplayID, std::vector<SpaceID>) override { co_return {}; }
+    async::Task<RemoveOutcome> remove(std::vector<SpaceID>, DisplayID) override { co_return {}; }
+    async::Task<std::vector<SpaceID>> create(DisplayID display) override;
+
+    int adds = 1;
+    std::exception_ptr failure;
+    std::function<void()> onAdded;
+
+private:
+    ScriptedProvider& provider_;
+    std::uint64_t nextID_ = 90;
+};
+
 class RecordingPublisher : public DesktopNamePublisher {
 public:
     void publish(const std::vector<PublishedDesktop>& desktops) override { published.push_back(desktops); }

@@ -63,36 +63,6 @@ public:
     std::vector<std::string> events;
 };
 
-/// Adds desktops and does nothing else.
-class AddingArranger : public DesktopArranger {
-public:
-    explicit AddingArranger(ScriptedProvider& provider) : provider_(provider) {}
-
-    std::optional<int> desktopsPerDisplay() const override { return std::nullopt; }
-    async::Task<ReorderOutcome> reorder(DisplayID, std::vector<SpaceID>) override {
-        co_return ReorderOutcome();
-    }
-    async::Task<RemoveOutcome> remove(std::vector<SpaceID>, DisplayID) override { co_return RemoveOutcome(); }
-    async::Task<std::vector<SpaceID>> create(DisplayID display) override {
-        std::vector<SpaceID> made;
-        for (int n = 0; n < adds; ++n) {
-            Space& space = std::ranges::find(provider_.current.displays, display, &DisplaySpaces::display)
-                               ->spaces.emplace_back();
-            space.id = {nextID_++};
-            space.uuid = "added-" + space.id.text();
-            space.kind = SpaceKind::user;
-            made.push_back(space.id);
-        }
-        co_return made;
-    }
-
-    int adds = 1;
-
-private:
-    ScriptedProvider& provider_;
-    std::uint64_t nextID_ = 90;
-};
-
 struct Board {
     explicit Board(std::vector<DisplaySpaces> displays, bool canAdd = false)
         : session(std::move(displays)),

@@ -34,7 +34,7 @@ protected:
     DesktopCatalog& catalog() { return session.catalog(); }
     /// The text, or the failure's sentence with `failure` set.
     std::string carryOut(const LinkRequest& request) {
-        DesktopLinker linker(catalog(), creator);
+        DesktopLinker linker(catalog(), canAdd ? &arranger : nullptr);
         failure.reset();
         session.logged.clear();
         std::string text;
@@ -50,31 +50,10 @@ protected:
         return session.desktop(a).isLinked() && session.desktop(a).key == session.desktop(b).key;
     }
 
-    /// A display gets one desktop more: "added-99", and so on.
-    async::Task<std::optional<SpaceID>> addDesktop(DisplayID display) {
-        co_await async::sleepFor(1);
-        if (creatorFailure) std::rethrow_exception(creatorFailure);
-        Space added;
-        added.id = {nextID++};
-        added.uuid = "added-" + added.id.text();
-        added.kind = SpaceKind::user;
-        auto& displays = session.provider->current.displays;
-        for (DisplaySpaces& shown : displays)
-            if (shown.display == display) shown.spaces.push_back(added);
-        if (goesMeanwhile) displays.front().spaces.erase(displays.front().spaces.begin());
-        co_return isIdentified ? std::optional(added.id) : std::nullopt;
-    }
-    void useCreator() {
-        creator = [this](DisplayID display) { return addDesktop(std::move(display)); };
-    }
-
     ScriptedSession session{twoDisplays()};
-    DesktopLinker::DesktopCreator creator;
+    AddingArranger arranger{*session.provider};
+    bool canAdd = false;
     std::optional<Case> failure;
-    std::uint64_t nextID = 99;
-    bool isIdentified = true;
-    std::exception_ptr creatorFailure;
-    bool goesMeanwhile = false;
 };
 
 TEST_F(DesktopLinkerTest, linksTwoDesktops) {
@@ -135,7 +114,7 @@ TEST_F(DesktopLinkerTest, whatCannotBeLinkedStaysAsItIs) {
 }
 
 TEST_F(DesktopLinkerTest, createTakesTheDesktopThatHasTheNameAlready) {
-    useCreator();
+    canAdd = true;
     catalog().rename("A-1", "Mail");
     catalog().rename("B-2", "mail");
     EXPECT_EQ(create("A-1"), "Right already had “mail”, so the two are linked; no desktop was added.");
@@ -152,32 +131,35 @@ TEST_F(DesktopLinkerTest, createTakesTheDesktopThatHasTheNameAlready) {
 }
 
 TEST_F(DesktopLinkerTest, createAddsADesktopWhereThereIsNoneToTake) {
-    useCreator();
+    canAdd = true;
     catalog().rename("A-1", "Mail");
     catalog().rename("A-2", "Web");
     catalog().rename("B-2", "Web");
     with("A-2", "B-2"); // the one with that name is taken
     EXPECT_EQ(create("A-1"), "Displays linked. Say “Mail” and both screens go there.");
-    EXPECT_TRUE(areLinked("A-1", "added-99"));
+    EXPECT_TRUE(areLinked("A-1", "added-90"));
     create("A-3"); // no name to look for
     EXPECT_EQ(failure, std::nullopt);
-    EXPECT_TRUE(areLinked("A-3", "added-100"));
-    EXPECT_TRUE(areLinked("A-1", "added-99"));
+    EXPECT_TRUE(areLinked("A-3", "added-91"));
+    EXPECT_TRUE(areLinked("A-1", "added-90"));
 }
 
 TEST_F(DesktopLinkerTest, createFailsWithASentence) {
-    useCreator();
+    canAdd = true;
     const std::string unknown =
         "macOS added the desktop but Lumnara could not tell which one it is. Link it by "
         "hand from Settings, Desktops.";
-    isIdentified = false;
+    arranger.adds = 2; // somebody else added one too
     EXPECT_EQ(create("A-1"), unknown);
     EXPECT_EQ(failure, Case::notIdentified);
-    isIdentified = true;
-    goesMeanwhile = true;
+    arranger.adds = 1;
+    arranger.onAdded = [&] {
+        auto& spaces = session.provider->current.displays.front().spaces;
+        spaces.erase(spaces.begin());
+    };
     create("A-1");
     EXPECT_EQ(failure, Case::notFound);
-    creatorFailure = std::make_exception_ptr(std::runtime_error("no permission"));
+    arranger.failure = std::make_exception_ptr(std::runtime_error("no permission"));
     EXPECT_EQ(create("A-2"), "no permission");
     EXPECT_EQ(catalog().store().file()->links, std::nullopt);
 }
