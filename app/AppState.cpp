@@ -65,7 +65,7 @@ void AppState::handleRefresh(const SpaceSnapshot& snapshot) {
     automationWatcher_.update(triggerKeys(*catalog_.displays));
     announcer_.announce(*catalog_.displays);
     sampleNow();
-    onCurrentDesktopChanged.emit(focused());
+    currentDesktopChanged.emit(focused());
 }
 
 std::optional<Desktop> AppState::focused() const {

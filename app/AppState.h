@@ -67,7 +67,7 @@ public:
     /// What every surface listens to that shows which desktop a display has come to.
     SwitchAnnouncer& announcer() { return announcer_; }
     /// After every good refresh, with the focused desktop, changed or not.
-    async::Signal<const std::optional<Desktop>&> onCurrentDesktopChanged;
+    async::Signal<const std::optional<Desktop>&> currentDesktopChanged;
 
     /// Hands the focused desktop and the front application to the record of times.
     void sampleNow();

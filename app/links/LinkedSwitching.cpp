@@ -139,7 +139,7 @@ void LinkedSwitching::measure(double delay, const Run& run, const Desktop& asked
     const auto frontmost = platform_.workspace ? platform_.workspace->frontmostApplication() : std::nullopt;
     log(fmt::format("Lumnara linked switch settle +{:.0f}s: {}; frontmost {}", delay,
                     fmt::join(descriptions, "; "), frontmost ? frontmost->name : "none"));
-    if (delay == firstLook) onSettled.emit(asked, entries);
+    if (delay == firstLook) settled.emit(asked, entries);
 }
 
 std::optional<SpaceID> LinkedSwitching::shownOn(const DisplayID& display) {

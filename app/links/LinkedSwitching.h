@@ -35,7 +35,7 @@ public:
 
     /// What each display showed a second after a switch that moved something, with its first member. A switch
     /// that another has followed is not measured.
-    async::Signal<const Desktop&, const std::vector<SwitchSettle::Entry>&> onSettled;
+    async::Signal<const Desktop&, const std::vector<SwitchSettle::Entry>&> settled;
 
 private:
     struct Run;

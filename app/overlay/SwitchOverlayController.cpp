@@ -26,7 +26,7 @@ SwitchOverlayController::SwitchOverlayController(const Session& session, Overlay
       makeSurface_(std::move(makeSurface)),
       mayShow_(std::move(mayShow)) {
     SwitchAnnouncer& announcer = session_.announcer;
-    for (SwitchAnnouncer::Switched* arrival : {&announcer.onDesktopSwitched, &announcer.onDisplayFollowed})
+    for (SwitchAnnouncer::Switched* arrival : {&announcer.desktopSwitched, &announcer.displayFollowed})
         subscriptions_.push_back(
             arrival->subscribe([this](const Desktop& desktop, const std::string& before) {
                 if (before != desktop.spaceKey) showCard(desktop);

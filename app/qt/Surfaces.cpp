@@ -22,7 +22,7 @@ Surfaces::Surfaces(AppState& state, std::function<bool()> isComposited)
       notice_(state.loop()),
       overlay_(
           {state.loop(), state.catalog(), state.settings(), state.platform().screens.get(), state.notices(),
-           state.announcer(), state.linkedSwitching().onSettled},
+           state.announcer(), state.linkedSwitching().settled},
           [this] {
               auto card = std::make_unique<OverlayWindow>();
               if (layers_.isOffered()) card->standOn(layers_);

@@ -23,7 +23,7 @@ void SwitchAnnouncer::announce(const std::vector<DisplayDesktops>& displays) {
         changes.push_back({*current, before.spaceKey, follows});
     }
     for (const Change& change : changes)
-        (change.follows ? onDisplayFollowed : onDesktopSwitched).emit(change.desktop, change.before);
+        (change.follows ? displayFollowed : desktopSwitched).emit(change.desktop, change.before);
 }
 
 } // namespace lumnara

@@ -19,9 +19,9 @@ public:
     using Switched = async::Signal<const Desktop&, const std::string&>;
 
     /// One change is told once: of a link group, the first display that comes to it.
-    Switched onDesktopSwitched;
+    Switched desktopSwitched;
     /// A further display of a link group came to it.
-    Switched onDisplayFollowed;
+    Switched displayFollowed;
 
     /// After each reading.
     void announce(const std::vector<DisplayDesktops>& displays);

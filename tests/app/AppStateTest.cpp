@@ -12,9 +12,9 @@ namespace {
 class Listener {
 public:
     explicit Listener(AppState& state)
-        : switched_(state.announcer().onDesktopSwitched.subscribe(
+        : switched_(state.announcer().desktopSwitched.subscribe(
               [this](const Desktop& d, const auto&) { told.push_back("to " + d.key); })),
-          current_(state.onCurrentDesktopChanged.subscribe([this](const std::optional<Desktop>& d) {
+          current_(state.currentDesktopChanged.subscribe([this](const std::optional<Desktop>& d) {
               told.push_back("on " + (d ? d->key : std::string("nothing")));
           })) {}
 
@@ -72,13 +72,13 @@ TEST(AppState, aChangePassesItsStationsInOrder) {
     const auto orphans = session.catalog().orphans.subscribe(
         [&](const auto& gone) { stations.push_back("orphans " + std::to_string(gone.size())); });
     const auto switched =
-        session.state().announcer().onDesktopSwitched.subscribe([&](const Desktop& desktop, const auto&) {
+        session.state().announcer().desktopSwitched.subscribe([&](const Desktop& desktop, const auto&) {
             const bool isTold = session.publisher->published.size() == publishedBefore + 1;
             const bool isHistory = session.state().switcher().history.previous("A") == "A-1";
             stations.push_back(std::string(isHistory ? "history, " : "") + (isTold ? "names, " : "") + "to " +
                                desktop.displayName());
         });
-    const auto current = session.state().onCurrentDesktopChanged.subscribe(
+    const auto current = session.state().currentDesktopChanged.subscribe(
         [&](const std::optional<Desktop>& desktop) { stations.push_back("on " + desktop->displayName()); });
     session.provider->current.displays.pop_back();
     session.userShows(2);
@@ -133,7 +133,7 @@ TEST(AppState, aListenerMayEditTheDesktops) {
     ScriptedSession session(twoDisplays());
     session.start();
     const auto naming =
-        session.state().announcer().onDesktopSwitched.subscribe([&](const Desktop& desktop, const auto&) {
+        session.state().announcer().desktopSwitched.subscribe([&](const Desktop& desktop, const auto&) {
             session.catalog().rename(desktop.key, "Visited " + desktop.display.uuid);
         });
     session.provider->show(SpaceID{2});

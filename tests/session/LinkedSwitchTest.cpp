@@ -91,10 +91,10 @@ protected:
 TEST_F(LinkedSwitchTest, BothScreensGoThereAndTheKeyboardStaysWithTheUser) {
     linkAs("Mail", "3", "4");
     std::vector<std::string> announced;
-    const auto announcing = state->announcer().onDesktopSwitched.subscribe(
+    const auto announcing = state->announcer().desktopSwitched.subscribe(
         [&](const Desktop& desktop, const auto&) { announced.push_back(desktop.displayName()); });
     std::vector<SwitchSettle::Entry> settled;
-    const auto settling = state->linkedSwitching().onSettled.subscribe(
+    const auto settling = state->linkedSwitching().settled.subscribe(
         [&](const Desktop&, const auto& entries) { settled = entries; });
 
     at.x().movePointer(1900, 400);

@@ -17,7 +17,7 @@ protected:
         session.start();
         session.catalog().rename("A-2", "Mail");
         session.logged.clear();
-        settled_ = linked().onSettled.subscribe([this](const Desktop& asked, const auto& entries) {
+        settled_ = linked().settled.subscribe([this](const Desktop& asked, const auto& entries) {
             settlements.emplace_back(asked.display.uuid, entries);
         });
     }
