@@ -5,6 +5,7 @@
 #include "bench/Bench.h"
 #include "core/async/TestLoop.h"
 #include "core/model/SnapshotSpaceProvider.h"
+#include "tests/support/MemoryDefaultsStore.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <string>
@@ -53,7 +54,9 @@ void measure() {
     });
     SnapshotSpaceProvider provider(layout(loop.date()));
     DesktopCatalog catalog(loop, provider, store);
-    QuickSwitcherModel model(catalog, {});
+    testing::MemoryDefaultsStore defaults;
+    const AppSettings settings(defaults);
+    QuickSwitcherModel model(catalog, settings);
 
     Report report("board");
     report.add("open_1000_us",

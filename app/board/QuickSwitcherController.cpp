@@ -22,10 +22,9 @@ std::string frameText(const Rect& frame) {
 
 } // namespace
 
-QuickSwitcherController::Panel::Panel(DesktopCatalog& catalog, const BoardSettings& settings,
-                                      ScreenInfo onScreen)
+QuickSwitcherController::Panel::Panel(AppState& state, ScreenInfo onScreen)
     : screen(std::move(onScreen)),
-      model(catalog, settings) {}
+      model(state.catalog(), state.settings()) {}
 
 QuickSwitcherController::QuickSwitcherController(AppState& state, BoardSurfaceFactory& factory)
     : state_(state),
@@ -51,7 +50,6 @@ void QuickSwitcherController::toggle() {
 void QuickSwitcherController::open() {
     if (isOpen()) return;
     refreshIfStale();
-    settings_ = boardSettings(state_.settings());
     screens_ = readScreens();
     std::erase_if(panels_, [&](const auto& panel) {
         return std::ranges::none_of(screens_,
@@ -106,7 +104,7 @@ std::vector<ScreenInfo> QuickSwitcherController::chooseScreens() {
     std::vector<ScreenInfo> withDesktops;
     for (const ScreenInfo& screen : screens_)
         if (snapshot && snapshot->spacesOnDisplay(screen.uuid)) withDesktops.push_back(screen);
-    if (settings_.boardOnEveryDisplay && withDesktops.size() > 1) return withDesktops;
+    if (*state_.settings().boardOnEveryDisplay && withDesktops.size() > 1) return withDesktops;
     if (screens_.empty()) return {};
     const auto uuid = state_.platform().screens->displayUnderPointer();
     const auto under = std::ranges::find_if(screens_, [&](const ScreenInfo& screen) {
@@ -119,7 +117,6 @@ void QuickSwitcherController::putUp(const ScreenInfo& screen, bool scopeFixed) {
     Panel& panel = panelOn(screen);
     const auto& snapshot = state_.catalog().snapshot.get();
     const DisplayID display{snapshot ? snapshot->presentationDisplay(screen.uuid) : screen.uuid};
-    panel.model.setSettings(settings_);
     panel.model.open(display, screen.frame.width, scopeFixed);
     panel.model.reset();
     shown_.push_back(&panel);
@@ -132,7 +129,7 @@ QuickSwitcherController::Panel& QuickSwitcherController::panelOn(const ScreenInf
         panel->screen = screen;
         return *panel;
     }
-    panels_.push_back(std::make_unique<Panel>(state_.catalog(), settings_, screen));
+    panels_.push_back(std::make_unique<Panel>(state_, screen));
     Panel& panel = *panels_.back();
     panel.surface = factory_.makeSurface(panel.model);
     connect(panel);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "app/AppState.h"
-#include "app/board/BoardSettings.h"
 #include "app/board/BoardSurface.h"
 #include "app/board/QuickSwitcherModel.h"
 #include "app/menu/DesktopMenuCommands.h"
@@ -48,7 +47,7 @@ public:
 private:
     /// One screen's surface with its model. Kept while closed and used again at the next opening.
     struct Panel {
-        Panel(DesktopCatalog& catalog, const BoardSettings& settings, ScreenInfo onScreen);
+        Panel(AppState& state, ScreenInfo onScreen);
 
         ScreenInfo screen;
         QuickSwitcherModel model;
@@ -83,8 +82,6 @@ private:
 
     AppState& state_;
     BoardSurfaceFactory& factory_;
-    /// As they were at the opening; a change waits for the next one.
-    BoardSettings settings_;
     std::vector<std::unique_ptr<Panel>> panels_;
     /// The panels that are up; empty while closed.
     std::vector<Panel*> shown_;

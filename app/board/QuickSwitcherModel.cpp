@@ -50,18 +50,15 @@ std::string shortKeys(const std::vector<std::string>& keys) {
 
 } // namespace
 
-QuickSwitcherModel::QuickSwitcherModel(DesktopCatalog& catalog, BoardSettings settings)
+QuickSwitcherModel::QuickSwitcherModel(DesktopCatalog& catalog, const AppSettings& settings)
     : catalog_(catalog),
-      settings_(std::move(settings)) {}
+      settings_(settings),
+      appearance_(settings.boardAppearance({})) {}
 
 std::optional<std::string> QuickSwitcherModel::errorText() const {
     if (errorText_) return errorText_;
     if (const auto& unreadable = catalog_.lastError.get()) return unreadable->sentence;
     return std::nullopt;
-}
-
-BoardSettings::Appearance QuickSwitcherModel::appearance() const {
-    return settings_.boardAppearance(boardDisplay_ ? boardDisplay_->uuid : std::string());
 }
 
 std::string QuickSwitcherModel::displayName(const DisplayID& display) const {
@@ -70,6 +67,7 @@ std::string QuickSwitcherModel::displayName(const DisplayID& display) const {
 
 void QuickSwitcherModel::open(std::optional<DisplayID> display, double screenWidth, bool scopeFixed) {
     boardDisplay_ = std::move(display);
+    appearance_ = settings_.boardAppearance(boardDisplay_ ? boardDisplay_->uuid : std::string());
     boardScreenWidth_ = boardDisplay_ ? screenWidth : 0;
     scopeFixed_ = scopeFixed;
     scope_.reset();
@@ -164,8 +162,7 @@ void QuickSwitcherModel::applyQuery() {
 void QuickSwitcherModel::updateGridColumns() {
     double fit = maximumColumns;
     if (boardScreenWidth_ > 0)
-        fit =
-            std::floor((boardScreenWidth_ - 2 * boardMargin + tileGap) / (appearance().tileWidth + tileGap));
+        fit = std::floor((boardScreenWidth_ - 2 * boardMargin + tileGap) / (appearance_.tileWidth + tileGap));
     const double tiles = static_cast<double>(results_.size());
     // The bound comes first in each pair, so that no tile width, however odd, gets past it.
     gridColumns_ = static_cast<int>(std::max(1.0, std::min(tiles, std::min<double>(maximumColumns, fit))));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/board/BoardSettings.h"
+#include "app/settings/AppSettings.h"
 #include "core/async/Signal.h"
 #include "core/catalog/DesktopCatalog.h"
 #include "core/matching/FuzzyMatcher.h"
@@ -19,8 +19,8 @@ namespace lumnara {
 /// thread.
 class QuickSwitcherModel {
 public:
-    /// The catalog outlives the model.
-    QuickSwitcherModel(DesktopCatalog& catalog, BoardSettings settings);
+    /// Both outlive the model.
+    QuickSwitcherModel(DesktopCatalog& catalog, const AppSettings& settings);
     QuickSwitcherModel(const QuickSwitcherModel&) = delete;
     QuickSwitcherModel& operator=(const QuickSwitcherModel&) = delete;
 
@@ -55,7 +55,8 @@ public:
     /// The uuid of the display that the list is limited to; nothing means all displays.
     const std::optional<std::string>& scope() const { return scope_; }
     int gridColumns() const { return gridColumns_; }
-    BoardSettings::Appearance appearance() const;
+    /// As the settings were at the last open().
+    const AppSettings::BoardAppearance& appearance() const { return appearance_; }
     /// The human name of a tile's display, for a list over several displays.
     std::string displayName(const DisplayID& display) const;
 
@@ -63,8 +64,6 @@ public:
     /// A drag changed the order of these displays, by uuid.
     std::function<void(const std::vector<std::string>&)> onOrderCommitted;
 
-    /// Holds from the next open() on.
-    void setSettings(BoardSettings settings) { settings_ = std::move(settings); }
     /// Puts the surface on a display, whose uuid is also the key of its appearance. The width of the screen
     /// is in points, 0 when it isn't known. With `scopeFixed` the list is that display's for good; otherwise
     /// it starts with all displays.
@@ -142,7 +141,8 @@ private:
     void letOthersFollow(std::vector<std::string>& changed);
 
     DesktopCatalog& catalog_;
-    BoardSettings settings_;
+    const AppSettings& settings_;
+    AppSettings::BoardAppearance appearance_;
     /// What a query chooses from, in catalog order; results_ points into it.
     std::vector<Desktop> tiles_;
     std::vector<Candidate> candidates_;

@@ -86,8 +86,10 @@ class AddingArranger : public DesktopArranger {
 public:
     explicit AddingArranger(ScriptedProvider& provider) : provider_(provider) {}
     std::optional<int> desktopsPerDisplay() const override { return std::nullopt; }
-    async::Task<ReorderOutcome> reorder(DisplayID, std::vector<SpaceID>) override { co_return {}; }
-    async::Task<RemoveOutcome> remove(std::vector<SpaceID>, DisplayID) override { co_return {}; }
+    async::Task<ReorderOutcome> reorder(DisplayID, std::vector<SpaceID>) override {
+        co_return ReorderOutcome();
+    }
+    async::Task<RemoveOutcome> remove(std::vector<SpaceID>, DisplayID) override { co_return RemoveOutcome(); }
     async::Task<std::vector<SpaceID>> create(DisplayID display) override;
 
     int adds = 1;

@@ -59,7 +59,7 @@ OpenBoard::OpenBoard(const Displays& displays, QSize size)
     : provider(layoutOf(displays)),
       store(loop, folder / "desktops.json"),
       catalog(loop, provider, store),
-      model(catalog, {}),
+      model(catalog, settings),
       view(loop, surface, model) {
     surface.view = &view;
     std::size_t position = 0;

@@ -6,6 +6,7 @@
 #include "core/async/TestLoop.h"
 #include "core/model/SnapshotSpaceProvider.h"
 #include "core/names/NameStore.h"
+#include "tests/support/MemoryDefaultsStore.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <QImage>
@@ -80,6 +81,8 @@ public:
     SnapshotSpaceProvider provider;
     NameStore store;
     DesktopCatalog catalog;
+    MemoryDefaultsStore defaults;
+    AppSettings settings{defaults};
     QuickSwitcherModel model;
     RecordingSurface surface;
     BoardView view;

@@ -1,6 +1,5 @@
 #include "app/qt/settings/SettingsWindow.h"
 
-#include "app/board/BoardSettings.h"
 #include "app/qt/settings/GeneralPage.h"
 #include "tests/qt/Pictures.h"
 #include "tests/support/MemoryDefaultsStore.h"
@@ -65,7 +64,8 @@ TEST_F(SettingsWindowTest, writesWhatTheUserChoosesAndNothingElse) {
         slider(number.name).triggerAction(QSlider::SliderToMaximum);
         EXPECT_EQ(defaults.value(number.key), DefaultsValue(number.most));
     }
-    EXPECT_EQ(boardSettings(settings), (BoardSettings{320, 28, false, {}}));
+    EXPECT_FALSE(*settings.boardOnEveryDisplay);
+    EXPECT_EQ(settings.boardAppearance("A"), (AppSettings::BoardAppearance{320, 28, 28, true}));
 }
 
 TEST_F(SettingsWindowTest, showsWhatAnotherProgramChanges) {

@@ -28,7 +28,7 @@ class KeyTable : public ::testing::Test {
 protected:
     KeyTable()
         : session({displayOf("A", 4, 1), displayOf("B", 2, 11)}),
-          model(session.start().catalog(), {}) {
+          model(session.start().catalog(), session.settings) {
         session.catalog().rename("A-2", "Mail");
         model.open(DisplayID{"A"}, 1280, false);
         model.reset();

@@ -113,7 +113,7 @@ TEST(QuickSwitcherController, followsTheSettingsFromOneOpeningToTheNext) {
     Board board(twoDisplays());
     board.controller.open();
     QuickSwitcherModel& model = board.on("A").model;
-    EXPECT_EQ(model.appearance(), (BoardSettings::Appearance{196, 18}));
+    EXPECT_EQ(model.appearance(), (AppSettings::BoardAppearance{196, 18, 28, true}));
     EXPECT_EQ(model.gridColumns(), 3);
 
     board.session.settings.boardTileWidth.set(320);
@@ -125,13 +125,14 @@ TEST(QuickSwitcherController, followsTheSettingsFromOneOpeningToTheNext) {
     board.events();
     board.controller.open();
     EXPECT_EQ(board.events(), (Texts{"A show", "A keyboard"}));
-    EXPECT_EQ(model.appearance(), (BoardSettings::Appearance{320, 24}));
+    EXPECT_EQ(model.appearance(), (AppSettings::BoardAppearance{320, 24, 28, true}));
     EXPECT_EQ(model.gridColumns(), 2);
 
     board.controller.close();
     board.session.settings.setBoardAppearance("A", {140, 12, 20, true});
     board.controller.open();
-    EXPECT_EQ(model.appearance(), (BoardSettings::Appearance{140, 12})) << "its own, not the general one";
+    EXPECT_EQ(model.appearance(), (AppSettings::BoardAppearance{140, 12, 20, true}))
+        << "its own, not the general one";
 }
 
 TEST(QuickSwitcherController, putsUpOneSurfaceWhereThatIsEnough) {

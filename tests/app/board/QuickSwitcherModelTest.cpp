@@ -23,9 +23,10 @@ Texts names(const QuickSwitcherModel& model) {
 
 /// A session with a model that is open over all its displays.
 struct OpenModel {
-    explicit OpenModel(std::vector<DisplaySpaces> displays, BoardSettings settings = {}, double width = 1280)
+    explicit OpenModel(std::vector<DisplaySpaces> displays, double width = 1280, double tileWidth = 196)
         : session(std::move(displays)),
-          model(session.start().catalog(), settings) {
+          model(session.start().catalog(), session.settings) {
+        session.settings.boardTileWidth.set(tileWidth);
         model.open(session.catalog().displays->empty()
                        ? std::nullopt
                        : std::optional(session.catalog().displays->front().display),
@@ -57,15 +58,14 @@ TEST(QuickSwitcherModel, countsTheColumnsThatFit) {
         {1, 2000, 196, 1},   //
     };
     for (const Case& c : cases) {
-        BoardSettings settings;
-        settings.boardTileWidth = c.tileWidth;
-        OpenModel open({displayOf("A", c.tiles, 1)}, settings, c.width);
+        OpenModel open({displayOf("A", c.tiles, 1)}, c.width, c.tileWidth);
         EXPECT_EQ(open.model.gridColumns(), c.columns) << c.tiles << " tiles on " << c.width;
     }
 
-    BoardSettings own;
-    own.boardPerDisplay["a"] = {500, 30};
-    OpenModel open({displayOf("A", 4, 1)}, own, 1280);
+    OpenModel open({displayOf("A", 4, 1)});
+    open.session.settings.setBoardAppearance("a", {500, 30, 28, true});
+    EXPECT_EQ(open.model.gridColumns(), 4) << "not while it is open";
+    open.model.open(DisplayID{"A"}, 1280, false);
     EXPECT_EQ(open.model.gridColumns(), 2);
     EXPECT_EQ(open.model.appearance().nameSize, 30);
 
@@ -85,7 +85,7 @@ TEST(QuickSwitcherModel, movesTheSelectionWithoutWrapping) {
         {0, 1, 0, 1},  {2, 1, 0, 3}, {6, 1, 0, 6}, {0, -1, 0, 0}, {3, -1, 0, 2}, {0, 0, -1, 0},
         {4, 0, -1, 1}, {1, 0, 1, 4}, {3, 0, 1, 6}, {5, 0, 1, 6},  {6, 0, 1, 6},
     };
-    OpenModel open({displayOf("A", 7, 1)}, {}, 724);
+    OpenModel open({displayOf("A", 7, 1)}, 724);
     ASSERT_EQ(open.model.gridColumns(), 3);
     const Texts all = keys(open.model);
     for (const Case& c : cases) {
@@ -106,7 +106,7 @@ TEST(QuickSwitcherModel, movesTheSelectionWithoutWrapping) {
 }
 
 TEST(QuickSwitcherModel, movesByPagesInTheSameColumn) {
-    OpenModel open({displayOf("A", 20, 1)}, {}, 724); // 6 rows of 3, the last of 2
+    OpenModel open({displayOf("A", 20, 1)}, 724); // 6 rows of 3, the last of 2
     const Texts all = keys(open.model);
     open.model.setVisibleRows(3);
     open.model.select(all[2]);
