@@ -1,67 +1,46 @@
 #include "core/automation/AutomationStore.h"
 
 #include "core/automation/AutomationCodec.h"
-#include "core/base/Files.h"
 
 #include <algorithm>
 #include <exception>
 #include <iterator>
-#include <system_error>
 #include <utility>
 
 namespace lumnara {
 
-namespace {
-
-bool isMissing(const std::system_error& error) {
-    return error.code() == std::errc::no_such_file_or_directory;
-}
-
-} // namespace
-
 AutomationStore::AutomationStore(async::Loop& loop, std::filesystem::path url)
     : loop_(loop),
-      url_(std::move(url)) {}
+      kept_(std::move(url)) {}
 
 void AutomationStore::load() {
-    finishReplacement(url_);
     loadError_.reset();
     unsaved_ = nullptr;
-    read();
+    AutomationFile file;
+    const auto decode = [&](const std::string& text) {
+        try {
+            file = AutomationCodec::decode(text);
+        } catch (const AutomationStoreError& newer) {
+            loadError_ = newer;
+            throw KeptFile::Newer();
+        }
+    };
+    const auto reading = kept_.load(decode, loop_.date());
+    if (reading.found != KeptFile::Found::newer) file_ = std::move(file);
+    if (reading.found == KeptFile::Found::damage && reading.failure)
+        loadError_ = AutomationStoreError::notLoaded(reading.damage +
+                                                     "; could not move it aside: " + reading.failure->what());
+    else if (reading.failure)
+        loadError_ = AutomationStoreError::notLoaded(reading.failure->what());
+    else if (reading.aside)
+        recovered_ = reading.aside;
     changed.emit();
-}
-
-void AutomationStore::read() {
-    std::string text;
-    try {
-        text = readFile(url_);
-    } catch (const std::system_error& error) {
-        file_ = {};
-        if (!isMissing(error)) loadError_ = AutomationStoreError::notLoaded(error.what());
-        return;
-    }
-    try {
-        file_ = AutomationCodec::decode(text);
-    } catch (const AutomationStoreError& newer) {
-        loadError_ = newer;
-    } catch (const std::exception& damage) {
-        recover(damage.what());
-    }
-}
-
-void AutomationStore::recover(const std::string& damage) {
-    file_ = {};
-    try {
-        recovered_ = moveAside(url_, loop_.date());
-    } catch (const std::system_error& error) {
-        loadError_ = AutomationStoreError::notLoaded(damage + "; could not move it aside: " + error.what());
-    }
 }
 
 void AutomationStore::save() {
     try {
         if (loadError_) throw AutomationStoreError(*loadError_);
-        replaceFile(url_, AutomationCodec::encode(file_));
+        kept_.replace(AutomationCodec::encode(file_));
         unsaved_ = nullptr;
     } catch (...) {
         unsaved_ = std::current_exception();

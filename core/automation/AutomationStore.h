@@ -4,6 +4,7 @@
 #include "core/async/Signal.h"
 #include "core/automation/Automation.h"
 #include "core/automation/AutomationStoreError.h"
+#include "core/base/KeptFile.h"
 
 #include <cstddef>
 #include <exception>
@@ -28,7 +29,7 @@ public:
         return dataFolder / "automations.json";
     }
 
-    const std::filesystem::path& url() const { return url_; }
+    const std::filesystem::path& url() const { return kept_.path(); }
     const AutomationFile& file() const { return file_; }
     /// While it is set, nothing is saved.
     const std::optional<AutomationStoreError>& loadError() const { return loadError_; }
@@ -62,13 +63,11 @@ public:
     void removeAll(std::string_view forSpaceKey);
 
 private:
-    void read();
-    void recover(const std::string& damage);
     void removeIf(const std::function<bool(const Automation&)>& isMeant);
     void saveChange();
 
     async::Loop& loop_;
-    const std::filesystem::path url_;
+    KeptFile kept_;
     AutomationFile file_;
     std::optional<AutomationStoreError> loadError_;
     std::exception_ptr unsaved_;

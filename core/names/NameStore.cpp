@@ -1,12 +1,10 @@
 #include "core/names/NameStore.h"
 
-#include "core/base/Files.h"
 #include "core/base/Log.h"
 #include "core/names/NameStoreCodec.h"
 
 #include <exception>
 #include <fmt/format.h>
-#include <system_error>
 #include <utility>
 
 namespace lumnara {
@@ -24,52 +22,24 @@ std::shared_ptr<const NameStoreFile> emptyFile(Date now) {
 NameStore::NameStore(async::Loop& loop, std::filesystem::path url, double debounce)
     : loop_(loop),
       inbox_(loop.inbox()),
-      url_(std::move(url)),
-      debounce_(debounce),
+      kept_(std::move(url)),
       file_(emptyFile(loop.date())),
       self_(std::make_shared<NameStore*>(this)),
-      queue_("com.lumnara.namestore") {
+      saving_(loop, "com.lumnara.namestore", debounce, [this] { return backgroundWrite(); }) {
     load();
 }
 
 void NameStore::load() {
-    finishReplacement(url_);
     const Date now = loop_.date();
-    std::string text;
-    try {
-        text = readFile(url_);
-    } catch (const std::system_error& error) {
-        if (error.code() != std::errc::no_such_file_or_directory)
-            loadError_ = NameStoreError::notLoaded(error.code().message());
-        return;
-    }
-    try {
-        file_ = std::make_shared<const NameStoreFile>(NameStoreCodec::decode(text, now));
-    } catch (const std::exception&) {
-        recover(now);
-    }
-}
-
-void NameStore::recover(Date now) {
-    try {
-        recovered_ = freeAsidePath(url_, now);
-    } catch (const std::system_error& error) {
-        loadError_ = NameStoreError::notLoaded(error.code().message());
-        return;
-    }
-    try {
-        moveDamagedAside();
-    } catch (const std::system_error&) {
-        damagedStays_ = true;
-    }
-}
-
-void NameStore::moveDamagedAside() {
-    std::error_code error;
-    std::filesystem::rename(url_, *recovered_, error);
-    if (error && error != std::errc::no_such_file_or_directory)
-        throw std::filesystem::filesystem_error("move aside", url_, *recovered_, error);
-    damagedStays_ = false;
+    const auto reading = kept_.load(
+        [&](const std::string& text) {
+            file_ = std::make_shared<const NameStoreFile>(NameStoreCodec::decode(text, now));
+        },
+        now);
+    // Damage that stays for now is moved before the first write.
+    recovered_ = reading.aside;
+    if (reading.failure && !recovered_)
+        loadError_ = NameStoreError::notLoaded(reading.failure->code().message());
 }
 
 std::shared_ptr<const NameStoreFile> NameStore::file() const {
@@ -202,18 +172,19 @@ void NameStore::startDebounce() {
         std::lock_guard guard(lock_);
         if (!std::exchange(saveAsked_, false)) return;
     }
-    pendingSave_ = std::make_unique<async::Delayed>(loop_, debounce_, [this] {
-        queue_.post([this, now = loop_.date()] {
-            try {
-                write(now);
-            } catch (const std::exception&) { // the next change tries again
-            }
-        });
-    });
+    saving_.askAnew();
+}
+
+async::DelayedWork::Work NameStore::backgroundWrite() {
+    return [this, now = loop_.date()] {
+        try {
+            write(now);
+        } catch (const std::exception&) { // the next change tries again
+        }
+    };
 }
 
 void NameStore::saveNow() {
-    pendingSave_.reset();
     {
         std::lock_guard guard(lock_);
         saveAsked_ = false;
@@ -222,25 +193,23 @@ void NameStore::saveNow() {
 
     // On the queue like every write: contents then reach the disk in the order in which they were taken.
     std::exception_ptr failure;
-    queue_.post([this, now = loop_.date(), &failure] {
+    saving_.doNow([this, now = loop_.date(), &failure] {
         try {
             write(now);
         } catch (...) {
             failure = std::current_exception();
         }
     });
-    queue_.drain();
     if (failure) std::rethrow_exception(failure);
 }
 
-void NameStore::flush() { queue_.drain(); }
+void NameStore::flush() { saving_.drain(); }
 
 void NameStore::write(Date now) {
     // Not set in memory, where it would look like a change to everyone who compares contents.
     NameStoreFile contents = *file();
     contents.updatedAt = now;
-    if (damagedStays_) moveDamagedAside();
-    replaceFile(url_, NameStoreCodec::encode(contents));
+    kept_.replace(NameStoreCodec::encode(contents));
     if (onSaved) onSaved();
 }
 

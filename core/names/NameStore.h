@@ -1,8 +1,8 @@
 #pragma once
 
+#include "core/async/DelayedWork.h"
 #include "core/async/Loop.h"
-#include "core/async/Queue.h"
-#include "core/async/Timer.h"
+#include "core/base/KeptFile.h"
 #include "core/names/LinkPruning.h"
 #include "core/names/NameStoreError.h"
 #include "core/names/NameStoreFile.h"
@@ -32,7 +32,7 @@ public:
     NameStore(const NameStore&) = delete;
     NameStore& operator=(const NameStore&) = delete;
 
-    const std::filesystem::path& url() const { return url_; }
+    const std::filesystem::path& url() const { return kept_.path(); }
     /// Where a damaged file was moved to, if there was one.
     const std::optional<std::filesystem::path>& recoveredFromCorruptFile() const { return recovered_; }
     const std::optional<NameStoreError>& loadError() const { return loadError_; }
@@ -80,24 +80,21 @@ public:
 
 private:
     void load();
-    void recover(Date now);
-    void moveDamagedAside();
     void changeRecord(std::string_view key, const std::function<void(DesktopRecord&)>& edit);
     // With the lock held.
     void changeLocked(const Edit& edit);
     void scheduleSave();
 
     void startDebounce();
+    async::DelayedWork::Work backgroundWrite();
     void write(Date now);
 
     async::Loop& loop_;
     const std::shared_ptr<async::Inbox> inbox_;
-    const std::filesystem::path url_;
-    const double debounce_;
+    /// After the start only the queue touches it.
+    KeptFile kept_;
     std::optional<std::filesystem::path> recovered_;
     std::optional<NameStoreError> loadError_;
-    /// A damaged file still stands at `url_`. After the start only the queue looks at it.
-    bool damagedStays_ = false;
 
     mutable std::mutex lock_;
     std::shared_ptr<const NameStoreFile> file_;
@@ -106,12 +103,10 @@ private:
     /// The main thread has been asked to start the debounce time anew, and hasn't yet.
     bool saveAsked_ = false;
 
-    /// The scheduled write. Main thread.
-    std::unique_ptr<async::Delayed> pendingSave_;
     /// By which work that waits for the main thread sees that the store is gone.
     const std::shared_ptr<NameStore*> self_;
     /// Last, so that it goes first: its destructor waits for a running write.
-    async::SerialQueue queue_;
+    async::DelayedWork saving_;
 };
 
 } // namespace lumnara

@@ -1,6 +1,7 @@
 #include "core/notes/NotesStore.h"
 
 #include "core/base/Files.h"
+#include "core/base/KeptFile.h"
 #include "core/notes/NoteFileName.h"
 #include "core/notes/NoteMetaCodec.h"
 #include "core/notes/RichTextPackage.h"
@@ -86,20 +87,18 @@ void NotesStore::saveText(std::string_view key, const RichText& text) const {
 }
 
 NoteMeta NotesStore::loadMeta(std::string_view key) const {
-    try {
-        return NoteMetaCodec::decode(readFile(metaPath(key)), loop_.date());
-    } catch (const std::exception&) {
-        NoteMeta defaults;
-        defaults.updatedAt = loop_.date();
-        return defaults;
-    }
+    NoteMeta meta{.updatedAt = loop_.date()};
+    KeptFile(metaPath(key)).read([&](const std::string& text) {
+        meta = NoteMetaCodec::decode(text, loop_.date());
+    });
+    return meta;
 }
 
 void NotesStore::saveMeta(std::string_view key, NoteMeta meta) const {
     meta.updatedAt = loop_.date();
     ensureDirectory();
     orNotesError(NotesError::Case::metaNotSaved,
-                 [&] { replaceFile(metaPath(key), NoteMetaCodec::encode(meta)); });
+                 [&] { KeptFile(metaPath(key)).replace(NoteMetaCodec::encode(meta)); });
 }
 
 void NotesStore::deleteNote(std::string_view key) const {

@@ -1,6 +1,5 @@
 #include "core/platform/ewmh/DesktopMemoryFile.h"
 
-#include "core/base/Files.h"
 #include "core/base/Log.h"
 
 #include <fmt/format.h>
@@ -32,44 +31,28 @@ std::vector<RememberedDesktop> decodedList(const std::string& text) {
     return desktops;
 }
 
-/// False when it could not be moved.
-bool moveDamagedAside(const std::filesystem::path& path, Date now) {
-    try {
-        const auto kept = moveAside(path, now);
-        log(fmt::format("Lumnara desktops: {} can't be decoded and was moved to {}", path.string(),
-                        kept.string()));
-        return true;
-    } catch (const std::system_error& error) {
-        log(fmt::format("Lumnara desktops: {}", error.what()));
-        return false;
-    }
-}
-
 } // namespace
 
 std::vector<RememberedDesktop> DesktopMemoryFile::load(Date now) {
-    finishReplacement(path_);
-    isLeftAlone_ = false;
-    try {
-        if (!std::filesystem::exists(path_)) return {};
-        return decodedList(readFile(path_));
-    } catch (const nlohmann::json::exception&) {
-        isLeftAlone_ = !moveDamagedAside(path_, now);
-    } catch (const std::system_error& error) {
-        isLeftAlone_ = true;
-        log(fmt::format("Lumnara desktops: {}", error.what()));
-    }
-    return {};
+    std::vector<RememberedDesktop> desktops;
+    const auto reading = file_.load([&](const std::string& text) { desktops = decodedList(text); }, now);
+    isLeftAlone_ = reading.failure.has_value();
+    if (reading.failure)
+        log(fmt::format("Lumnara desktops: {}", reading.failure->what()));
+    else if (reading.aside)
+        log(fmt::format("Lumnara desktops: {} can't be decoded and was moved to {}", file_.path().string(),
+                        reading.aside->string()));
+    return desktops;
 }
 
-void DesktopMemoryFile::save(const std::vector<RememberedDesktop>& desktops) const {
+void DesktopMemoryFile::save(const std::vector<RememberedDesktop>& desktops) {
     if (isLeftAlone_) return;
     auto list = nlohmann::json::array();
     for (const auto& desktop : desktops) list.push_back(encoded(desktop));
     const nlohmann::json file{{"schemaVersion", 1}, {"desktops", std::move(list)}};
     try {
         // A window manager's own name may be no UTF-8.
-        replaceFile(path_, file.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n");
+        file_.replace(file.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n");
     } catch (const std::system_error& error) {
         log(fmt::format("Lumnara desktops: {}", error.what()));
     }

@@ -1,13 +1,11 @@
 #include "core/platform/i3sway/WorkspaceFile.h"
 
-#include "core/base/Files.h"
 #include "core/base/Log.h"
 #include "core/platform/i3sway/WorkspaceNames.h"
 
 #include <nlohmann/json.hpp>
 #include <set>
 #include <stdexcept>
-#include <system_error>
 
 namespace lumnara {
 
@@ -69,28 +67,18 @@ std::vector<RegisteredDesktop> decode(const std::string& contents) {
 
 } // namespace
 
-std::optional<std::vector<RegisteredDesktop>> readWorkspaceFile(const std::filesystem::path& file, Date now) {
-    finishReplacement(file);
-    const std::vector<RegisteredDesktop> none;
-    std::string contents;
-    try {
-        if (!std::filesystem::exists(file)) return none;
-        contents = readFile(file);
-    } catch (const std::system_error& failure) {
-        log("Lumnara workspaces: " + file.string() + " is left as it is: " + failure.what());
-        return std::nullopt;
-    }
-    try {
-        return decode(contents);
-    } catch (const std::exception& damage) {
-        try {
-            log("Lumnara workspaces: moved aside to " + moveAside(file, now).string() + ": " + damage.what());
-            return none;
-        } catch (const std::system_error& failure) {
-            log("Lumnara workspaces: " + file.string() + " can't be used nor moved aside: " + failure.what());
-            return std::nullopt;
-        }
-    }
+std::optional<std::vector<RegisteredDesktop>> loadWorkspaceFile(KeptFile& file, Date now) {
+    std::vector<RegisteredDesktop> desktops;
+    const auto reading = file.load([&](const std::string& text) { desktops = decode(text); }, now);
+    const std::string path = file.path().string();
+    if (reading.found == KeptFile::Found::unreadable)
+        log("Lumnara workspaces: " + path + " is left as it is: " + reading.failure->what());
+    else if (reading.failure)
+        log("Lumnara workspaces: " + path + " can't be used nor moved aside: " + reading.failure->what());
+    else if (reading.aside)
+        log("Lumnara workspaces: moved aside to " + reading.aside->string() + ": " + reading.damage);
+    if (reading.failure) return std::nullopt;
+    return desktops;
 }
 
 std::string encodeWorkspaceFile(const std::vector<RegisteredDesktop>& desktops) {

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "core/base/Date.h"
+#include "core/base/KeptFile.h"
 #include "core/platform/i3sway/RegisteredDesktop.h"
 
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,7 +15,7 @@ namespace lumnara {
 /// The desktops of a file, without ids; an empty list when there is no file. A damaged one is moved aside,
 /// and the list is empty. Nothing for one that can't be read, which may be whole, or that can't be moved: it
 /// must not be written over.
-std::optional<std::vector<RegisteredDesktop>> readWorkspaceFile(const std::filesystem::path& file, Date now);
+std::optional<std::vector<RegisteredDesktop>> loadWorkspaceFile(KeptFile& file, Date now);
 
 std::string encodeWorkspaceFile(const std::vector<RegisteredDesktop>& desktops);
 

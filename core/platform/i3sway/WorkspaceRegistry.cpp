@@ -1,6 +1,5 @@
 #include "core/platform/i3sway/WorkspaceRegistry.h"
 
-#include "core/base/Files.h"
 #include "core/base/Log.h"
 #include "core/base/Uuid.h"
 #include "core/platform/i3sway/WorkspaceFile.h"
@@ -49,9 +48,9 @@ void insertAbsent(std::vector<const RegisteredDesktop*>& placed, const Registere
 } // namespace
 
 WorkspaceRegistry::WorkspaceRegistry(async::Loop& loop, std::filesystem::path file)
-    : loop_(loop),
-      file_(std::move(file)) {
-    if (auto read = readWorkspaceFile(file_, loop.date()))
+    : file_(std::move(file)),
+      saving_(loop, "com.lumnara.workspaces", saveDelay, [this] { return saveWork(); }) {
+    if (auto read = loadWorkspaceFile(file_, loop.date()))
         desktops_ = *std::move(read);
     else
         keepsFile_ = true;
@@ -62,8 +61,10 @@ WorkspaceRegistry::WorkspaceRegistry(async::Loop& loop, std::filesystem::path fi
     beginRun();
 }
 
-WorkspaceRegistry::~WorkspaceRegistry() {
-    if (saving_ && saving_->pending()) save();
+WorkspaceRegistry::~WorkspaceRegistry() { saveNow(); }
+
+void WorkspaceRegistry::saveNow() {
+    if (saving_.isToCome()) saving_.doNow(saveWork());
 }
 
 void WorkspaceRegistry::beginRun() {
@@ -421,19 +422,17 @@ RegisteredDesktop* WorkspaceRegistry::at(const std::string& uuid) {
 }
 
 void WorkspaceRegistry::changed() {
-    if (keepsFile_) return;
-    if (saving_ && saving_->pending()) return;
-    saving_ = std::make_unique<async::Delayed>(loop_, saveDelay, [this] { save(); });
+    if (!keepsFile_) saving_.ask();
 }
 
-void WorkspaceRegistry::save() {
-    queue_.post([file = file_, contents = encodeWorkspaceFile(desktops_)] {
+async::DelayedWork::Work WorkspaceRegistry::saveWork() {
+    return [this, contents = encodeWorkspaceFile(desktops_)] {
         try {
-            replaceFile(file, contents);
+            file_.replace(contents);
         } catch (const std::system_error& error) {
             log(std::string("Lumnara workspaces: not saved: ") + error.what());
         }
-    });
+    };
 }
 
 } // namespace lumnara

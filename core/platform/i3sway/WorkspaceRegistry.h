@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/async/Queue.h"
-#include "core/async/Timer.h"
+#include "core/async/DelayedWork.h"
+#include "core/base/KeptFile.h"
 #include "core/platform/i3sway/RegisteredDesktop.h"
 #include "core/platform/i3sway/WorkspaceNames.h"
 #include "core/seams/DesktopNamePublisher.h"
@@ -59,6 +59,9 @@ public:
     /// Writes what has not been written.
     ~WorkspaceRegistry();
 
+    /// Writes now what is to be written, and waits for it.
+    void saveNow();
+
     /// The window manager may be another one: its containers mean nothing any more.
     void beginRun();
     /// The workspace of that container has a new name.
@@ -113,10 +116,9 @@ private:
     void setTitle(RegisteredDesktop& desktop, const std::string& title);
 
     void changed();
-    void save();
+    async::DelayedWork::Work saveWork();
 
-    async::Loop& loop_;
-    std::filesystem::path file_;
+    KeptFile file_;
     /// The file could not be read, and nothing is written over it.
     bool keepsFile_ = false;
     /// Display by display in the order of their places.
@@ -126,8 +128,7 @@ private:
     /// There has been no reading in this run.
     bool runBegins_ = true;
     std::uint64_t reading_ = 0;
-    async::SerialQueue queue_{"com.lumnara.workspaces"};
-    std::unique_ptr<async::Delayed> saving_;
+    async::DelayedWork saving_;
 };
 
 } // namespace lumnara

@@ -91,72 +91,49 @@ std::vector<std::string> changedKeys(const json& before, const json& after) {
     return changed;
 }
 
-struct SettingsFile {
-    enum class State { missing, damaged, read };
-    State state;
-    /// An object when it was read.
-    json values;
-
-    /// Throws std::system_error when it can't be read.
-    static SettingsFile at(const std::filesystem::path& path) {
-        std::string text;
-        try {
-            text = readFile(path);
-        } catch (const std::system_error& error) {
-            if (error.code() != std::errc::no_such_file_or_directory) throw;
-            return {State::missing, json()};
-        }
-        try {
-            json values = StrictJson::parse(text);
-            if (values.is_object()) return {State::read, std::move(values)};
-        } catch (const std::exception&) { // a text that isn't ours to repair
-        }
-        return {State::damaged, json()};
-    }
-};
+KeptFile::Decode settingsInto(json& values) {
+    return [&values](const std::string& text) { values = StrictJson::object(StrictJson::parse(text)); };
+}
 
 std::string settingsText(const json& values) {
     return values.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
 }
 
 /// Brings `changes` into the file as it is by now; `known` takes the place of what can't be read any more.
-void writeSettings(const std::filesystem::path& path, const json& changes, const json& known, Date now) {
-    const SettingsFile file = SettingsFile::at(path);
-    const bool isRead = file.state == SettingsFile::State::read;
-    if (file.state == SettingsFile::State::damaged)
-        log("Lumnara settings: the damaged file is kept at " + moveAside(path, now).string());
-    json values = isRead ? file.values : known;
+void writeSettings(KeptFile& file, const json& changes, const json& known, Date now) {
+    json before = known;
+    const auto reading = file.read(settingsInto(before));
+    if (reading.failure) throw *reading.failure;
+    if (reading.found == KeptFile::Found::damage)
+        log("Lumnara settings: the damaged file is kept at " + moveAside(file.path(), now).string());
+    json values = before;
     layOver(values, changes);
     // As texts, since the library holds 1 and 1.0 for equal.
     const std::string text = settingsText(values);
-    if (!isRead || text != settingsText(file.values)) replaceFile(path, text);
+    if (reading.found != KeptFile::Found::contents || text != settingsText(before)) file.replace(text);
 }
 
 } // namespace
 
 JsonDefaultsStore::JsonDefaultsStore(async::Loop& loop, std::filesystem::path file)
     : loop_(loop),
-      path_(std::move(file)),
+      kept_(std::move(file)),
       values_(std::make_unique<json>(json::object())),
       unsaved_(std::make_unique<json>(json::object())),
-      watch_(loop, path_, [this] { reload(); }),
+      watch_(loop, kept_.path(), [this] { reload(); }),
       self_(std::make_shared<JsonDefaultsStore*>(this)),
-      queue_("com.lumnara.settings") {
+      saving_(loop, "com.lumnara.settings", saveDelay, [this] { return saveWork(); }) {
     load();
 }
 
 JsonDefaultsStore::~JsonDefaultsStore() { saveNow(); }
 
 void JsonDefaultsStore::load() {
-    finishReplacement(path_);
-    try {
-        SettingsFile file = SettingsFile::at(path_);
-        if (file.state == SettingsFile::State::damaged)
-            loadError_ = SettingsFileError::damaged(moveAside(path_, loop_.date()));
-        if (file.state == SettingsFile::State::read) *values_ = std::move(file.values);
-    } catch (const std::system_error& error) {
-        loadError_ = SettingsFileError::notLoaded(error.code().message());
-    }
+    const auto reading = kept_.load(settingsInto(*values_), loop_.date());
+    if (reading.failure)
+        loadError_ = SettingsFileError::notLoaded(reading.failure->code().message());
+    else if (reading.aside)
+        loadError_ = SettingsFileError::damaged(*reading.aside);
 }
 
 std::optional<DefaultsValue> JsonDefaultsStore::value(std::string_view key) const {
@@ -178,20 +155,14 @@ void JsonDefaultsStore::remove(std::string_view key) {
 void JsonDefaultsStore::change(std::string_view key, json value) {
     (*unsaved_)[std::string(key)] = std::move(value);
     layOver(*values_, *unsaved_);
-    scheduleSave();
+    saving_.ask();
 }
 
-void JsonDefaultsStore::scheduleSave() {
-    // A running timer stays as it is: a slider that is dragged for long is saved all the same.
-    if (!pendingSave_ || !pendingSave_->pending())
-        pendingSave_ = std::make_unique<async::Delayed>(loop_, saveDelay, [this] { startSave(); });
-}
-
-void JsonDefaultsStore::startSave() {
-    queue_.post([inbox = loop_.inbox(), self = std::weak_ptr(self_), path = path_, changes = *unsaved_,
-                 known = *values_, now = loop_.date()] {
+async::DelayedWork::Work JsonDefaultsStore::saveWork() {
+    return [inbox = loop_.inbox(), self = std::weak_ptr(self_), file = KeptFile(kept_.path()),
+            changes = *unsaved_, known = *values_, now = loop_.date()]() mutable {
         try {
-            writeSettings(path, changes, known, now);
+            writeSettings(file, changes, known, now);
         } catch (const std::exception& error) {
             log(std::string("Lumnara settings: not saved: ") + error.what());
             return;
@@ -199,7 +170,7 @@ void JsonDefaultsStore::startSave() {
         inbox->post([self, changes] {
             if (const auto store = self.lock()) (*store)->finishSave(changes);
         });
-    });
+    };
 }
 
 void JsonDefaultsStore::finishSave(const json& changes) {
@@ -213,27 +184,20 @@ void JsonDefaultsStore::finishSave(const json& changes) {
 }
 
 void JsonDefaultsStore::saveNow() {
-    pendingSave_.reset();
-    if (!unsaved_->empty()) startSave();
-    queue_.drain();
+    saving_.doNow(unsaved_->empty() ? async::DelayedWork::Work([] {}) : saveWork());
 }
 
 void JsonDefaultsStore::reload() {
     json values;
-    try {
-        SettingsFile file = SettingsFile::at(path_);
-        if (file.state == SettingsFile::State::damaged) report("the file is damaged and was not taken over");
-        if (file.state != SettingsFile::State::read) return;
-        values = std::move(file.values);
-    } catch (const std::system_error& error) {
-        report(error.what());
-        return;
-    }
+    const auto reading = kept_.read(settingsInto(values));
+    if (reading.found == KeptFile::Found::damage) report("the file is damaged and was not taken over");
+    if (reading.failure) report(reading.failure->what());
+    if (reading.found != KeptFile::Found::contents) return;
     lastTrouble_.clear();
     layOver(values, *unsaved_);
     const auto changed = changedKeys(*values_, values);
     *values_ = std::move(values);
-    if (!unsaved_->empty()) scheduleSave();
+    if (!unsaved_->empty()) saving_.ask();
     for (const std::string& key : changed) changedElsewhere.emit(key);
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "core/async/DelayedWork.h"
 #include "core/async/Loop.h"
-#include "core/async/Queue.h"
-#include "core/async/Timer.h"
+#include "core/base/KeptFile.h"
 #include "core/platform/linux/FileWatch.h"
 #include "core/platform/linux/SettingsFileError.h"
 #include "core/seams/DefaultsStore.h"
@@ -52,26 +52,24 @@ private:
     void load();
     void reload();
     void change(std::string_view key, nlohmann::json value);
-    void scheduleSave();
-    void startSave();
+    async::DelayedWork::Work saveWork();
     void finishSave(const nlohmann::json& changes);
     void report(std::string trouble);
 
     async::Loop& loop_;
-    const std::filesystem::path path_;
+    KeptFile kept_;
     std::optional<SettingsFileError> loadError_;
     /// What value() shows: the file as last read, with the unsaved changes over it.
     std::unique_ptr<nlohmann::json> values_;
     /// What was set here and isn't known to be in the file yet; null stands for a removed key.
     std::unique_ptr<nlohmann::json> unsaved_;
-    std::unique_ptr<async::Delayed> pendingSave_;
     /// Why the file was last not taken over; a file that stays bad is logged once.
     std::string lastTrouble_;
     FileWatch watch_;
     /// By which work that returns from the queue sees that the store is gone.
     const std::shared_ptr<JsonDefaultsStore*> self_;
-    /// Keeps the waiting for the disk away from the main thread.
-    async::SerialQueue queue_;
+    /// A save that is to come stays as it is: a slider that is dragged for long is saved all the same.
+    async::DelayedWork saving_;
 };
 
 } // namespace lumnara

@@ -48,29 +48,30 @@ std::optional<Date> PomodoroReminder::due() const {
 }
 
 void PomodoroReminder::load() {
-    finishReplacement(file_);
-    try {
-        if (!std::filesystem::exists(file_)) return;
-        const auto root = StrictJson::parse(readFile(file_));
+    finishReplacement(file_.path());
+    const auto reading = file_.read([this](const std::string& text) {
+        const auto root = StrictJson::parse(text);
         const auto due = Date::fromISO8601(StrictJson::text(StrictJson::member(root, "due")));
         if (!due) throw JsonError("no ISO 8601 date");
         reminder_ = {*due, StrictJson::integer<int>(StrictJson::member(root, "breakMinutes"))};
-    } catch (const std::exception& error) {
-        logPomodoro(std::string("what was to come can't be read: ") + error.what());
-    }
+    });
+    // A damaged file is no loss: the next pomodoro may take its place.
+    if (reading.failure || reading.found == KeptFile::Found::damage)
+        logPomodoro("what was to come can't be read: " +
+                    (reading.failure ? reading.failure->what() : reading.damage));
 }
 
-void PomodoroReminder::save() const {
+void PomodoroReminder::save() {
     const nlohmann::json root = {{"due", reminder_->due.iso8601()},
                                  {"breakMinutes", reminder_->breakMinutes}};
-    replaceFile(file_, root.dump(2) + "\n");
+    file_.replace(root.dump(2) + "\n");
 }
 
 void PomodoroReminder::forget() {
     reminder_.reset();
     timer_.reset();
     std::error_code gone; // what can't be removed is long past by the next start
-    std::filesystem::remove(file_, gone);
+    std::filesystem::remove(file_.path(), gone);
 }
 
 void PomodoroReminder::checkIn(double seconds) {

@@ -2,6 +2,7 @@
 
 #include "core/async/Task.h"
 #include "core/async/Timer.h"
+#include "core/base/KeptFile.h"
 #include "core/seams/UserNotifications.h"
 
 #include <filesystem>
@@ -34,7 +35,7 @@ private:
     };
 
     void load();
-    void save() const;
+    void save();
     void forget();
     void checkIn(double seconds);
     void check();
@@ -42,7 +43,7 @@ private:
 
     async::Loop& loop_;
     UserNotifications& notifications_;
-    const std::filesystem::path file_;
+    KeptFile file_;
     std::optional<Reminder> reminder_;
     std::unique_ptr<async::Delayed> timer_;
     async::TaskHandle delivery_;
