@@ -20,6 +20,11 @@ const json& require(bool isExpected, const json& value, const char* expected) {
 } // namespace
 
 json StrictJson::parse(std::string_view text) {
+    return parse(text,
+                 [](const std::string& key) { throw JsonError("the key \"" + key + "\" stands twice"); });
+}
+
+json StrictJson::parse(std::string_view text, const std::function<void(const std::string&)>& onDoubledKey) {
     std::vector<std::set<std::string>> openObjects;
     const auto check = [&](int depth, json::parse_event_t event, json& parsed) {
         if (depth > deepestNesting) throw JsonError("the values nest too deeply");
@@ -27,8 +32,7 @@ json StrictJson::parse(std::string_view text) {
         if (event == json::parse_event_t::object_end) openObjects.pop_back();
         if (event == json::parse_event_t::key) {
             const auto& key = parsed.get_ref<const std::string&>();
-            if (!openObjects.back().insert(key).second)
-                throw JsonError("the key \"" + key + "\" stands twice");
+            if (!openObjects.back().insert(key).second) onDoubledKey(key);
         }
         return true;
     };

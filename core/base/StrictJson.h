@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <nlohmann/json_fwd.hpp>
 #include <stdexcept>
 #include <string>
@@ -24,6 +25,8 @@ public:
     /// Throws the library's error for bad JSON or bad UTF-8, and JsonError for a key that stands twice in
     /// one object or for nesting so deep that writing it again could run out of stack.
     static Value parse(std::string_view text);
+    /// The same, but of a key that stands twice the last value counts, and `onDoubledKey` is told of it.
+    static Value parse(std::string_view text, const std::function<void(const std::string&)>& onDoubledKey);
 
     /// The member of an object, or null when it is missing or its value is null.
     static const Value* find(const Value& object, const char* name);

@@ -31,11 +31,16 @@ NameStore::NameStore(async::Loop& loop, std::filesystem::path url, double deboun
 
 void NameStore::load() {
     const Date now = loop_.date();
+    std::string doubled;
     const auto reading = kept_.load(
         [&](const std::string& text) {
-            file_ = std::make_shared<const NameStoreFile>(NameStoreCodec::decode(text, now));
+            file_ = std::make_shared<const NameStoreFile>(
+                NameStoreCodec::decode(text, now, [&](const std::string& key) { doubled = key; }));
         },
         now);
+    if (reading.found == KeptFile::Found::contents && !doubled.empty())
+        log(fmt::format("Lumnara names: a key stands twice in desktops.json, \"{}\"; the last one counts",
+                        doubled));
     // Damage that stays for now is moved before the first write.
     recovered_ = reading.aside;
     if (reading.failure && !recovered_)

@@ -130,8 +130,9 @@ std::string NameStoreCodec::encode(const NameStoreFile& file) {
     return root.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
 }
 
-NameStoreFile NameStoreCodec::decode(std::string_view text, Date now) {
-    json root = StrictJson::parse(text);
+NameStoreFile NameStoreCodec::decode(std::string_view text, Date now,
+                                     const std::function<void(const std::string&)>& onDoubledKey) {
+    json root = StrictJson::parse(text, onDoubledKey);
     NameStoreMigrator::migrate(root);
 
     NameStoreFile file;

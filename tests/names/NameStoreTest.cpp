@@ -3,6 +3,7 @@
 #include "core/base/Files.h"
 #include "core/names/NameStoreCodec.h"
 #include "tests/support/FileCalls.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <atomic>
@@ -200,6 +201,20 @@ TEST_F(NameStoreTest, AFileThatCannotBeReadIsLeftAlone) {
     pass(1, *store);
     EXPECT_THROW(store->saveNow(), NameStoreError);
     EXPECT_FALSE(fs::exists(url_));
+}
+
+TEST_F(NameStoreTest, OfAKeyThatStandsTwiceTheLastCountsAndItIsTold) {
+    put(R"({"desktops":{"U1":{"name":"Mail","icon":"x"},"U1":{"name":"Web","name":"Net"}},
+            "updatedAt":"2026-01-05T09:00:00Z"})");
+    testing::LogLines log;
+    const auto store = open();
+    EXPECT_FALSE(store->recoveredFromCorruptFile());
+    DesktopRecord last = named("Net");
+    last.createdAt = loop_.date();
+    EXPECT_EQ(store->record("U1"), last);
+    const auto lines = log.take();
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_NE(lines[0].find("desktops.json"), std::string::npos);
 }
 
 TEST_F(NameStoreTest, AFailedWriteIsTriedAgainWithTheNextChange) {
