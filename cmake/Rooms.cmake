@@ -173,7 +173,7 @@ function(lumnara_fault_tests)
     list(FILTER tests INCLUDE REGEX "Test\\.cpp$")
     add_library(lumnara_faults STATIC ${shared})
     target_link_libraries(lumnara_faults PUBLIC lumnara_flags lumnara_names lumnara_automation lumnara_notes
-        lumnara_tracking lumnara_linux lumnara_support nlohmann_json::nlohmann_json)
+        lumnara_tracking lumnara_linux lumnara_i3sway lumnara_ewmh lumnara_support nlohmann_json::nlohmann_json)
     lumnara_precompile(lumnara_faults lumnara_precompiled)
     add_executable(test_faults ${tests})
     lumnara_precompile(test_faults lumnara_precompiled_tests)

@@ -42,12 +42,6 @@ protected:
         fs::create_directories(url_.parent_path());
         std::ofstream(url_) << text;
     }
-    std::vector<std::string> others() {
-        std::vector<std::string> names;
-        for (const auto& entry : fs::directory_iterator(url_.parent_path()))
-            if (entry.path().filename() != url_.filename()) names.push_back(entry.path().filename());
-        return names;
-    }
 
     testing::TemporaryFolder folder_;
     const fs::path url_ = folder_.path() / "data" / "Lumnara" / "automations.json";
@@ -90,52 +84,6 @@ TEST(AutomationCodecTest, LabelsAreShort) {
     for (const auto& [action, label] : labels) EXPECT_EQ(labelOf(action), label);
 }
 
-TEST_F(AutomationStoreTest, DamagedFilesAreMovedAsideAsAWhole) {
-    const std::vector<std::string> damaged = {
-        "",
-        "no JSON",
-        "[]",
-        "{}",
-        R"({"automations":[]})",
-        R"({"schemaVersion":"2","automations":[]})",
-        R"({"schemaVersion":2.5,"automations":[]})",
-        R"({"schemaVersion":true,"automations":[]})",
-        R"({"schemaVersion":1,"automations":{}})",
-        R"({"schemaVersion":1,"schemaVersion":1,"automations":[]})",
-        withAction(R"({"dance":{"name":"x"}})"),
-        withAction(R"({})"),
-        withAction(R"("wait")"),
-        withAction(R"({"wait":{"seconds":1},"openPath":{"path":"/"}})"),
-        withAction(R"({"wait":{"seconds":1},"dance":{}})"),
-        withAction(R"({"wait":{"seconds":"1"}})"),
-        withAction(R"({"wait":{"seconds":true}})"),
-        withAction(R"({"wait":{"seconds":1e999}})"),
-        withAction(R"({"wait":{}})"),
-        withAction(R"({"pomodoro":{"minutes":2.9,"breakMinutes":5}})"),
-        withAction(R"({"pomodoro":{"minutes":4294967298,"breakMinutes":5}})"),
-        withAction(R"({"session":{"op":"restart"}})"),
-        withAction(R"({"openApp":{"bundleID":null}})"),
-        withAction(R"({"openApp":{"bundleID":"a","name":1}})"),
-        R"({"schemaVersion":1,"automations":[{"id":"A","spaceKey":"k","name":"n","icon":"i",)"
-        R"("trigger":"onWake","isEnabled":true,"actions":[]}]})",
-        R"({"schemaVersion":1,"automations":[{"id":"A","spaceKey":"k","name":"n","icon":"i",)"
-        R"("trigger":"onExit","isEnabled":1,"actions":[]}]})",
-    };
-    for (const std::string& text : damaged) {
-        SCOPED_TRACE(text);
-        put(text);
-        AutomationStore store(loop_, url_);
-        store.load();
-        EXPECT_FALSE(store.loadError());
-        EXPECT_EQ(store.file(), AutomationFile{});
-        ASSERT_TRUE(store.recoveredFromCorruptFile());
-        EXPECT_EQ(readFile(*store.recoveredFromCorruptFile()), text);
-        EXPECT_FALSE(fs::exists(url_));
-    }
-    EXPECT_EQ(others().size(), damaged.size());
-    EXPECT_TRUE(others().front().starts_with("automations.json.corrupt-2026-01-05T09-00-00Z"));
-}
-
 TEST_F(AutomationStoreTest, ANewerSchemaIsLeftAlone) {
     for (const char* version : {"2", "99", "18446744073709551615"}) {
         const std::string text = std::string(R"({"schemaVersion":)") + version + R"(,"automations":[7]})";
@@ -151,7 +99,6 @@ TEST_F(AutomationStoreTest, ANewerSchemaIsLeftAlone) {
         }
         EXPECT_EQ(store_.automations("link:1").size(), 1u) << "the change holds in memory";
         EXPECT_EQ(readFile(url_), text);
-        EXPECT_TRUE(others().empty());
     }
     // The next load that works lifts the ban.
     put(withAction(""));
@@ -161,15 +108,7 @@ TEST_F(AutomationStoreTest, ANewerSchemaIsLeftAlone) {
     EXPECT_TRUE(AutomationCodec::decode(readFile(url_)).automations.empty());
 }
 
-TEST_F(AutomationStoreTest, WhatCanNeitherBeReadNorMovedBlocksSaving) {
-    fs::create_directories(url_); // a folder in the file's place
-    store_.load();
-    ASSERT_TRUE(store_.loadError());
-    EXPECT_EQ(store_.loadError()->which(), AutomationStoreError::Case::notLoaded);
-    EXPECT_THROW(store_.save(), AutomationStoreError);
-    EXPECT_TRUE(fs::is_directory(url_));
-    EXPECT_FALSE(store_.recoveredFromCorruptFile());
-
+TEST_F(AutomationStoreTest, WhatCannotBeMovedAsideBlocksSaving) {
     const fs::path longName = folder_.path() / std::string(240, 'x'); // too long with the stamp behind it
     std::ofstream(longName) << "damaged";
     AutomationStore unmovable(loop_, longName);

@@ -4,11 +4,14 @@
 #include "core/base/Files.h"
 #include "core/names/NameStore.h"
 #include "core/notes/NotesStore.h"
+#include "core/platform/ewmh/DesktopMemoryFile.h"
+#include "core/platform/i3sway/WorkspaceRegistry.h"
 #include "core/platform/linux/JsonDefaultsStore.h"
 #include "core/platform/linux/PomodoroReminder.h"
 #include "tests/faults/TrackingSubject.h"
 #include "tests/support/RecordingNotifications.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <fmt/format.h>
@@ -48,8 +51,10 @@ int numberIn(std::string_view text) {
     return number;
 }
 
-template <class Trouble> std::string sentenceIn(const std::optional<Trouble>& trouble) {
-    return trouble ? trouble->sentence() : std::string();
+template <class Store> std::string troubleOf(const Store& store) {
+    if (store.loadError()) return store.loadError()->sentence();
+    const auto& kept = store.recoveredFromCorruptFile();
+    return kept ? "kept at " + kept->string() : std::string();
 }
 
 class NamesSubject : public Subject {
@@ -65,12 +70,11 @@ public:
     }
     void save() override { store_.saveNow(); }
     void awaitWrite() override { store_.flush(); }
-    std::string trouble() const override { return sentenceIn(store_.loadError()); }
+    std::string trouble() const override { return troubleOf(store_); }
 
     static int found(async::Loop& loop, const fs::path& folder) {
         const NameStore store(loop, file(folder));
-        if (store.loadError()) throw Damage(store.loadError()->sentence());
-        if (store.recoveredFromCorruptFile()) throw Damage("desktops.json is damaged");
+        if (!troubleOf(store).empty()) throw Damage(troubleOf(store));
         Slots slots;
         for (const auto& [key, record] : store.file()->desktops) slots[key] = numberIn(record.name);
         return stateOf(slots);
@@ -91,13 +95,12 @@ public:
         store_.upsert(
             {.id = slotOf(k), .spaceKey = "k", .name = std::to_string(k), .icon = "i", .actions = {}});
     }
-    std::string trouble() const override { return sentenceIn(store_.loadError()); }
+    std::string trouble() const override { return troubleOf(store_); }
 
     static int found(async::Loop& loop, const fs::path& folder) {
         AutomationStore store(loop, file(folder));
         store.load();
-        if (store.loadError()) throw Damage(store.loadError()->sentence());
-        if (store.recoveredFromCorruptFile()) throw Damage("automations.json is damaged");
+        if (!troubleOf(store).empty()) throw Damage(troubleOf(store));
         Slots slots;
         for (const Automation& each : store.file().automations) slots[each.id] = numberIn(each.name);
         return stateOf(slots);
@@ -115,7 +118,9 @@ public:
     void change(int k) override { store_.set(slotOf(k), std::int64_t{k}); }
     void save() override { store_.saveNow(); }
     void awaitWrite() override { store_.saveNow(); }
-    std::string trouble() const override { return sentenceIn(store_.loadError()); }
+    std::string trouble() const override {
+        return store_.loadError() ? store_.loadError()->sentence() : std::string();
+    }
 
     static int found(async::Loop& loop, const fs::path& folder) {
         JsonDefaultsStore store(loop, file(folder));
@@ -202,6 +207,86 @@ private:
     PomodoroReminder reminder_;
 };
 
+/// Each change saves the state of one panel.
+class PanelSubject : public Subject {
+public:
+    PanelSubject(async::Loop& loop, const fs::path& folder) : store_(loop, folder / "Panels") {}
+
+    void change(int k) override { store_.saveMeta("k", {.edgeOffset = static_cast<double>(k)}); }
+
+    static int found(async::Loop& loop, const fs::path& folder) {
+        const NotesStore store(loop, folder / "Panels");
+        if (!fs::exists(store.directory() / "k.json")) return 0;
+        const NoteMeta meta = store.loadMeta("k");
+        if (meta == NoteMeta{.updatedAt = loop.date()}) throw Damage("the panel's state is damaged");
+        return static_cast<int>(meta.edgeOffset);
+    }
+
+private:
+    NotesStore store_;
+};
+
+/// Each change adds a desktop; their names count them.
+class WorkspacesSubject : public Subject {
+public:
+    WorkspacesSubject(async::Loop& loop, const fs::path& folder)
+        : registry_(loop, folder / "workspaces.json") {}
+
+    void change(int) override { registry_.create("L"); }
+    void save() override { registry_.saveNow(); }
+    void awaitWrite() override { registry_.saveNow(); }
+
+    static int found(async::Loop& loop, const fs::path& folder) {
+        const fs::path file = folder / "workspaces.json";
+        const bool isThere = fs::exists(file);
+        const WorkspaceRegistry registry(loop, file);
+        const auto spaces = registry.spaces("L");
+        if (isThere && spaces.empty()) throw Damage("workspaces.json is damaged");
+        for (std::size_t i = 0; i < spaces.size(); ++i)
+            if (numberIn(spaces[i]->workspace) != static_cast<int>(i) + 1) throw Damage("another desktop");
+        return static_cast<int>(spaces.size());
+    }
+
+private:
+    WorkspaceRegistry registry_;
+};
+
+/// Slots of which each is a desktop's name; every other one stands in place of the window manager's own,
+/// which is no UTF-8.
+class EwmhSubject : public Subject {
+public:
+    EwmhSubject(async::Loop& loop, const fs::path& folder)
+        : file_(path(folder)),
+          desktops_(file_.load(loop.date())) {}
+    static fs::path path(const fs::path& folder) { return folder / "ewmh-desktops.json"; }
+
+    void change(int k) override {
+        const std::string name = std::to_string(k);
+        auto found = std::ranges::find(desktops_, slotOf(k), &RememberedDesktop::uuid);
+        if (found == desktops_.end()) found = desktops_.insert(found, {slotOf(k), {}});
+        *found = {slotOf(k), name};
+        if (k % 2 == 1) found->renamed = {name, "\xFF"};
+        file_.save(desktops_);
+    }
+
+    static int found(async::Loop& loop, const fs::path& folder) {
+        const bool isThere = fs::exists(path(folder));
+        const auto desktops = DesktopMemoryFile(path(folder)).load(loop.date());
+        if (isThere && desktops.empty()) throw Damage("ewmh-desktops.json is damaged");
+        Slots slots;
+        for (const auto& [uuid, shown, renamed] : desktops) {
+            slots[uuid] = numberIn(shown);
+            const bool isOurs = renamed == RememberedDesktop::Renamed{shown, "\uFFFD"};
+            if (renamed ? !isOurs : slots[uuid] % 2 == 1) throw Damage("another name");
+        }
+        return stateOf(slots);
+    }
+
+private:
+    DesktopMemoryFile file_;
+    std::vector<RememberedDesktop> desktops_;
+};
+
 template <class Opened> std::unique_ptr<Subject> openSubject(async::Loop& loop, const fs::path& folder) {
     return std::make_unique<Opened>(loop, folder);
 }
@@ -214,6 +299,9 @@ constexpr std::array kinds = {
     SubjectKind{"notes", 0, false, openSubject<NotesSubject>, NotesSubject::found},
     SubjectKind{"pomodoro", 0, false, openSubject<PomodoroSubject>, PomodoroSubject::found},
     SubjectKind{"tracking", 0, false, openSubject<TrackingSubject>, TrackingSubject::found},
+    SubjectKind{"workspaces", 1, false, openSubject<WorkspacesSubject>, WorkspacesSubject::found},
+    SubjectKind{"ewmh", 0, false, openSubject<EwmhSubject>, EwmhSubject::found},
+    SubjectKind{"panel", 0, false, openSubject<PanelSubject>, PanelSubject::found},
 };
 
 } // namespace

@@ -46,7 +46,7 @@ struct SubjectKind {
     int (*found)(async::Loop& loop, const std::filesystem::path& folder);
 };
 
-/// Names, automations, settings, notes, pomodoro and tracking, all in one folder.
+/// All that the program keeps, in one folder.
 std::span<const SubjectKind> subjectKinds();
 
 /// What a crash may leave beside the files, but for the database's journal: that goes with the first write.

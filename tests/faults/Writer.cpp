@@ -26,7 +26,7 @@ public:
     [[noreturn]] void write() {
         for (;;) {
             // Names come rarely enough that their delay now and then ends.
-            static constexpr int order[] = {0, 1, 2, 2, 3, 3, 4, 5, 5, 1, 3, 5};
+            static constexpr int order[] = {0, 1, 2, 2, 3, 3, 4, 5, 5, 1, 3, 5, 6, 6, 7, 8};
             changeNext(static_cast<std::size_t>(order[random_() % std::size(order)]));
             loop_.runUntil([] { return true; }, 0);
         }

@@ -299,52 +299,6 @@ TEST_F(WorkspaceRegistryTest, WritesOnlyChangesAndLaterThanTheyCome) {
     EXPECT_NE(readFile(file).find("\"workspace\": \"3\""), std::string::npos);
 }
 
-TEST_F(WorkspaceRegistryTest, MovesADamagedFileAside) {
-    registry->reconcile({{"L", {{1, "1"}}}});
-    open();
-    const std::string good = readFile(file);
-    const std::pair<const char*, const char*> damages[] = {{"{", "{{"},
-                                                           {"schemaVersion\": 1", "schemaVersion\": 2"},
-                                                           {"schemaVersion\": 1", "schemaVersion\": 1.5"},
-                                                           {"\"desktops\": [", "\"desktop\": ["},
-                                                           {"\"kept\": false", "\"kept\": 0"},
-                                                           {"\"asked\": []", "\"asked\": [1]"},
-                                                           {"\"display\": \"L\"", "\"display\": null"},
-                                                           {"\"lastSeen\": ", "\"lastSeen\": -"},
-                                                           {"\"workspace\": \"1\"", "\"workspace\": \"\""}};
-    int aside = 0;
-    for (const auto& [from, to] : damages) {
-        registry.reset();
-        std::string damaged = good;
-        ASSERT_NE(damaged.find(from), std::string::npos) << from;
-        replaceFile(file, damaged.replace(damaged.find(from), std::string(from).size(), to));
-        open();
-        EXPECT_TRUE(registry->spaces("L").empty()) << damaged;
-        registry->reconcile({{"L", {{1, "1"}}}});
-        EXPECT_EQ(shown("L"), "1 ");
-        const auto files = std::filesystem::directory_iterator(folder.path());
-        EXPECT_EQ(std::count_if(begin(files), end(files),
-                                [](const auto& entry) {
-                                    return entry.path().string().find("workspaces.json.corrupt-") !=
-                                           std::string::npos;
-                                }),
-                  ++aside);
-    }
-}
-
-TEST_F(WorkspaceRegistryTest, LeavesAFileThatCantBeReadAsItIs) {
-    registry.reset();
-    std::filesystem::remove(file);
-    std::filesystem::create_directory(file);
-    open();
-    registry->reconcile({{"L", {{1, "1"}}}});
-    EXPECT_EQ(shown("L"), "1 ");
-    registry.reset();
-    EXPECT_TRUE(std::filesystem::is_directory(file));
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
-    open();
-}
-
 TEST_F(WorkspaceRegistryTest, ForgetsTheOldestOfThoseWithoutARecord) {
     registry->reconcile({{"L", {{1, "kept"}, {2, "first"}}}});
     const std::string kept = uuid("kept");

@@ -1,12 +1,10 @@
 #include "core/platform/linux/PomodoroReminder.h"
 #include "core/async/TestLoop.h"
-#include "core/base/Files.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/RecordingNotifications.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <optional>
 
@@ -102,20 +100,6 @@ TEST_F(PomodoroReminderTest, WhereNotificationsComeLateItTriesAgainForAWhile) {
     EXPECT_EQ(shown(), 1u);
     EXPECT_FALSE(reminder_->due());
     EXPECT_GT(log_.take().size(), 1u);
-}
-
-TEST_F(PomodoroReminderTest, ADamagedFileCostsOnlyTheReminder) {
-    for (const char* text : {"", "[]", R"({"due":"tomorrow","breakMinutes":5})", R"({"breakMinutes":5})",
-                             R"({"due":"2026-01-05T10:00:00Z","breakMinutes":"5"})"}) {
-        std::filesystem::create_directories(file_.parent_path());
-        std::ofstream(file_) << text;
-        restart();
-        EXPECT_FALSE(reminder_->due()) << text;
-        EXPECT_EQ(log_.take().size(), 1u) << text;
-        reminder_->start(1, 5);
-        restart();
-        EXPECT_TRUE(reminder_->due()) << text;
-    }
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 #include "core/names/NameStoreError.h"
 
 #include <gtest/gtest.h>
-#include <limits>
 #include <nlohmann/json.hpp>
 
 namespace lumnara {
@@ -125,70 +124,52 @@ TEST(NameStoreCodec, TellsAnotherSchema) {
 
 TEST(NameStoreCodec, EachMemberOfAnotherTypeIsDamage) {
     const json full = json::parse(fullFile);
-    const std::vector<json> odd = {
-        nullptr,        true,          1, -1, 2.9, 1e300, 4'294'967'298, "x", json::array(), json::array({1}),
-        json::object(), json{{"a", 1}}};
-    // What each member may be; any other of the values above is damage. Absence is written as discarded.
-    const auto text = [](const json& v) { return v.is_string(); };
-    const auto optionalText = [](const json& v) { return v.is_string() || v.is_null() || v.is_discarded(); };
-    const auto int32 = [](const json& v) {
-        return v.is_number_integer() && v.get<std::int64_t>() < 4'000'000'000;
-    };
-    const auto emptyMap = [](const json& v) { return v.is_object() && v.empty(); };
-    const auto optionalMap = [=](const json& v) { return emptyMap(v) || v.is_null() || v.is_discarded(); };
-    const auto never = [](const json&) { return false; };
+    const json odd = json::parse(R"({"n": null, "b": true, "1": 1, "m": -1, "f": 2.9, "e": 1e300,
+        "l": 4294967298, "t": "x", "a": [], "A": [1], "o": {}, "O": {"a": 1}})");
     const std::string record = "/desktops/1D2C3B4A-0000-4000-8000-000000000001";
-    const std::vector<std::pair<std::string, std::function<bool(const json&)>>> members = {
-        {"/desktops", emptyMap},
-        {"/links", optionalMap},
-        {"/links/AB12CD34", [=](const json& v) { return emptyMap(v) || v.is_discarded(); }},
-        {"/links/AB12CD34/8A1F27C4", [=](const json& v) { return text(v) || v.is_discarded(); }},
-        {"/order", optionalMap},
-        {"/order/37D8832A", [](const json& v) { return (v.is_array() && v.empty()) || v.is_discarded(); }},
-        {"/order/37D8832A/0", [=](const json& v) { return text(v) || v.is_discarded(); }},
-        {"/updatedAt", never},
-        {record, [](const json& v) { return v.is_discarded(); }},
-        {record + "/name", text},
-        {record + "/aliases",
-         [](const json& v) { return (v.is_array() && v.empty()) || v.is_null() || v.is_discarded(); }},
-        {record + "/aliases/0", [=](const json& v) { return text(v) || v.is_discarded(); }},
-        {record + "/icon", optionalText},
-        {record + "/color", optionalText},
-        {record + "/isDimmed",
-         [](const json& v) { return v.is_boolean() || v.is_null() || v.is_discarded(); }},
-        {record + "/createdAt", [](const json& v) { return v.is_null() || v.is_discarded(); }},
-        {record + "/lastSeen", [](const json& v) { return v.is_null() || v.is_discarded(); }},
-        {record + "/lastSeen/displayUUID", text},
-        {record + "/lastSeen/displayName", optionalText},
-        {record + "/lastSeen/indexOnDisplay", int32},
-        {record + "/lastSeen/spaceCount",
-         [=](const json& v) { return int32(v) || v.is_null() || v.is_discarded(); }},
-        {record + "/lastSeen/at", never},
+    // Which of these values each member may have, and '-' where it may be missing; any other is damage.
+    const std::vector<std::pair<std::string, std::string>> members = {
+        {"/desktops", "o"},
+        {"/links", "no-"},
+        {"/links/AB12CD34", "o-"},
+        {"/links/AB12CD34/8A1F27C4", "t-"},
+        {"/order", "no-"},
+        {"/order/37D8832A", "a-"},
+        {"/order/37D8832A/0", "t-"},
+        {"/updatedAt", ""},
+        {record, "-"},
+        {record + "/name", "t"},
+        {record + "/aliases", "na-"},
+        {record + "/aliases/0", "t-"},
+        {record + "/icon", "nt-"},
+        {record + "/color", "nt-"},
+        {record + "/isDimmed", "nb-"},
+        {record + "/createdAt", "n-"},
+        {record + "/lastSeen", "n-"},
+        {record + "/lastSeen/displayUUID", "t"},
+        {record + "/lastSeen/displayName", "nt-"},
+        {record + "/lastSeen/indexOnDisplay", "1m"},
+        {record + "/lastSeen/spaceCount", "1mn-"},
+        {record + "/lastSeen/at", ""},
     };
     for (const auto& [path, allowed] : members) {
+        const auto isAllowed = [&](const std::string& letter) {
+            return allowed.find(letter) != std::string::npos;
+        };
         const json::json_pointer pointer(path);
-        for (const json& value : odd) {
+        for (const auto& [letter, value] : odd.items()) {
             json file = full;
             file.at(pointer) = value;
-            EXPECT_EQ(!isDamaged(file.dump()), allowed(value)) << path << " = " << value;
+            EXPECT_EQ(!isDamaged(file.dump()), isAllowed(letter)) << path << " = " << value;
         }
-        json file = full;
-        json& parent = file.at(pointer.parent_pointer());
-        if (parent.is_array())
-            parent.erase(0);
-        else
-            parent.erase(pointer.back());
-        EXPECT_EQ(!isDamaged(file.dump()), allowed(json(json::value_t::discarded))) << "without " << path;
+        const json missing = json::array({{{"op", "remove"}, {"path", path}}});
+        EXPECT_EQ(!isDamaged(full.patch(missing).dump()), isAllowed("-")) << "without " << path;
     }
 }
 
 TEST(NameStoreCodec, DamagedTextsAreRefused) {
     const std::string good = R"({"desktops":{},"schemaVersion":2,"updatedAt":"2026-01-05T09:00:00Z"})";
     ASSERT_FALSE(isDamaged(good));
-    for (std::size_t length = 0; length < good.size(); ++length)
-        EXPECT_TRUE(isDamaged(good.substr(0, length))) << length;
-    EXPECT_TRUE(isDamaged(good + "}"));
-
     const auto withDesktops = [](const std::string& desktops) {
         return R"({"desktops":)" + desktops + R"(,"updatedAt":"2026-01-05T09:00:00Z"})";
     };

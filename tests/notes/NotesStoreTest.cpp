@@ -137,18 +137,11 @@ TEST(NotesStore, KeepsThePanelsState) {
               (NoteMeta{{}, false, NoteEdge::right, 0.4, true, notes.loop.date()}));
 }
 
-TEST(NotesStore, DamagedPanelStateIsTheDefault) {
+TEST(NotesStore, WhatAPanelsStateLacksIsTheDefault) {
     NotesOnDisk notes;
     NoteMeta defaults;
     defaults.updatedAt = notes.loop.date();
     EXPECT_EQ(notes.store.loadMeta("missing"), defaults);
-    for (const char* text :
-         {"", "{", "[]", "null", R"({"edge": "top"})", R"({"isVisible": 1})", R"({"frame": [[1, 2], [3]]})",
-          R"({"frame": [1, 2, 3, 4]})", R"({"edgeOffset": "0.5"})", R"({"updatedAt": 5})",
-          R"({"isVisible": true, "isVisible": true})"}) {
-        replaceFile(notes.directory / "k.json", text);
-        EXPECT_EQ(notes.store.loadMeta("k"), defaults) << text;
-    }
     replaceFile(notes.directory / "k.json", R"({"frame": [[1, 2], [3, 4.5]], "later": 1})");
     defaults.frame = Rect{1, 2, 3, 4.5};
     EXPECT_EQ(notes.store.loadMeta("k"), defaults);
@@ -208,49 +201,45 @@ TEST(NotesStore, ABodyThatTheDiskDidNotGiveIsNotWrittenOver) {
     });
 }
 
-/// Whether the child that runs it meets this failure.
-template <class Work> int meets(NotesError::Case which, Work&& work) {
-    try {
-        work();
-    } catch (const NotesError& error) {
-        return error.which() == which && !error.reason().empty() ? 1 : 2;
-    }
-    return 0;
-}
-
-TEST(NotesStore, AFailedStepIsReportedAndLeavesTheOldNote) {
+TEST(NotesStore, AFailureSaysWhatWasNotDoneAndLeavesTheOldNote) {
     NotesOnDisk notes;
     const RichText old = withPicture("old ", "old bytes");
     notes.store.saveText("k", old);
     notes.store.saveMeta("k", {});
     const auto names = notes.names();
+    using Case = NotesError::Case;
+    using testing::CallKind;
     const auto save = [&] { notes.store.saveText("k", withPicture("new ", "new bytes")); };
     const auto saveMeta = [&] { notes.store.saveMeta("k", {.isVisible = true}); };
     const auto remove = [&] { notes.store.deleteNote("k"); };
-    using Case = NotesError::Case;
-    const struct {
-        long call;
-        int error;
-        Case which;
-        std::function<void()> work;
-    } steps[] = {
-#ifdef SYS_mkdir
-        {SYS_mkdir, EACCES, Case::bodyNotSaved, save}, {SYS_mkdir, EROFS, Case::notDeleted, remove},
-        {SYS_rename, EBUSY, Case::notDeleted, remove}, {SYS_rename, EBUSY, Case::metaNotSaved, saveMeta},
-#endif
-        {SYS_fsync, EIO, Case::bodyNotSaved, save},    {SYS_fsync, ENOSPC, Case::metaNotSaved, saveMeta},
-        {SYS_write, ENOSPC, Case::bodyNotSaved, save}, {SYS_renameat2, EBUSY, Case::bodyNotSaved, save},
+    const std::tuple<CallKind, Case, std::function<void()>> failures[] = {
+        {CallKind::makeFolder, Case::bodyNotSaved, save}, {CallKind::write, Case::bodyNotSaved, save},
+        {CallKind::sync, Case::bodyNotSaved, save},       {CallKind::rename, Case::bodyNotSaved, save},
+        {CallKind::sync, Case::metaNotSaved, saveMeta},   {CallKind::rename, Case::metaNotSaved, saveMeta},
+        {CallKind::makeFolder, Case::notDeleted, remove}, {CallKind::rename, Case::notDeleted, remove},
     };
-    for (const auto& step : steps) {
-        const auto work = [&] { return meets(step.which, step.work); };
-        EXPECT_EQ(testing::runWithFailingCall(step.call, step.error, work), 1) << "call " << step.call;
-        EXPECT_EQ(notes.store.loadText("k"), old) << "call " << step.call;
-        EXPECT_FALSE(notes.store.loadMeta("k").isVisible);
-        EXPECT_EQ(notes.names(), names) << "call " << step.call;
-    }
+    const auto caseOf = [](const std::function<void()>& work) -> std::optional<Case> {
+        try {
+            work();
+        } catch (const NotesError& error) {
+            return error.which();
+        }
+        return std::nullopt;
+    };
+    testing::FileCalls calls(notes.folder.path());
+    calls.run([&] {
+        for (const auto& [call, which, work] : failures) {
+            calls.arm(testing::CallFault{call, 0, EBUSY, true});
+            EXPECT_EQ(caseOf(work), which) << nameOf(call);
+            calls.disarm();
+            EXPECT_EQ(notes.store.loadText("k"), old) << nameOf(call);
+            EXPECT_FALSE(notes.store.loadMeta("k").isVisible);
+            EXPECT_EQ(notes.names(), names) << nameOf(call);
+        }
+    });
     replaceFile(notes.folder / "file", "");
     const NotesStore misplaced(notes.loop, notes.folder.path() / "file" / "Notes");
-    EXPECT_EQ(meets(Case::folderNotMade, [&] { misplaced.saveText("k", {}); }), 1);
+    EXPECT_EQ(caseOf([&] { misplaced.saveText("k", {}); }), Case::folderNotMade);
 }
 
 /// Saves over a note again and again, killed one system call later each time.

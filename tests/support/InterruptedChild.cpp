@@ -67,15 +67,4 @@ void failSystemCall(long systemCall, int error) {
         throw std::runtime_error("the system call can't be made to fail");
 }
 
-int runWithFailingCall(long systemCall, int error, const std::function<int()>& work) {
-    const pid_t child = forked();
-    if (child == 0) {
-        failSystemCall(systemCall, error);
-        ::_exit(work());
-    }
-    const int status = waitFor(child);
-    if (!WIFEXITED(status)) throw std::runtime_error("the child died");
-    return WEXITSTATUS(status);
-}
-
 } // namespace lumnara::testing

@@ -8,11 +8,7 @@ namespace lumnara::testing {
 /// True when the child had ended before.
 bool endsBeforeSystemCall(int number, const std::function<void()>& work);
 
-/// Runs `work` in a child process for which one system call (SYS_...) fails with this error each time.
-/// What `work` returns has to fit a byte.
-int runWithFailingCall(long systemCall, int error, const std::function<int()>& work);
-
-/// Makes a system call fail with this error from now on, in this process and its children.
+/// Makes a system call (SYS_...) fail with this error from now on, in this process and its children.
 void failSystemCall(long systemCall, int error);
 
 } // namespace lumnara::testing
