@@ -254,24 +254,6 @@ TEST_F(BadFilesTest, DamageThatCannotBeMovedIsToldAndNotWrittenOver) {
     }
 }
 
-TEST_F(BadFilesTest, ANewerFileIsKeptAndTold) {
-    const std::string newer = R"({"schemaVersion": 9, "automations": [], "desktops": {}})";
-    replaceFile(data / "desktops.json", newer);
-    const NameStore names(loop, data / "desktops.json");
-    ASSERT_TRUE(names.recoveredFromCorruptFile());
-    EXPECT_EQ(readFile(*names.recoveredFromCorruptFile()), newer);
-
-    replaceFile(data / "automations.json", newer);
-    EXPECT_EQ(toldByStart(kindOf("automations")), AutomationStoreError::unsupportedSchema(9).sentence());
-    EXPECT_TRUE(refusesChange(kindOf("automations"), 1));
-    EXPECT_EQ(readFile(data / "automations.json"), newer);
-
-    // What a later version adds to the settings stays.
-    replaceFile(data / "settings.json", R"({"later": {"deep": [1]}})");
-    EXPECT_FALSE(refusesChange(kindOf("settings"), 1));
-    EXPECT_NE(readFile(data / "settings.json").find("deep"), std::string::npos);
-}
-
 /// Three ways in which a file can't be read.
 enum class Obstacle { folderInPlace, linkInCircles, noPermission };
 
