@@ -94,6 +94,7 @@ void X11Connection::selectEvents() {
 
 void* X11Connection::awaitReply(unsigned sequence) {
     const auto deadline = loop_.now() + async::wholeNanos(serverPatience);
+    ++roundTrips_;
     void* answer = nullptr;
     xcb_generic_error_t* error = nullptr;
     xcb_flush(xcb());
@@ -106,15 +107,21 @@ void* X11Connection::awaitReply(unsigned sequence) {
         ::poll(&answered, 1, static_cast<int>(async::secondsOf(deadline - loop_.now()) * 1000) + 1);
     }
     std::free(error);
-    // What came along with the reply has left the socket, so nothing else would wake us for it.
-    while (auto* event = xcb_poll_for_queued_event(xcb())) enqueue(event);
-    if (!pending_.empty() && !wake_.parked()) loop_.ready(wake_);
+    deliverLater(xcb_poll_for_queued_event);
     if (xcb_connection_has_error(xcb())) {
         std::free(answer);
         throw serverGone();
     }
     return answer;
 }
+
+/// What has left the socket wakes us no more.
+void X11Connection::deliverLater(NextEvent next) {
+    while (auto* event = next(xcb())) enqueue(event);
+    if (!pending_.empty() && !wake_.parked()) loop_.ready(wake_);
+}
+
+void X11Connection::takeArrived() { deliverLater(xcb_poll_for_event); }
 
 void X11Connection::roundTrip() { reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(xcb())); }
 
@@ -187,15 +194,21 @@ void X11Connection::enqueue(xcb_generic_event_t* event) {
     arrived.emit(*event);
 }
 
-void X11Connection::deliver(const xcb_generic_event_t& event) {
+bool X11Connection::isMonitorChange(const xcb_generic_event_t& event) const {
     const auto type = static_cast<std::uint8_t>(event.response_type & 0x7FU);
-    switch (type) {
+    if (type == XCB_CONFIGURE_NOTIFY)
+        return reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == root_;
+    return firstRandrEvent_ != 0 && (type == firstRandrEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+                                     type == firstRandrEvent_ + XCB_RANDR_NOTIFY);
+}
+
+/// What none of these is may be an error of a request whose outcome shows elsewhere, such as a look at a
+/// window that has gone meanwhile.
+void X11Connection::deliver(const xcb_generic_event_t& event) {
+    if (isMonitorChange(event)) return monitorsChanged.emit();
+    switch (event.response_type & 0x7FU) {
     case XCB_PROPERTY_NOTIFY:
         propertyChanged.emit(reinterpret_cast<const xcb_property_notify_event_t&>(event));
-        return;
-    case XCB_CONFIGURE_NOTIFY:
-        if (reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == root_)
-            monitorsChanged.emit();
         return;
     case XCB_DESTROY_NOTIFY:
         windowDestroyed.emit(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
@@ -205,12 +218,7 @@ void X11Connection::deliver(const xcb_generic_event_t& event) {
         if (reinterpret_cast<const xcb_mapping_notify_event_t&>(event).request != XCB_MAPPING_POINTER)
             keyboardChanged.emit();
         return;
-    default:
-        // Anything else is an error of a request whose outcome shows elsewhere, such as a look at a window
-        // that has gone meanwhile.
-        if (firstRandrEvent_ != 0 && (type == firstRandrEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
-                                      type == firstRandrEvent_ + XCB_RANDR_NOTIFY))
-            monitorsChanged.emit();
+    default: return;
     }
 }
 

@@ -44,6 +44,11 @@ public:
     }
     /// Returns when the server has carried out all that was asked so far. Throws as reply().
     void roundTrip();
+    /// Takes in the events that have reached us, without asking the server: `arrived` has told of whatever
+    /// happened before something that another program has told us since.
+    void takeArrived();
+    /// How often somebody has waited for the server.
+    std::uint64_t roundTrips() const { return roundTrips_; }
     /// Whether a checked request without a reply has failed, known after a roundTrip().
     bool failed(xcb_void_cookie_t cookie) const;
 
@@ -63,6 +68,8 @@ public:
     /// server sends events before the reply to a later request, so a cache that listens here is never older
     /// than a reply.
     async::Signal<const xcb_generic_event_t&> arrived;
+    /// Whether such an event tells that monitors have changed.
+    bool isMonitorChange(const xcb_generic_event_t& event) const;
 
     async::Signal<const xcb_property_notify_event_t&> propertyChanged;
     /// A window whose structure events somebody has asked for.
@@ -87,7 +94,10 @@ private:
     X11Connection(async::Loop& loop, const std::string& display);
     void internAtoms();
     void selectEvents();
+    using NextEvent = xcb_generic_event_t* (*)(xcb_connection_t*);
+
     void* awaitReply(unsigned sequence);
+    void deliverLater(NextEvent next);
     void dispatch();
     void enqueue(xcb_generic_event_t* event);
     void deliver(const xcb_generic_event_t& event);
@@ -97,6 +107,7 @@ private:
     xcb_window_t root_ = XCB_WINDOW_NONE;
     X11Atoms atoms_{};
     std::uint8_t firstRandrEvent_ = 0;
+    std::uint64_t roundTrips_ = 0;
     std::deque<X11Reply<xcb_generic_event_t>> pending_;
     DispatchWake wake_;
     std::unique_ptr<async::FdWatch> watch_;

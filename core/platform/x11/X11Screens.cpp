@@ -2,47 +2,10 @@
 
 #include "core/base/Failure.h"
 
-#include <algorithm>
-#include <tuple>
-#include <utility>
-#include <xcb/randr.h>
-
 namespace lumnara {
 
-namespace {
-
-/// The base block of an EDID in 32-bit units.
-constexpr std::uint32_t edidBlockUnits = 32;
-
-std::string humanName(const ConnectedMonitor& monitor) {
-    if (!monitor.edid) return monitor.connector;
-    // The name of a model holds its maker; a bare product code doesn't.
-    return monitor.edid->name.empty() ? monitor.edid->maker + " " + monitor.edid->model()
-                                      : monitor.edid->name;
-}
-
-} // namespace
-
-std::vector<ScreenInfo> X11Screens::screens() {
-    std::vector<ScreenInfo> screens;
-    try {
-        const auto found = monitors();
-        std::vector<ConnectedMonitor> connected;
-        for (const auto& monitor : found) connected.push_back(monitor.connected);
-        const auto identities = monitorIdentities(connected);
-        for (std::size_t i = 0; i < found.size(); ++i)
-            screens.push_back({.uuid = identities[i],
-                               .connector = connected[i].connector,
-                               .name = humanName(connected[i]),
-                               .frame = found[i].frame,
-                               .isBuiltIn = isPanelConnector(connected[i].connector)});
-    } catch (const Failure&) {
-        return {};
-    }
-    std::sort(screens.begin(), screens.end(), [](const ScreenInfo& a, const ScreenInfo& b) {
-        return std::tie(a.frame.x, a.frame.y) < std::tie(b.frame.x, b.frame.y);
-    });
-    return distinctlyNamed(std::move(screens));
+std::vector<ScreenInfo> X11Screens::screens() try { return monitors_.screens(); } catch (const Failure&) {
+    return {};
 }
 
 std::optional<Point> X11Screens::pointer() {
@@ -70,46 +33,9 @@ std::optional<std::string> X11Screens::displayUnderPointer() {
 }
 
 std::string X11Screens::identity(const std::string& connector) {
-    for (const auto& screen : screens())
+    for (const ScreenInfo& screen : screens())
         if (screen.connector == connector) return screen.uuid;
     return connector;
-}
-
-std::vector<X11Screens::Monitor> X11Screens::monitors() {
-    auto* xcb = connection_->xcb();
-    const auto list = connection_->reply<xcb_randr_get_monitors_reply_t>(
-        xcb_randr_get_monitors(xcb, connection_->root(), 1));
-    std::vector<Monitor> monitors;
-    if (!list) return monitors;
-    for (auto it = xcb_randr_get_monitors_monitors_iterator(list.get()); it.rem > 0;
-         xcb_randr_monitor_info_next(&it)) {
-        const auto& info = *it.data;
-        Monitor monitor{{atomName(info.name), std::nullopt},
-                        {static_cast<double>(info.x), static_cast<double>(info.y),
-                         static_cast<double>(info.width), static_cast<double>(info.height)}};
-        // A monitor of several outputs is a tiled one, whose tiles tell the same.
-        if (info.nOutput > 0) monitor.connected.edid = edid(*xcb_randr_monitor_info_outputs(it.data));
-        monitors.push_back(std::move(monitor));
-    }
-    return monitors;
-}
-
-std::optional<Edid> X11Screens::edid(std::uint32_t output) {
-    const auto property =
-        connection_->reply<xcb_randr_get_output_property_reply_t>(xcb_randr_get_output_property(
-            connection_->xcb(), output, connection_->atoms().edid, XCB_ATOM_ANY, 0, edidBlockUnits, 0, 0));
-    if (!property || property->format != 8) return std::nullopt;
-    const auto* bytes = xcb_randr_get_output_property_data(property.get());
-    return parseEdid({reinterpret_cast<const char*>(bytes),
-                      static_cast<std::size_t>(xcb_randr_get_output_property_data_length(property.get()))});
-}
-
-std::string X11Screens::atomName(xcb_atom_t atom) {
-    const auto name =
-        connection_->reply<xcb_get_atom_name_reply_t>(xcb_get_atom_name(connection_->xcb(), atom));
-    if (!name) return {};
-    return {xcb_get_atom_name_name(name.get()),
-            static_cast<std::size_t>(xcb_get_atom_name_name_length(name.get()))};
 }
 
 } // namespace lumnara

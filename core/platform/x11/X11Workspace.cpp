@@ -9,6 +9,12 @@ namespace lumnara {
 
 X11Workspace::X11Workspace(std::shared_ptr<X11Connection> connection) : connection_(std::move(connection)) {
     auto& x = *connection_;
+    subscriptions_.push_back(x.arrived.subscribe([this](const xcb_generic_event_t& event) {
+        if ((event.response_type & 0x7FU) == XCB_PROPERTY_NOTIFY &&
+            reinterpret_cast<const xcb_property_notify_event_t&>(event).atom ==
+                connection_->atoms().netActiveWindow)
+            frontmostIsFresh_ = false;
+    }));
     subscriptions_.push_back(
         x.propertyChanged.subscribe([this](const auto& event) { noteChange(event.atom); }));
     subscriptions_.push_back(x.windowDestroyed.subscribe([this](xcb_window_t) { spacesChanged_ = true; }));
@@ -22,21 +28,32 @@ async::Subscription X11Workspace::observe(std::function<void(WorkspaceEvent)> on
 }
 
 std::optional<RunningApp> X11Workspace::frontmostApplication() try {
+    connection_->takeArrived();
+    if (!std::exchange(frontmostIsFresh_, true) && !readFrontmost()) frontmostIsFresh_ = false;
+    return frontmost_;
+} catch (const WindowManagerError&) {
+    frontmostIsFresh_ = false;
+    return std::nullopt;
+}
+
+/// Whether the active window, if there is one, tells what it is; it may do so later.
+bool X11Workspace::readFrontmost() {
     auto& x = *connection_;
+    frontmost_.reset();
     const auto active = x.items(x.requestProperty(x.root(), x.atoms().netActiveWindow));
-    if (active.empty() || active.front() == XCB_WINDOW_NONE) return std::nullopt;
+    if (active.empty()) return false;
+    if (active.front() == XCB_WINDOW_NONE) return true;
     const auto classRequest = x.requestProperty(active.front(), XCB_ATOM_WM_CLASS);
     const auto pidRequest = x.requestProperty(active.front(), x.atoms().netWmPid);
     // Instance and class, each with a null behind it.
     const std::string names = x.text(classRequest).value_or("");
     const auto pid = x.items(pidRequest);
     const auto split = names.find('\0');
-    if (split == std::string::npos) return std::nullopt;
+    if (split == std::string::npos) return false;
     const std::string name = names.c_str() + split + 1;
-    if (name.empty()) return std::nullopt;
-    return RunningApp{pid.empty() ? 0 : static_cast<std::int32_t>(pid.front()), name, name};
-} catch (const WindowManagerError&) {
-    return std::nullopt;
+    if (name.empty()) return false;
+    frontmost_ = RunningApp{pid.empty() ? 0 : static_cast<std::int32_t>(pid.front()), name, name};
+    return true;
 }
 
 void X11Workspace::noteChange(xcb_atom_t property) {
