@@ -11,16 +11,18 @@ std::optional<SpaceID> ScriptedWindowServer::currentSpace(const DisplayID& displ
     return shown ? std::optional(shown->currentID) : std::nullopt;
 }
 
-async::Task<> ScriptedActivator::activate(const Space& target, const DisplayID& display) {
+async::Task<std::optional<SpaceID>> ScriptedActivator::activate(const Space& target,
+                                                                const DisplayID& display) {
     asked.push_back(target.id);
     if (const auto kept = focusKept_.lock()) focused.push_back(kept->uuid);
     co_await async::sleepFor(0.001);
     if (failure) std::rethrow_exception(failure);
     if (display.uuid == stubborn)
         throw WindowManagerError(WindowManagerError::Case::refused, "i3", stubborn + " is stuck");
-    if (!obeys) co_return;
+    if (!obeys) co_return std::nullopt;
     provider_.show(target.id);
     if (onShown) onShown();
+    co_return std::nullopt;
 }
 
 std::shared_ptr<const DisplayID> ScriptedActivator::keepFocusOn(const DisplayID& display) {

@@ -63,7 +63,7 @@ public:
 class ScriptedActivator : public SpaceActivator {
 public:
     explicit ScriptedActivator(ScriptedProvider& provider) : provider_(provider) {}
-    async::Task<> activate(const Space& target, const DisplayID& display) override;
+    async::Task<std::optional<SpaceID>> activate(const Space& target, const DisplayID& display) override;
     std::shared_ptr<const DisplayID> keepFocusOn(const DisplayID& display) override;
 
     std::vector<SpaceID> asked;

@@ -37,7 +37,6 @@ TEST(IpcReplies, ReadSway) {
     EXPECT_EQ(outputs[0].make + outputs[0].model + outputs[0].serial, "AcmeU2720Q8F3K2");
     EXPECT_EQ(outputs[0].scale, 1.5);
     EXPECT_EQ(outputs[0].rect.x, -1280);
-    EXPECT_TRUE(outputs[0].focused);
 
     const auto outcomes = parseOutcomes(
         R"([ { "success": true }, { "success": false, "parse_error": true, "error": "no output" } ])");
@@ -65,14 +64,23 @@ TEST(IpcReplies, FindWhoHasTheKeyboard) {
         return R"({"focused":false,"nodes":[{"focused":false,"nodes":[],"floating_nodes":[)" + window +
                R"(]},{"focused":false,"nodes":[]}],"floating_nodes":[]})";
     };
-    EXPECT_EQ(parseFocusedApplication(treeWith(
-                  R"({"focused":true,"window_properties":{"class":"Editor","instance":"e"},"nodes":[]})")),
-              (RunningApp{0, "Editor", "Editor"}));
-    EXPECT_EQ(parseFocusedApplication(treeWith(R"({"focused":true,"pid":7,"app_id":"foot","nodes":[]})")),
-              (RunningApp{7, "foot", "foot"}));
-    EXPECT_EQ(parseFocusedApplication(treeWith(R"({"focused":true,"app_id":null,"nodes":[]})")),
-              std::nullopt);
-    EXPECT_EQ(parseFocusedApplication(treeWith(R"({"focused":false,"app_id":"foot"})")), std::nullopt);
+    const std::string editor =
+        R"({"id":5,"focused":true,"window_properties":{"class":"Editor","instance":"e"},"nodes":[]})";
+    const std::pair<std::string, std::optional<RunningApp>> windows[] = {
+        {editor, RunningApp{0, "Editor", "Editor"}},
+        {R"({"focused":true,"pid":7,"app_id":"foot","nodes":[]})", RunningApp{7, "foot", "foot"}},
+        {R"({"focused":true,"app_id":null,"nodes":[]})", std::nullopt},
+        {R"({"focused":false,"app_id":"foot"})", std::nullopt}};
+    for (const auto& [window, application] : windows)
+        EXPECT_EQ(parseFocus(treeWith(window)).application, application) << window;
+
+    const auto focused = parseWorkspaceEvent(
+        R"({"change":"focus","current":{"id":1,"name":"1","focus":[3,2],"nodes":[{"id":2}],"floating_nodes":)"
+        R"([{"id":3,"focus":[5],"nodes":[)" +
+        editor + "]}]}}");
+    EXPECT_EQ(focused.focus.container, 5);
+    EXPECT_EQ(focused.focus.application, windows[0].second);
+    EXPECT_EQ(parseWindowEvent(R"({"change":"close","container":)" + editor + "}").window.container, 5);
 }
 
 TEST(IpcReplies, KeepBytesThatAreNoUtf8FromEndingTheReading) {
@@ -87,7 +95,8 @@ TEST(IpcReplies, RefuseOtherShapes) {
         [](auto json) { parseWorkspaces(json); },     [](auto json) { parseOutputs(json); },
         [](auto json) { parseOutcomes(json); },       [](auto json) { parseOutcome(json); },
         [](auto json) { parseConfig(json); },         [](auto json) { parseBindingEvent(json); },
-        [](auto json) { parseWorkspaceEvent(json); }, [](auto json) { parseFocusedApplication(json); },
+        [](auto json) { parseWorkspaceEvent(json); }, [](auto json) { parseFocus(json); },
+        [](auto json) { parseWindowEvent(json); },
     };
     const std::string deep(std::size_t{1} << 20, '[');
     for (const auto& read : readers)

@@ -304,6 +304,13 @@ TEST_F(IpcSessionTest, TellsOnceOfWhatComesTogether) {
     ASSERT_TRUE(loop.runUntil([&] { return !events.empty(); }, 5));
     EXPECT_EQ(events, std::vector{activeSpaceDidChange});
     events.clear();
+    {
+        const auto reading = session->changed().subscribe([this](WorkspaceEvent) { session->read(); });
+        workspacesBehind = workspaces;
+        server.send(focus);
+        EXPECT_TRUE(loop.runUntil([&] { return events.size() == 2; }, 5)) << "it came behind the answer";
+    }
+    events.clear();
     server.send(frame(outputEvent, R"({"change":"unspecified"})") + focus);
     ASSERT_TRUE(loop.runUntil([&] { return !events.empty(); }, 5));
     EXPECT_EQ(events, (std::vector{screenParametersDidChange, activeSpaceDidChange}));

@@ -1,3 +1,4 @@
+#include "core/platform/i3sway/IpcReplies.h"
 #include "tests/session/IpcFixture.h"
 
 #include <map>
@@ -138,6 +139,56 @@ TEST_P(IpcDesktopsTest, AreKnownByTheirNamesThroughAnyChurn) {
     std::set<std::string> distinct;
     for (const auto& [name, uuid] : known) distinct.insert(uuid);
     EXPECT_EQ(distinct.size(), known.size());
+}
+
+/// What we keep of the front application against what the window manager's tree says.
+TEST_P(IpcDesktopsTest, TellWhoHasTheKeyboardThroughAnyChurn) {
+    const bool isI3 = GetParam() == IpcWindowManager::i3;
+    std::vector<std::unique_ptr<Child>> windows;
+    const auto open = [&](const std::string& name) {
+        if (isI3)
+            at.x().openWindow(name);
+        else
+            windows.push_back(at.sway().start({"foot", "--app-id", name, "sleep", "600"}));
+    };
+    const auto inTree = [&] {
+        const auto tree = isI3 ? at.x().run({"i3-msg", "-s", at.x().i3Socket(), "-t", "get_tree"})
+                               : at.sway().run({"swaymsg", "-s", at.sway().socket(), "-t", "get_tree"});
+        const auto app = parseFocus(tree.text).application;
+        return app ? app->name : "none";
+    };
+    const auto kept = [&] {
+        const auto app = at.platform().workspace->frontmostApplication();
+        return app ? app->name : "none";
+    };
+    std::mt19937 random(5);
+    const std::string commands[] = {"focus output " + left,
+                                    "focus output " + right,
+                                    "workspace a",
+                                    "workspace b",
+                                    "workspace c",
+                                    "move container to workspace b",
+                                    "move container to workspace c",
+                                    "kill",
+                                    "focus left",
+                                    "focus right",
+                                    "floating toggle",
+                                    "fullscreen toggle",
+                                    "move container to output " + right,
+                                    "move scratchpad",
+                                    "scratchpad show",
+                                    "split toggle"};
+    for (int i = 0; i < 120; ++i) {
+        std::string done = "open";
+        if (i % 4 == 0) {
+            open("w" + std::to_string(i));
+        } else {
+            done = commands[random() % std::size(commands)];
+            at.command(done);
+        }
+        ASSERT_TRUE(at.runUntil([&] { return kept() == inTree(); }, 3))
+            << i << " " << done << ": " << kept() << ", and by the tree " << inTree();
+    }
 }
 
 TEST_P(IpcDesktopsTest, ComeBackAfterTheWindowManagerIsKilled) {

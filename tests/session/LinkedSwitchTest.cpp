@@ -14,10 +14,10 @@ namespace {
 class RefusingActivator : public SpaceActivator {
 public:
     explicit RefusingActivator(std::unique_ptr<SpaceActivator> real) : real_(std::move(real)) {}
-    async::Task<> activate(const Space& target, const DisplayID& display) override {
+    async::Task<std::optional<SpaceID>> activate(const Space& target, const DisplayID& display) override {
         if (display.uuid == refused)
             throw WindowManagerError(WindowManagerError::Case::refused, "i3", "not there");
-        co_await real_->activate(target, display);
+        co_return co_await real_->activate(target, display);
     }
     std::shared_ptr<const DisplayID> keepFocusOn(const DisplayID& display) override {
         return real_->keepFocusOn(display);

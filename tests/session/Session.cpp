@@ -368,6 +368,9 @@ std::optional<std::uint32_t> XSession::mapWindow(const std::string& title, doubl
     for (const char* name : {"WM_NAME", "_NET_WM_NAME"})
         xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(name), atom("UTF8_STRING"), 8,
                             length, title.data());
+    const std::string instanceAndClass = std::string("window\0", 7) + title + '\0';
+    xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
+                        static_cast<std::uint32_t>(instanceAndClass.size()), instanceAndClass.data());
     xcb_map_window(connection_, window);
     const auto mapped = [&] {
         const auto cookie = xcb_get_window_attributes(connection_, window);

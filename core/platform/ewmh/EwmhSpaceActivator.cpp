@@ -24,7 +24,7 @@ EwmhSpaceActivator::EwmhSpaceActivator(std::shared_ptr<X11Connection> connection
           if (event.atom == connection_->atoms().netCurrentDesktop) changed_.fire();
       })) {}
 
-async::Task<> EwmhSpaceActivator::activate(const Space& target, const DisplayID&) {
+async::Task<std::optional<SpaceID>> EwmhSpaceActivator::activate(const Space& target, const DisplayID&) {
     // Whoever switches has just read what the display shows, and reads again to see the switch land: one
     // more reading in between would only cost time.
     const bool isKnownHidden = isHidden(desktops_->lastReading(), target.id);
@@ -32,9 +32,10 @@ async::Task<> EwmhSpaceActivator::activate(const Space& target, const DisplayID&
     const auto index = reading.indexOf(target.id);
     if (!index) throw SwitchError(SwitchError::Case::targetNotInSnapshot);
     // Nothing is announced when nothing changes.
-    if (*index == reading.current) co_return;
+    if (*index == reading.current) co_return target.id;
     desktops_->root().requestDesktop(*index);
     co_await changed_.wait(patience);
+    co_return std::nullopt;
 }
 
 } // namespace lumnara

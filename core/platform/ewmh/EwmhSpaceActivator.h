@@ -13,7 +13,7 @@ class EwmhSpaceActivator : public SpaceActivator {
 public:
     EwmhSpaceActivator(std::shared_ptr<X11Connection> connection, std::shared_ptr<EwmhDesktops> desktops);
 
-    async::Task<> activate(const Space& target, const DisplayID& display) override;
+    async::Task<std::optional<SpaceID>> activate(const Space& target, const DisplayID& display) override;
 
 private:
     std::shared_ptr<X11Connection> connection_;

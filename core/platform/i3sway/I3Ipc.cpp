@@ -153,13 +153,15 @@ void I3Ipc::askAhead(IpcType type, std::function<void(const std::string*)> onAns
     send(type, {}, std::move(onAnswer));
 }
 
-std::string I3Ipc::request(IpcType type, std::string_view payload) {
+std::string I3Ipc::request(IpcType type, std::string_view payload, const std::function<void()>& onAnswered) {
     checkReachable();
     std::optional<std::string> answer;
     bool over = false;
     send(type, payload, [&](const std::string* reply) {
         over = true;
-        if (reply) answer = *reply;
+        if (!reply) return;
+        answer = *reply;
+        onAnswered();
     });
     const async::Nanos deadline = loop_.now() + async::wholeNanos(setup_.patience);
     while (!over) {

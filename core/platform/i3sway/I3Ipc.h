@@ -61,9 +61,13 @@ public:
     bool connected() const { return state_ == State::connected; }
 
     /// Asks and waits for the answer, which `read` turns into a value. Throws WindowManagerError; an answer
-    /// that `read` refuses with IpcProtocolError ends the connection.
-    template <class T> T ask(IpcType type, std::string_view payload, T (*read)(std::string_view)) {
-        const std::string answer = request(type, payload);
+    /// that `read` refuses with IpcProtocolError ends the connection. `onAnswered` is called like the
+    /// listener, between the events of what happened before the answer and those of what happened since.
+    template <class T>
+    T ask(
+        IpcType type, std::string_view payload, T (*read)(std::string_view),
+        const std::function<void()>& onAnswered = [] {}) {
+        const std::string answer = request(type, payload, onAnswered);
         try {
             return read(answer);
         } catch (const IpcProtocolError&) {
@@ -103,7 +107,7 @@ private:
     WindowManagerError hung() const;
     void checkReachable() const;
 
-    std::string request(IpcType type, std::string_view payload);
+    std::string request(IpcType type, std::string_view payload, const std::function<void()>& onAnswered);
     void send(IpcType type, std::string_view payload, std::function<void(const std::string*)> onReply);
     bool waitReadable(async::Nanos deadline) const;
     void readAvailable();

@@ -22,6 +22,7 @@ enum class IpcType : std::uint32_t {
 enum class IpcEvent : std::uint32_t {
     workspace = 0x80000000,
     output = 0x80000001,
+    window = 0x80000003,
     binding = 0x80000005,
     shutdown = 0x80000006,
 };

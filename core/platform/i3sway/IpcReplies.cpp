@@ -35,12 +35,11 @@ json parseReply(std::string_view text) {
     });
 }
 
-/// Events carry the whole tree of their workspace; only the first two levels are kept.
+/// Events carry the whole tree of their workspace, and of the one before it, which is left out.
 json parseEvent(std::string_view text) {
-    return parseBounded(text, [](int depth, json::parse_event_t event, json&) -> bool {
+    return parseBounded(text, [](int depth, json::parse_event_t event, json& parsed) -> bool {
         checkNesting(depth);
-        return depth <= 2 || event == json::parse_event_t::object_end ||
-               event == json::parse_event_t::array_end;
+        return depth != 1 || event != json::parse_event_t::key || parsed != "old";
     });
 }
 
@@ -119,6 +118,26 @@ std::optional<RunningApp> applicationOf(const json& node) {
     return RunningApp{known ? pid->get<std::int32_t>() : 0, id, id};
 }
 
+Rect rectOf(const json& value) {
+    return {.x = number(value, "x"),
+            .y = number(value, "y"),
+            .width = number(value, "width"),
+            .height = number(value, "height")};
+}
+
+IpcFocus focusOn(const json& node) {
+    return {.container = node.contains("id") ? integer(node, "id") : 0, .application = applicationOf(node)};
+}
+
+/// The child that had the keyboard last, or null in a node without children.
+const json* lastFocusedIn(const json& node) {
+    const auto order = node.find("focus");
+    if (order == node.end() || array(*order).empty()) return nullptr;
+    for (const json* child : childrenOf(node, {"nodes", "floating_nodes"}))
+        if (const auto id = child->find("id"); id != child->end() && *id == order->front()) return child;
+    return nullptr;
+}
+
 } // namespace
 
 std::vector<IpcWorkspaceReply> parseWorkspaces(std::string_view text) {
@@ -128,6 +147,7 @@ std::vector<IpcWorkspaceReply> parseWorkspaces(std::string_view text) {
         workspaces.push_back({.id = integer(workspace, "id"),
                               .name = textIn(workspace, "name"),
                               .output = textIn(workspace, "output"),
+                              .rect = workspace.contains("rect") ? rectOf(workspace.at("rect")) : Rect(),
                               .visible = flag(workspace, "visible"),
                               .focused = flag(workspace, "focused")});
     }
@@ -139,17 +159,12 @@ std::vector<IpcOutputReply> parseOutputs(std::string_view text) {
     std::vector<IpcOutputReply> outputs;
     for (const json& output : array(reply)) {
         if (!flag(output, "active")) continue;
-        const json& rect = field(output, "rect");
         outputs.push_back({.name = textIn(output, "name"),
-                           .rect = {.x = number(rect, "x"),
-                                    .y = number(rect, "y"),
-                                    .width = number(rect, "width"),
-                                    .height = number(rect, "height")},
+                           .rect = rectOf(field(output, "rect")),
                            .make = textOrNone(output, "make"),
                            .model = textOrNone(output, "model"),
                            .serial = textOrNone(output, "serial"),
-                           .scale = output.contains("scale") ? number(output, "scale") : 1,
-                           .focused = output.contains("focused") && flag(output, "focused")});
+                           .scale = output.contains("scale") ? number(output, "scale") : 1});
     }
     return outputs;
 }
@@ -171,6 +186,9 @@ IpcWorkspaceEvent parseWorkspaceEvent(std::string_view text) {
     if (current == event.end() || current->is_null()) return parsed;
     parsed.id = integer(*current, "id");
     parsed.name = textIn(*current, "name");
+    const json* focused = &*current;
+    while (const json* child = lastFocusedIn(*focused)) focused = child;
+    parsed.focus = focusOn(*focused);
     return parsed;
 }
 
@@ -179,16 +197,21 @@ std::string parseBindingEvent(std::string_view text) {
     return textIn(field(event, "binding"), "command");
 }
 
-std::optional<RunningApp> parseFocusedApplication(std::string_view text) {
+IpcWindowEvent parseWindowEvent(std::string_view text) {
+    const json event = parseEvent(text);
+    return {.change = textIn(event, "change"), .window = focusOn(field(event, "container"))};
+}
+
+IpcFocus parseFocus(std::string_view text) {
     const json tree = parseReply(text);
     std::vector<const json*> left{&tree};
     while (!left.empty()) {
         const json& node = *left.back();
         left.pop_back();
-        if (flag(node, "focused")) return applicationOf(node);
+        if (flag(node, "focused")) return focusOn(node);
         for (const json* child : childrenOf(node, {"nodes", "floating_nodes"})) left.push_back(child);
     }
-    return std::nullopt;
+    return {};
 }
 
 std::vector<IpcWorkspaceContents> parseContents(std::string_view text) {

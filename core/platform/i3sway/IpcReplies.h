@@ -20,6 +20,8 @@ struct IpcWorkspaceReply {
     std::int64_t id = 0;
     std::string name;
     std::string output;
+    /// What its output leaves it; empty where it isn't told.
+    Rect rect;
     bool visible = false;
     bool focused = false;
 };
@@ -34,7 +36,6 @@ struct IpcOutputReply {
     std::string model;
     std::string serial;
     double scale = 1;
-    bool focused = false;
 };
 std::vector<IpcOutputReply> parseOutputs(std::string_view json);
 
@@ -48,21 +49,38 @@ struct IpcOutcome {
 std::vector<IpcOutcome> parseOutcomes(std::string_view json);
 IpcOutcome parseOutcome(std::string_view json);
 
+/// Who has the keyboard.
+struct IpcFocus {
+    std::int64_t container = 0;
+    /// By the Wayland id of the window or else its X11 class, with pid 0 where the window manager knows none;
+    /// nothing when a workspace has the keyboard.
+    std::optional<RunningApp> application;
+};
+
 struct IpcWorkspaceEvent {
     /// "init", "empty", "focus", "rename", "move", "reload" ...
     std::string change;
     /// The workspace it is about; 0 for none.
     std::int64_t id = 0;
     std::string name;
+    /// Who in that workspace has the keyboard, or would have it there.
+    IpcFocus focus;
 };
 IpcWorkspaceEvent parseWorkspaceEvent(std::string_view json);
 
 /// The command of the key binding that ran.
 std::string parseBindingEvent(std::string_view json);
 
-/// The application of the window that has the keyboard, by its Wayland id or else its X11 class, with pid 0
-/// where the window manager knows none; nothing when a workspace has the keyboard.
-std::optional<RunningApp> parseFocusedApplication(std::string_view text);
+struct IpcWindowEvent {
+    /// "focus", "close", "move", "title" ...
+    std::string change;
+    /// The window it is about, as if it had the keyboard.
+    IpcFocus window;
+};
+IpcWindowEvent parseWindowEvent(std::string_view json);
+
+/// Who has the keyboard, of GET_TREE.
+IpcFocus parseFocus(std::string_view json);
 
 /// A workspace of GET_TREE with what stands on it: the containers that are moved as a whole, tiled and
 /// floating ones.

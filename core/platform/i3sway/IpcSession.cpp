@@ -10,13 +10,6 @@
 
 namespace lumnara {
 
-namespace {
-
-/// Seconds for which an answer counts that was asked ahead: it is meant for what runs next.
-constexpr double aheadFreshness = 0.005;
-
-} // namespace
-
 IpcSession::IpcSession(async::Loop& loop, Setup setup)
     : loop_(loop),
       dialect_(setup.dialect),
@@ -25,11 +18,24 @@ IpcSession::IpcSession(async::Loop& loop, Setup setup)
       ipc_(loop, std::move(setup.ipc), *this) {}
 
 std::vector<IpcSession::Display> IpcSession::read() {
-    // In this order: an answer comes after the events of what happened before it.
-    const std::vector<IpcWorkspaceReply> workspaces = readWorkspaces();
-    // i3 tells of every change of its outputs, and sway doesn't.
-    if (displaysStale_ || dialect_ != IpcDialect::i3) readDisplays();
-    std::vector<Display> displays = displays_;
+    std::uint64_t at = 0;
+    const auto workspaces = ipc_.ask(IpcType::workspaces, {}, parseWorkspaces, [&] {
+        at = events_;
+        // It holds what the events so far told.
+        if (std::exchange(tellingSpace_, false)) news_.space = false;
+    });
+    return take({workspaces, at});
+}
+
+const std::vector<IpcSession::Display>& IpcSession::displays() {
+    if (displaysAt_ != events_) read();
+    return displays_;
+}
+
+std::vector<IpcSession::Display> IpcSession::take(const Told& told) {
+    const std::vector<IpcWorkspaceReply>& workspaces = told.workspaces;
+    readMonitorsIfStale(workspaces);
+    std::vector<Display> displays = monitors_;
 
     std::vector<WorkspaceRegistry::LiveDisplay> live;
     for (const Display& display : displays) {
@@ -51,22 +57,25 @@ std::vector<IpcSession::Display> IpcSession::read() {
             display.focused = workspace.focused;
         }
     }
+    displays_ = displays;
+    displaysAt_ = told.events;
     settleNames();
     return displays;
 }
 
-std::vector<IpcWorkspaceReply> IpcSession::readWorkspaces() {
-    const auto told = std::exchange(toldAhead_, std::nullopt);
-    if (told && async::secondsOf(loop_.now() - told->at) <= aheadFreshness) return told->workspaces;
-    return ipc_.ask(IpcType::workspaces, {}, parseWorkspaces);
-}
-
-void IpcSession::readDisplays() {
-    displaysStale_ = false; // an event that comes with the answer makes it stale again
+/// i3 tells of every change of its outputs. sway 1.7 doesn't, but a monitor that comes, goes or changes its
+/// mode has its effect on what workspaces are left.
+void IpcSession::readMonitorsIfStale(const std::vector<IpcWorkspaceReply>& workspaces) {
+    std::map<std::string, Rect> shown;
+    for (const IpcWorkspaceReply& workspace : workspaces)
+        if (workspace.visible) shown[workspace.output] = workspace.rect;
+    if (!monitorsStale_ && (dialect_ == IpcDialect::i3 || shown == outputsShown_)) return;
+    monitorsStale_ = false; // an event that comes with the answer makes them stale again
     try {
-        displays_ = identified(ipc_.ask(IpcType::outputs, {}, parseOutputs));
+        monitors_ = identified(ipc_.ask(IpcType::outputs, {}, parseOutputs));
+        outputsShown_ = std::move(shown);
     } catch (...) {
-        displaysStale_ = true;
+        monitorsStale_ = true;
         throw;
     }
 }
@@ -86,7 +95,7 @@ std::vector<IpcSession::Display> IpcSession::identified(std::vector<IpcOutputRep
 }
 
 void IpcSession::activate(SpaceID space, const DisplayID& display, const DisplayID* focused,
-                          I3Ipc::OnOutcomes onOutcomes) {
+                          std::shared_ptr<std::optional<Told>> told, I3Ipc::OnOutcomes onOutcomes) {
     std::string commands = showing(space, display);
     if (focused && !text::equalsIgnoringCase(focused->uuid, display.uuid))
         if (const auto focus = focusing(*focused)) commands += "; " + *focus;
@@ -94,10 +103,19 @@ void IpcSession::activate(SpaceID space, const DisplayID& display, const Display
     ipc_.run(commands, [result](const auto* outcomes) {
         if (outcomes) *result = *outcomes;
     });
-    ipc_.askAhead(IpcType::workspaces, [this, result, onOutcomes](const std::string* answer) {
-        if (answer) toldAhead_ = ToldAhead{parseWorkspaces(*answer), loop_.now()};
+    ipc_.askAhead(IpcType::workspaces, [this, result, told, onOutcomes](const std::string* answer) {
+        if (answer) *told = Told{parseWorkspaces(*answer), events_};
         onOutcomes(answer && *result ? &**result : nullptr);
     });
+}
+
+std::optional<SpaceID> IpcSession::shownOn(const DisplayID& display, const Told& told) try {
+    if (told.events != events_) return std::nullopt;
+    for (const Display& each : take(told))
+        if (text::equalsIgnoringCase(each.uuid, display.uuid)) return each.current;
+    return std::nullopt;
+} catch (const WindowManagerError&) {
+    return std::nullopt;
 }
 
 std::string IpcSession::showing(SpaceID space, const DisplayID& display) const {
@@ -156,19 +174,28 @@ void IpcSession::settleNames() {
 
 void IpcSession::onConnected() {
     registry_.beginRun();
-    displaysStale_ = true;
+    monitorsStale_ = true;
+    ++events_;
+    front_.forget();
     news_.space = news_.screens = news_.bindingsLost = true;
     tellLater();
 }
 
-void IpcSession::onLost() { noteChange(); }
+void IpcSession::onLost() {
+    ++events_;
+    front_.forget();
+    noteChange();
+}
 
 void IpcSession::onEvent(const IpcFrame& event) {
-    toldAhead_.reset();
+    if (event.type == static_cast<std::uint32_t>(IpcEvent::window))
+        return front_.noteWindow(parseWindowEvent(event.payload));
+    ++events_;
     switch (static_cast<IpcEvent>(event.type)) {
+    case IpcEvent::window: return;
     case IpcEvent::workspace: onWorkspaceEvent(parseWorkspaceEvent(event.payload)); break;
     case IpcEvent::output:
-        displaysStale_ = true;
+        monitorsStale_ = true;
         news_.screens = true;
         break;
     case IpcEvent::binding: news_.bindingsRun.push_back(parseBindingEvent(event.payload)); break;
@@ -186,6 +213,10 @@ void IpcSession::onWorkspaceEvent(const IpcWorkspaceEvent& event) {
         registry_.released(event.id);
     else if (event.change == "reload")
         news_.bindingsLost = true;
+    else if (event.change == "focus" && event.id != 0)
+        front_.workspaceFocused(event.focus);
+    else if (event.change == "focus")
+        front_.forget();
     news_.space = true;
 }
 
@@ -199,7 +230,10 @@ void IpcSession::tell() {
     if (news.bindingsLost) bindingsLost_.emit();
     for (const std::string& command : news.bindingsRun) bindingRan_.emit(command);
     if (news.screens) changed_.emit(WorkspaceEvent::screenParametersDidChange);
+    // The first reading on this holds what else has come by then.
+    tellingSpace_ = news.space;
     if (news.space) changed_.emit(WorkspaceEvent::activeSpaceDidChange);
+    tellingSpace_ = false;
 }
 
 } // namespace lumnara

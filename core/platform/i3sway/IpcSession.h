@@ -2,11 +2,13 @@
 
 #include "core/async/Signal.h"
 #include "core/platform/i3sway/I3Ipc.h"
+#include "core/platform/i3sway/IpcFrontApplication.h"
 #include "core/platform/i3sway/WorkspaceNames.h"
 #include "core/platform/i3sway/WorkspaceRegistry.h"
 #include "core/seams/DesktopNamePublisher.h"
 #include "core/seams/Workspace.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -47,13 +49,25 @@ public:
     /// Reads outputs and workspaces and takes them into the registry: the active displays, left to right
     /// and then top to bottom. Throws WindowManagerError.
     std::vector<Display> read();
+    /// The displays of the last reading, if nothing has happened since; else reads. The reference holds until
+    /// the next reading. Throws WindowManagerError.
+    const std::vector<Display>& displays();
 
+    /// An answer, and how many events had been told before it.
+    struct Told {
+        std::vector<IpcWorkspaceReply> workspaces;
+        std::uint64_t events = 0;
+    };
     /// Sends the command that shows a desktop, and makes its workspace again on its display if it is gone.
-    /// The keyboard goes there too, or to `focused` in the end. `onOutcomes` is called when what is shown
-    /// then is told as well, so that the reading that follows waits for nothing. Throws WindowManagerError,
-    /// also when nobody knows the desktop.
+    /// The keyboard goes there too, or to `focused` in the end. `onOutcomes` is called when `told` says what
+    /// is shown then. Throws WindowManagerError, also when nobody knows the desktop.
     void activate(SpaceID space, const DisplayID& display, const DisplayID* focused,
-                  I3Ipc::OnOutcomes onOutcomes);
+                  std::shared_ptr<std::optional<Told>> told, I3Ipc::OnOutcomes onOutcomes);
+    /// What the display shows by that answer; nothing when it doesn't tell or something has happened since.
+    std::optional<SpaceID> shownOn(const DisplayID& display, const Told& told);
+
+    /// Throws WindowManagerError.
+    std::optional<RunningApp> frontmostApplication() { return front_.read(ipc_); }
 
     /// The command that shows a desktop and gives it the keyboard. Throws WindowManagerError when nobody
     /// knows the desktop or the display.
@@ -83,8 +97,8 @@ private:
     void onEvent(const IpcFrame& event) override;
     void onWorkspaceEvent(const IpcWorkspaceEvent& event);
 
-    std::vector<IpcWorkspaceReply> readWorkspaces();
-    void readDisplays();
+    std::vector<Display> take(const Told& told);
+    void readMonitorsIfStale(const std::vector<IpcWorkspaceReply>& workspaces);
     std::vector<Display> identified(std::vector<IpcOutputReply> outputs) const;
     void settleNames();
     void tellLater();
@@ -94,15 +108,17 @@ private:
     IpcDialect dialect_;
     std::function<std::string(const IpcOutputReply&)> identify_;
     WorkspaceRegistry registry_;
-    /// What a switch asked ahead, and when it was told; of no use once anything has happened since.
-    struct ToldAhead {
-        std::vector<IpcWorkspaceReply> workspaces;
-        async::Nanos at;
-    };
-    std::optional<ToldAhead> toldAhead_;
-    /// The displays since monitors last changed, without what they show.
+    /// Counts the events that a reading may differ by.
+    std::uint64_t events_ = 0;
+    /// The monitors since they last changed, without what they show.
+    std::vector<Display> monitors_;
+    bool monitorsStale_ = true;
+    /// The outputs that showed something as `monitors_` were read, with what they left it.
+    std::map<std::string, Rect> outputsShown_;
+    /// The last reading, and `events_` as it was answered.
     std::vector<Display> displays_;
-    bool displaysStale_ = true;
+    std::optional<std::uint64_t> displaysAt_;
+    IpcFrontApplication front_;
     /// The connectors of the displays of the last reading.
     std::map<std::string, std::string> connectors_;
 
@@ -114,6 +130,8 @@ private:
         std::vector<std::string> bindingsRun;
     };
     News news_;
+    /// Those who are being told that something changed have not read yet.
+    bool tellingSpace_ = false;
     std::unique_ptr<async::Delayed> telling_;
     async::Signal<WorkspaceEvent> changed_;
     async::Signal<> bindingsLost_;

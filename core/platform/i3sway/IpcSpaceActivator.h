@@ -12,7 +12,7 @@ class IpcSpaceActivator : public SpaceActivator {
 public:
     explicit IpcSpaceActivator(IpcSession& session) : session_(session) {}
 
-    async::Task<> activate(const Space& target, const DisplayID& display) override;
+    async::Task<std::optional<SpaceID>> activate(const Space& target, const DisplayID& display) override;
     std::shared_ptr<const DisplayID> keepFocusOn(const DisplayID& display) override;
 
 private:

@@ -3,7 +3,7 @@
 namespace lumnara {
 
 std::optional<RunningApp> IpcWorkspace::frontmostApplication() try {
-    return session_.ipc().ask(IpcType::tree, {}, parseFocusedApplication);
+    return session_.frontmostApplication();
 } catch (const WindowManagerError&) {
     return std::nullopt;
 }

@@ -18,7 +18,7 @@ std::string nameOf(const IpcOutputReply& output) {
 
 std::vector<ScreenInfo> SwayScreens::screens() try {
     std::vector<ScreenInfo> screens;
-    for (const IpcSession::Display& display : session_.read()) {
+    for (const IpcSession::Display& display : session_.displays()) {
         screens.push_back({.uuid = display.uuid,
                            .connector = display.output.name,
                            .name = nameOf(display.output),
@@ -32,8 +32,8 @@ std::vector<ScreenInfo> SwayScreens::screens() try {
 }
 
 std::optional<std::string> SwayScreens::displayUnderPointer() try {
-    for (const IpcSession::Display& display : session_.read())
-        if (display.output.focused) return display.uuid;
+    for (const IpcSession::Display& display : session_.displays())
+        if (display.focused) return display.uuid;
     return std::nullopt;
 } catch (const WindowManagerError&) {
     return std::nullopt;

@@ -45,7 +45,7 @@ Platform swayPlatform(async::Loop& loop, const Environment& environment,
     setup.dialect = IpcDialect::sway;
     setup.ipc.windowManager = "sway";
     setup.ipc.findSocket = [path = environment.get("SWAYSOCK")] { return path; };
-    setup.ipc.events = {"workspace", "output", "binding", "shutdown"};
+    setup.ipc.events = {"workspace", "output", "window", "binding", "shutdown"};
     setup.registryFile = folder / registryFileName;
     setup.identify = SwayScreens::identity;
     const auto session = std::make_shared<IpcSession>(loop, std::move(setup));
@@ -66,7 +66,7 @@ Platform i3Platform(async::Loop& loop, const Environment& environment, const std
         const auto path = findSocket();
         return path ? path : fallback;
     };
-    setup.ipc.events = {"workspace", "output", "shutdown"};
+    setup.ipc.events = {"workspace", "output", "window", "shutdown"};
     setup.registryFile = folder / registryFileName;
     setup.identify = [identify = std::move(identify)](const IpcOutputReply& output) {
         return identify(output.name);
