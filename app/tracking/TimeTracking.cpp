@@ -92,10 +92,8 @@ void TimeTracking::write() {
             sample.input.appBundleID = app->bundleID;
             if (!app->name.empty()) sample.input.appName = app->name;
         }
-        clock_.sampled = sample.at;
-        attempt([&] { sampler_->record(sample.input, sample.idle); });
+        attempt([&] { sampler_->record(sample.input, sample.idle, sample.at); });
     }
-    clock_.sampled.reset();
 }
 
 void TimeTracking::carryOut(SessionOp op, const std::optional<std::string>& name) {

@@ -49,13 +49,6 @@ public:
     void stop();
 
 private:
-    /// Gives the moment of a sample while that is written, else the present one.
-    class SampleClock : public SystemClock {
-    public:
-        using SystemClock::SystemClock;
-        Date now() const override { return sampled ? *sampled : SystemClock::now(); }
-        std::optional<Date> sampled;
-    };
     /// Where the user was; the application is still to be asked for.
     struct Sample {
         SamplerInput input;
@@ -72,7 +65,7 @@ private:
     Platform& platform_;
     IdleMonitor idle_;
     std::optional<TrackingStore> store_;
-    SampleClock clock_;
+    SystemClock clock_;
     std::optional<UsageSampler> sampler_;
     std::optional<std::string> failure_;
     std::optional<async::Repeating> heartbeat_;

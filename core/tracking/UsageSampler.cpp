@@ -1,6 +1,7 @@
 #include "core/tracking/UsageSampler.h"
 
 #include "core/base/Uuid.h"
+#include "core/tracking/Database.h"
 
 #include <algorithm>
 #include <utility>
@@ -9,10 +10,11 @@ namespace lumnara {
 
 void UsageSampler::repairAfterCrash() { store_.repairOpenIntervals(heartbeat + heartbeat); }
 
-void UsageSampler::record(const SamplerInput& input, bool idle) {
-    if (isSuspendedByScreenLock()) return closeCurrent();
+void UsageSampler::record(const SamplerInput& input, bool idle, Date at) {
+    if (isSuspendedByScreenLock()) return closeCurrent(at);
     if (current_ && current_->idle == idle && current_->input == input) return;
-    closeCurrent();
+    Database::Transaction change(store_.database());
+    writeEnd(at);
     Interval opened = store_.insert({.id = {},
                                      .sessionID = activeSessionID_,
                                      .spaceKey = input.spaceKey,
@@ -20,10 +22,11 @@ void UsageSampler::record(const SamplerInput& input, bool idle) {
                                      .displayUUID = input.displayUUID,
                                      .appBundleID = input.appBundleID,
                                      .appName = input.appName,
-                                     .startedAt = clock_.now(),
+                                     .startedAt = at,
                                      .endedAt = {},
                                      .isIdle = idle,
                                      .lastHeartbeat = {}});
+    change.commit();
     current_ = Current{std::move(opened), input, idle};
 }
 
@@ -31,16 +34,19 @@ void UsageSampler::beat() {
     if (current_) store_.heartbeat(*current_->interval.id, clock_.now());
 }
 
-void UsageSampler::closeCurrent() {
+void UsageSampler::closeCurrent(Date at) {
+    writeEnd(at);
+    current_.reset();
+}
+
+void UsageSampler::writeEnd(Date at) {
     if (!current_) return;
-    const Date now = clock_.now();
     const std::int64_t id = *current_->interval.id;
-    if (minimumIntervalSeconds <= now.secondsSince(current_->interval.startedAt)) {
-        store_.closeInterval(id, now);
+    if (minimumIntervalSeconds <= at.secondsSince(current_->interval.startedAt)) {
+        store_.closeInterval(id, at);
     } else {
         store_.deleteInterval(id);
     }
-    current_.reset();
 }
 
 TrackingSession UsageSampler::startSession(const std::string& name) {

@@ -51,10 +51,12 @@ public:
     /// Closes what a crash left open. Before the first record().
     void repairAfterCrash();
     /// Sets the state of the moment; nothing is written while it stays the same.
-    void record(const SamplerInput& input, bool idle);
+    void record(const SamplerInput& input, bool idle) { record(input, idle, clock_.now()); }
+    /// The same of an earlier moment, after the last record.
+    void record(const SamplerInput& input, bool idle, Date at);
     /// Notes that the open interval is alive.
     void beat();
-    void closeCurrent();
+    void closeCurrent() { closeCurrent(clock_.now()); }
 
     /// Ends the active session, if there is one, and starts another: time counts for it from now on.
     TrackingSession startSession(const std::string& name);
@@ -66,6 +68,8 @@ public:
 private:
     std::optional<TrackingSession> activeSession();
     void splitCurrent();
+    void closeCurrent(Date at);
+    void writeEnd(Date at);
 
     TrackingStore& store_;
     const TrackingClock& clock_;
