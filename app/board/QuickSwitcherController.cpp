@@ -49,6 +49,7 @@ void QuickSwitcherController::toggle() {
 
 void QuickSwitcherController::open() {
     if (isOpen()) return;
+    closing_.reset();
     refreshIfStale();
     screens_ = readScreens();
     std::erase_if(panels_, [&](const auto& panel) {
@@ -80,9 +81,21 @@ void QuickSwitcherController::close() {
     if (onClosed) onClosed();
 }
 
+/// A window manager is asked first, which takes the next turn, and does its work while the Board closes.
+/// Gestures and activations need the screen to themselves.
 void QuickSwitcherController::switchFromBoard(Desktop desktop) {
-    close();
+    if (closing_) return;
+    if (!state_.platform().spaceActivator) close();
     state_.switchTo(desktop);
+    if (!isOpen()) return tellSwitched(desktop);
+    closing_ = std::make_unique<async::Delayed>(state_.loop(), 0, [this, desktop = std::move(desktop)] {
+        closing_.reset();
+        close();
+        tellSwitched(desktop);
+    });
+}
+
+void QuickSwitcherController::tellSwitched(const Desktop& desktop) const {
     if (onSwitchedFromBoard) onSwitchedFromBoard(desktop);
 }
 
@@ -184,6 +197,7 @@ void QuickSwitcherController::logOpening() const {
 }
 
 bool QuickSwitcherController::handleKey(const KeyPress& press) {
+    if (closing_) return true;
     if (!keyPanel_) return false;
     if (toggleShortcut && press.key == toggleShortcut->key && press.modifiers == toggleShortcut->modifiers) {
         if (!press.repeats) close(); // still held from the opening

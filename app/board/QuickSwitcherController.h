@@ -32,7 +32,8 @@ public:
     void close();
     /// A menu of the application opened (true) or closed (false).
     void trackMenu(bool open);
-    /// Closes the Board first, then asks for the switch.
+    /// Asks for the switch and closes the Board: in this order where a window manager is asked, else the
+    /// other way round.
     void switchFromBoard(Desktop desktop);
 
     /// The shortcut that calls toggle(). While the Board holds the keyboard the session can't see it, so the
@@ -79,6 +80,7 @@ private:
     void openTileMenu(Panel& panel, const std::string& key);
     void choose(Panel& panel, const DesktopMenuItem& item);
     void tellRefusal(std::string sentence);
+    void tellSwitched(const Desktop& desktop) const;
 
     AppState& state_;
     BoardSurfaceFactory& factory_;
@@ -92,6 +94,8 @@ private:
     /// Where the pointer last was; a report from the same place is no movement.
     std::optional<Point> lastPointer_;
     async::Subscription screensChanged_;
+    /// A choice has been made.
+    std::unique_ptr<async::Delayed> closing_;
     /// The tile of a surface is being dragged over another.
     bool draggingAcross_ = false;
     DesktopMenuCommands commands_;

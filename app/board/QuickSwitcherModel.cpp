@@ -122,6 +122,7 @@ void QuickSwitcherModel::recompute() {
 void QuickSwitcherModel::collectTiles() {
     const std::vector<DisplayDesktops>& displays = catalog_.displays.get();
     multipleDisplays_ = displays.size() >= 2;
+    focusedDisplay_ = catalog_.focusedDisplay();
     tiles_.clear();
     for (const DisplayDesktops& shown : displays) {
         if (scope_ && !text::equalsIgnoringCase(*scope_, shown.display.uuid)) continue;
@@ -138,10 +139,11 @@ void QuickSwitcherModel::collectTiles() {
 MatchContext QuickSwitcherModel::matchContext() const {
     MatchContext context;
     context.mode = MatchContext::Mode::filter;
-    // Among the desktops of one display its rank decides nothing, and the answers may take a while.
+    // Among the desktops of one display its rank decides nothing. The one Board for all of them stands where
+    // the pointer is.
     if (scope_) return context;
-    context.cursorDisplay = catalog_.provider().cursorDisplay();
-    context.menuBarDisplay = catalog_.provider().menuBarDisplay();
+    context.cursorDisplay = boardDisplay_;
+    context.menuBarDisplay = focusedDisplay_;
     return context;
 }
 

@@ -157,6 +157,8 @@ private:
     std::optional<IncomingLink> incomingLink_;
     bool multipleDisplays_ = false;
     std::optional<DisplayID> boardDisplay_;
+    /// As the tiles were collected: a key that is pressed waits for no answer.
+    std::optional<DisplayID> focusedDisplay_;
     double boardScreenWidth_ = 0;
     bool scopeFixed_ = false;
     std::optional<std::string> scope_;

@@ -51,18 +51,46 @@ void DesktopCatalog::startObserving(const EventSource& observe) {
 
 void DesktopCatalog::receive(WorkspaceEvent event) {
     if (event == WorkspaceEvent::didWake)
-        wakeDelay_ = std::make_unique<async::Delayed>(loop_, settleAfterWaking, [this] { refresh(); });
+        wakeDelay_ =
+            std::make_unique<async::Delayed>(loop_, settleAfterWaking, [this] { refreshUnlessHeld(); });
     else
+        refreshUnlessHeld();
+}
+
+void DesktopCatalog::refreshUnlessHeld() {
+    if (held_.expired())
         refresh();
+    else
+        hasHeldWord_ = true;
+}
+
+std::shared_ptr<const void> DesktopCatalog::hold() {
+    auto held = held_.lock();
+    if (!held) {
+        held = std::shared_ptr<const void>(&held_, [self = std::weak_ptr(self_)](const void*) {
+            if (const auto catalog = self.lock()) (*catalog)->endHold();
+        });
+        held_ = held;
+    }
+    return held;
+}
+
+/// In a turn of its own: whoever lets go is in the midst of something, and another hold may follow at once.
+void DesktopCatalog::endHold() {
+    if (!hasHeldWord_) return;
+    afterHold_ = std::make_unique<async::Delayed>(loop_, 0, [this] {
+        if (held_.expired() && std::exchange(hasHeldWord_, false)) refresh();
+    });
 }
 
 void DesktopCatalog::startRefreshTimer(double seconds) {
-    refreshTimer_ = std::make_unique<async::Repeating>(loop_, seconds, [this] { refresh(); });
+    refreshTimer_ = std::make_unique<async::Repeating>(loop_, seconds, [this] { refreshUnlessHeld(); });
 }
 
 void DesktopCatalog::stopRefreshTimer() { refreshTimer_.reset(); }
 
 void DesktopCatalog::refresh() {
+    hasHeldWord_ = false;
     SpaceSnapshot reading;
     try {
         reading = provider_.snapshot();
@@ -98,7 +126,7 @@ void DesktopCatalog::rebuild() {
     if (mustBuild_ && !graceEnd_)
         graceEnd_ = std::make_unique<async::Delayed>(loop_, afterGrace, [this] {
             graceEnd_.reset();
-            refresh();
+            refreshUnlessHeld();
         });
     CatalogMerge::LinkKeys links;
     if (linkMode_ == DisplayLinkMode::linked) links = CatalogMerge::linkKeys(reading, *store_.file());
@@ -165,10 +193,13 @@ const Desktop* DesktopCatalog::currentDesktop(std::string_view displayUuid) cons
     return found ? found->current() : nullptr;
 }
 
-const Desktop* DesktopCatalog::focusedDesktop() const {
+std::optional<DisplayID> DesktopCatalog::focusedDisplay() const {
     const auto& reading = snapshot.get();
-    const auto focused =
-        reading && reading->focusedDisplay ? reading->focusedDisplay : provider_.menuBarDisplay();
+    return reading && reading->focusedDisplay ? reading->focusedDisplay : provider_.menuBarDisplay();
+}
+
+const Desktop* DesktopCatalog::focusedDesktop() const {
+    const auto focused = focusedDisplay();
     if (focused)
         if (const Desktop* current = currentDesktop(focused->uuid)) return current;
     return displays->empty() ? nullptr : displays->front().current();

@@ -75,6 +75,10 @@ public:
     void startRefreshTimer(double seconds);
     void stopRefreshTimer();
 
+    /// While the result lives, the word of a change is held: what the session, a timer or a wake-up would
+    /// have had read is read once, soon after the last hold has ended. The result may outlive the catalog.
+    [[nodiscard]] std::shared_ptr<const void> hold();
+
     /// Reads the layout and rebuilds. A failed reading goes to lastError and the model stays.
     void refresh();
 
@@ -87,6 +91,8 @@ public:
     const Desktop* desktop(std::string_view key) const;
     const Desktop* desktopOfSpace(std::string_view spaceKey) const;
     const Desktop* currentDesktop(std::string_view displayUuid) const;
+    /// The display with the active menu bar, or nothing.
+    std::optional<DisplayID> focusedDisplay() const;
     /// The current desktop of the display with the active menu bar, else of the first display.
     const Desktop* focusedDesktop() const;
     /// What to call a key, whether it is live, only recorded, or neither.
@@ -140,6 +146,8 @@ public:
 
 private:
     void receive(WorkspaceEvent event);
+    void refreshUnlessHeld();
+    void endHold();
     void endRefresh();
     void rebuild();
     std::vector<std::string> displayNames() const;
@@ -161,11 +169,17 @@ private:
     std::shared_ptr<const NameStoreFile> builtFile_;
     int buildSerial_ = 0;
     async::Subscription observers_;
+    std::weak_ptr<const void> held_;
+    /// There has been word of a change while it was held.
+    bool hasHeldWord_ = false;
+    std::unique_ptr<async::Delayed> afterHold_;
     std::unique_ptr<async::Repeating> refreshTimer_;
     std::unique_ptr<async::Delayed> wakeDelay_;
     /// While a member of a link group is missing: whether it has come back is looked at in time, though
     /// nothing else may happen.
     std::unique_ptr<async::Delayed> graceEnd_;
+    /// By this a hold knows whether the catalog still stands.
+    std::shared_ptr<DesktopCatalog*> self_ = std::make_shared<DesktopCatalog*>(this);
 };
 
 } // namespace lumnara
