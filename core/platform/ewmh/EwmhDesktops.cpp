@@ -41,7 +41,7 @@ EwmhDesktops::EwmhDesktops(const std::shared_ptr<X11Connection>& connection, std
       saved_(remembered_) {}
 
 const EwmhReading& EwmhDesktops::read() {
-    if (!held_.expired()) return lastReading_;
+    if (isHeld()) return lastReading_;
     if (const auto current = root_.readCurrentAlone(); current && *current < lastReading_.desktops.size()) {
         lastReading_.current = *current;
         return lastReading_;
@@ -52,7 +52,7 @@ const EwmhReading& EwmhDesktops::read() {
 }
 
 bool EwmhDesktops::showNames(const std::map<std::string, std::string>& wanted) {
-    if (!held_.expired()) return false;
+    if (isHeld()) return false;
     const auto state = readIdentified();
     const auto names = namesToShow(state.names, state.count, wanted, remembered_);
     const bool changed = names != state.names;

@@ -46,6 +46,7 @@ public:
     /// As long as it stands, readings give what was read last and names are left alone: while desktops are
     /// rearranged, the window manager's indexes and our identities don't agree for some moments.
     std::shared_ptr<const void> hold();
+    bool isHeld() const { return !held_.expired(); }
     /// Who the desktops are now, and with it their names: the one at index i is the one that was at
     /// `places[i]`. What lies beyond the last one stays. Throws WindowManagerError.
     void identify(const std::vector<std::size_t>& places);

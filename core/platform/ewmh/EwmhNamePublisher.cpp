@@ -19,13 +19,14 @@ EwmhNamePublisher::EwmhNamePublisher(std::shared_ptr<X11Connection> connection,
       propertyChanged_(
           connection_->propertyChanged.subscribe([this](const auto& event) { noteChange(event.atom); })),
       batchEnded_(connection_->batchEnded.subscribe([this] {
-          if (stale_) showNames();
+          if (stale_ && wanted_) showNames();
       })) {}
 
 void EwmhNamePublisher::publish(const std::vector<PublishedDesktop>& desktops) {
     std::map<std::string, std::string> wanted;
     for (const auto& desktop : desktops)
         if (!desktop.name.empty()) wanted[desktop.spaceKey] = desktop.name;
+    if (wanted == wanted_ && !stale_) return;
     if (wanted != wanted_) corrections_ = 0;
     wanted_ = std::move(wanted);
     showNames();
@@ -44,12 +45,12 @@ void EwmhNamePublisher::noteChange(xcb_atom_t property) {
 }
 
 void EwmhNamePublisher::showNames() {
-    stale_ = false;
-    if (corrections_ == mostCorrections) return;
+    stale_ = desktops_->isHeld();
+    if (stale_ || corrections_ == mostCorrections) return;
     try {
-        if (desktops_->showNames(wanted_)) ++corrections_;
+        if (desktops_->showNames(*wanted_)) ++corrections_;
     } catch (const Failure&) {
-        // The window manager is away; its return changes _NET_SUPPORTING_WM_CHECK.
+        stale_ = true;
     }
 }
 

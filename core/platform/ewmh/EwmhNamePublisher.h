@@ -5,6 +5,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 
 namespace lumnara {
 
@@ -23,7 +24,9 @@ private:
 
     std::shared_ptr<X11Connection> connection_;
     std::shared_ptr<EwmhDesktops> desktops_;
-    std::map<std::string, std::string> wanted_;
+    /// Nothing before the first publication.
+    std::optional<std::map<std::string, std::string>> wanted_;
+    /// What the window manager shows may be something else.
     bool stale_ = false;
     int corrections_ = 0;
     async::Nanos lastWritten_{};
