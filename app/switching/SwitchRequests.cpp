@@ -28,8 +28,7 @@ void SwitchRequests::switchTo(const Desktop& desktop) {
 
 void SwitchRequests::switchBack(std::optional<DisplayID> display) {
     const std::optional<DisplayID> meant = display ? display : catalog_.provider().cursorDisplay();
-    start(meant ? std::vector{*meant} : std::vector<DisplayID>(),
-          tellFailure(switcher_.switchBack(std::move(display))));
+    start(meant ? std::vector{*meant} : std::vector<DisplayID>(), tellFailure(goBack(std::move(display))));
 }
 
 async::Task<SwitchResult> SwitchRequests::switchToDesktop(std::string key) {
@@ -52,8 +51,14 @@ void SwitchRequests::start(std::vector<DisplayID> displays, async::Task<> task) 
 }
 
 async::Task<SwitchResult> SwitchRequests::go(std::string key, std::vector<Desktop> members) {
+    const auto held = holdWord();
     if (members.size() > 1) co_return co_await linkedSwitching_.run(std::move(members));
     co_return co_await switcher_.switchToDesktop(members.empty() ? key : members.front().spaceKey);
+}
+
+async::Task<SwitchResult> SwitchRequests::goBack(std::optional<DisplayID> display) {
+    const auto held = holdWord();
+    co_return co_await switcher_.switchBack(std::move(display));
 }
 
 async::Task<> SwitchRequests::show(Desktop desktop, std::vector<Desktop> members) {

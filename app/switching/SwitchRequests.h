@@ -8,6 +8,7 @@
 #include "core/seams/SpaceActivator.h"
 #include "core/switching/SpaceSwitcher.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,7 +16,9 @@
 namespace lumnara {
 
 /// Carries out what the surfaces ask of switching, and tells the user what failed. Requests for other
-/// displays stand beside each other; a later one for the same display takes over. Main thread.
+/// displays stand beside each other; a later one for the same display takes over. Where a window manager does
+/// the switching, the catalog hears of changes when no run is under way any more: a window manager that is
+/// busy switching answers late. Main thread.
 class SwitchRequests {
 public:
     /// All outlive this object; `activator` is null where no window manager does the switching.
@@ -42,6 +45,8 @@ private:
 
     void start(std::vector<DisplayID> displays, async::Task<> task);
     async::Task<SwitchResult> go(std::string key, std::vector<Desktop> members);
+    async::Task<SwitchResult> goBack(std::optional<DisplayID> display);
+    std::shared_ptr<const void> holdWord() { return activator_ ? catalog_.hold() : nullptr; }
     async::Task<> show(Desktop desktop, std::vector<Desktop> members);
     async::Task<> tellFailure(async::Task<SwitchResult> switching);
 
