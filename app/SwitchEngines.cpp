@@ -1,7 +1,6 @@
 #include "app/SwitchEngines.h"
 
 #include "core/platform/mac/engines/SessionState.h"
-#include "core/switching/SwitchVerifier.h"
 
 namespace lumnara {
 
@@ -15,21 +14,10 @@ SwitchEngines::SwitchEngines(Platform& platform, SpaceProvider& provider, SpaceS
 
     WindowServer* server = platform.windowServer.get();
     if (!server) return;
-    SwitchVerifier::currentSpaceReader = [server](const DisplayID& display) {
-        return server->currentSpace(display);
-    };
-    SwitchVerifier::animationReader = [server](const DisplayID& display) {
-        return server->isAnimating(display);
-    };
     if (SessionProbe* session = platform.sessionProbe.get())
         switcher.blockingReason = [session, server] {
             return SessionState::blockingReason(*session, *server);
         };
-}
-
-SwitchEngines::~SwitchEngines() {
-    SwitchVerifier::currentSpaceReader = {};
-    SwitchVerifier::animationReader = {};
 }
 
 void SwitchEngines::useWindowManager(SpaceActivator& activator, SpaceProvider& provider,

@@ -20,7 +20,6 @@ public:
     /// All outlive this object, but for the switcher, which goes no later.
     SwitchEngines(Platform& platform, SpaceProvider& provider, SpaceSwitcher& switcher,
                   AppSettings& settings);
-    ~SwitchEngines();
     SwitchEngines(const SwitchEngines&) = delete;
     SwitchEngines& operator=(const SwitchEngines&) = delete;
 

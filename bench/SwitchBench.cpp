@@ -21,9 +21,6 @@ void measureI3(Report& report) {
     }
     // The two that are switched between, both on L.
     const std::string names[] = {"1", "3"};
-    SwitchVerifier::currentSpaceReader = [&at](const DisplayID& display) {
-        return at.platform().windowServer->currentSpace(display);
-    };
     std::map<std::string, std::string> uuids;
     for (const std::string& name : names) {
         bare.switchTo(name);
@@ -49,7 +46,6 @@ void measureI3(Report& report) {
         }));
         if (!bare.shows(names[target])) throw std::runtime_error("the spawned switch did not land");
     }
-    SwitchVerifier::currentSpaceReader = nullptr;
 
     reportSwitches(report, "i3", std::move(ours), std::move(bares), std::move(spawns));
 }

@@ -6,7 +6,6 @@
 #include "core/platform/ewmh/X11Platform.h"
 #include "core/platform/mac/server/LiveSpaceProvider.h"
 #include "core/switching/SpaceSwitcher.h"
-#include "core/switching/SwitchVerifier.h"
 #include "core/switching/WindowManagerEngine.h"
 #include "tests/session/Session.h"
 
@@ -117,9 +116,6 @@ inline void measureOpenbox(Report& report) {
     WindowManagerEngine engine(*platform.spaceActivator, provider);
     SpaceSwitcher switcher(provider);
     switcher.engineOverride = {&engine};
-    SwitchVerifier::currentSpaceReader = [&platform](const DisplayID& display) {
-        return platform.windowServer->currentSpace(display);
-    };
 
     std::vector<std::string> keys;
     const SpaceSnapshot atStart = provider.snapshot();
@@ -144,7 +140,6 @@ inline void measureOpenbox(Report& report) {
             if (!testing::waitUntil(landed)) throw std::runtime_error("the spawned switch did not land");
         }));
     }
-    SwitchVerifier::currentSpaceReader = nullptr;
 
     reportSwitches(report, "openbox", std::move(ours), std::move(bares), std::move(spawns));
 }

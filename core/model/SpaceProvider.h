@@ -24,6 +24,13 @@ public:
 
     /// The human name of a display, or nothing when it isn't known.
     virtual std::optional<std::string> displayName(const std::string& uuid) = 0;
+
+    // Quick probes, for whoever has to see a switch land. Neither is required.
+
+    /// The Space that a display shows now, read afresh; nothing when only a snapshot can tell.
+    virtual std::optional<SpaceID> currentSpace(const DisplayID&) { return std::nullopt; }
+    /// Whether the display's Space animation runs; false where that can't be told.
+    virtual bool isAnimating(const DisplayID&) { return false; }
 };
 
 } // namespace lumnara

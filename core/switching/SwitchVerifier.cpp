@@ -5,12 +5,8 @@
 
 namespace lumnara {
 
-std::function<std::optional<SpaceID>(const DisplayID&)> SwitchVerifier::currentSpaceReader;
-std::function<std::optional<bool>(const DisplayID&)> SwitchVerifier::animationReader;
-
 std::optional<SpaceID> SwitchVerifier::currentSpace(const DisplayID& display, SpaceProvider& provider) {
-    if (currentSpaceReader)
-        if (const auto shown = currentSpaceReader(display)) return shown;
+    if (const auto shown = provider.currentSpace(display)) return shown;
     try {
         const SpaceSnapshot snapshot = provider.snapshot();
         if (const DisplaySpaces* spaces = snapshot.spacesOnDisplay(display.uuid)) return spaces->currentID;
@@ -20,8 +16,8 @@ std::optional<SpaceID> SwitchVerifier::currentSpace(const DisplayID& display, Sp
     return std::nullopt;
 }
 
-bool SwitchVerifier::isAnimating(const DisplayID& display) {
-    return !display.isMain() && animationReader && animationReader(display).value_or(false);
+bool SwitchVerifier::isAnimating(const DisplayID& display, SpaceProvider& provider) {
+    return !display.isMain() && provider.isAnimating(display);
 }
 
 async::Task<bool> SwitchVerifier::awaitLanding(SpaceID target, DisplayID display, SpaceProvider& provider,
@@ -30,7 +26,7 @@ async::Task<bool> SwitchVerifier::awaitLanding(SpaceID target, DisplayID display
     // Without a wait the first read happens within the caller's turn.
     if (config.initialWait > 0) co_await async::sleepUnlessCancelled(config.initialWait);
     for (int poll = 0; poll < config.maxPolls; ++poll) {
-        if (!isAnimating(display) && currentSpace(display, provider) == target) co_return true;
+        if (!isAnimating(display, provider) && currentSpace(display, provider) == target) co_return true;
         co_await async::sleepUnlessCancelled(config.pollInterval);
     }
     co_return false;

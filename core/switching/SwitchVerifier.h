@@ -3,7 +3,6 @@
 #include "core/async/Task.h"
 #include "core/model/SpaceProvider.h"
 
-#include <functional>
 #include <optional>
 
 namespace lumnara {
@@ -25,19 +24,13 @@ public:
 
     SwitchVerifier() = delete;
 
-    /// The quick probe: the Space that a display shows now, or nothing when it can't be told. Set at
-    /// start-up from the window server; while it is empty, the provider is read instead.
-    static std::function<std::optional<SpaceID>(const DisplayID&)> currentSpaceReader;
-    /// Whether a display's Space animation runs. Set at start-up; empty where there is no such call.
-    static std::function<std::optional<bool>(const DisplayID&)> animationReader;
-
-    /// The Space that the display shows now, by the quick probe and, when it has no value, by the provider;
-    /// nothing when that fails too.
+    /// The Space that the display shows now, by the provider's quick probe and, when that has no value, by a
+    /// snapshot; nothing when that fails too.
     static std::optional<SpaceID> currentSpace(const DisplayID& display, SpaceProvider& provider);
 
     /// Whether the display's Space animation runs now; never for the shared arrangement, and not where it
     /// can't be told.
-    static bool isAnimating(const DisplayID& display);
+    static bool isAnimating(const DisplayID& display, SpaceProvider& provider);
 
     /// Whether the display shows the target within the polls. A poll that finds the display animating is
     /// spent without a read. A cancelled sleep is passed over, and the polling goes on at once. The provider

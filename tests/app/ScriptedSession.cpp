@@ -5,12 +5,6 @@
 
 namespace lumnara::testing {
 
-std::optional<SpaceID> ScriptedWindowServer::currentSpace(const DisplayID& display) {
-    ++probes;
-    const DisplaySpaces* shown = provider_.current.spacesOnDisplay(display.uuid);
-    return shown ? std::optional(shown->currentID) : std::nullopt;
-}
-
 async::Task<std::optional<SpaceID>> ScriptedActivator::activate(const Space& target,
                                                                 const DisplayID& display) {
     asked.push_back(target.id);
@@ -86,18 +80,20 @@ ScriptedSession::ScriptedSession(std::vector<DisplaySpaces> displays) {
     ownProvider_ = std::make_unique<ScriptedProvider>(std::move(snapshot), std::nullopt, std::nullopt, names);
     provider = ownProvider_.get();
     provider->clock = &loop;
-    auto ownWindowServer = std::make_unique<ScriptedWindowServer>(*provider);
+    provider->probe = [this](const DisplayID& display) {
+        ++probes;
+        const DisplaySpaces* shown = provider->current.spacesOnDisplay(display.uuid);
+        return shown ? std::optional(shown->currentID) : std::nullopt;
+    };
     auto ownWorkspace = std::make_unique<ScriptedWorkspace>();
     auto ownActivator = std::make_unique<ScriptedActivator>(*provider);
     auto ownPublisher = std::make_unique<RecordingPublisher>();
     screens = ownScreens.get();
-    windowServer = ownWindowServer.get();
     workspace = ownWorkspace.get();
     activator = ownActivator.get();
     publisher = ownPublisher.get();
     platform.name = "scripted";
     platform.screens = std::move(ownScreens);
-    platform.windowServer = std::move(ownWindowServer);
     platform.workspace = std::move(ownWorkspace);
     platform.spaceActivator = std::move(ownActivator);
     platform.namePublisher = std::move(ownPublisher);

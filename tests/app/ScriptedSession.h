@@ -22,21 +22,6 @@ namespace lumnara::testing {
 
 using Texts = std::vector<std::string>;
 
-/// Answers the quick probes from the provider, and counts them.
-class ScriptedWindowServer : public WindowServer {
-public:
-    explicit ScriptedWindowServer(ScriptedProvider& provider) : provider_(provider) {}
-    PropertyList managedDisplaySpaces() override { throw SpaceKitError::enumerationFailed(); }
-    std::optional<SpaceID> currentSpace(const DisplayID& display) override;
-    std::optional<bool> isAnimating(const DisplayID&) override { return std::nullopt; }
-    std::optional<std::string> activeMenuBarDisplay() override { return std::nullopt; }
-
-    int probes = 0;
-
-private:
-    ScriptedProvider& provider_;
-};
-
 class ScriptedWorkspace : public Workspace {
 public:
     async::Subscription observe(std::function<void(WorkspaceEvent)> onEvent) override {
@@ -140,7 +125,8 @@ public:
     Platform platform;
     RecordingExecutor executor;
     ScriptedProvider* provider = nullptr;
-    ScriptedWindowServer* windowServer = nullptr;
+    /// How often a quick probe was asked for.
+    int probes = 0;
     ScriptedWorkspace* workspace = nullptr;
     ScriptedScreens* screens = nullptr;
     ScriptedActivator* activator = nullptr;

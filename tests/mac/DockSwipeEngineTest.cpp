@@ -14,7 +14,6 @@ using testing::desktop;
 using testing::finish;
 using testing::noteOutcome;
 using testing::Outcome;
-using testing::Probes;
 using testing::ScriptedProvider;
 using testing::twoDisplays;
 using Case = SwitchError::Case;
@@ -121,7 +120,7 @@ TEST_F(DockSwipeEngineTest, ASecondRoundSwipesOnlyWhatRemains) {
 
 TEST_F(DockSwipeEngineTest, ALandingAfterTheLastLookNeedsNoFurtherEvents) {
     // The quick probe doesn't see what the next reading does.
-    const Probes probes([](const DisplayID&) { return SpaceID{1}; });
+    provider.probe = [](const DisplayID&) { return SpaceID{1}; };
     obey({1});
     const Outcome outcome = switchTo(2);
     ASSERT_TRUE(outcome.result);
@@ -134,7 +133,7 @@ TEST_F(DockSwipeEngineTest, GivesUpAfterItsAttemptsOrWhenNothingCanBeRead) {
     EXPECT_EQ(events.posted.size(), 9u);
     EXPECT_EQ(loop.now(), 3 * async::wholeNanos(0.72));
 
-    const Probes probes([](const DisplayID&) { return SpaceID{1}; });
+    provider.probe = [](const DisplayID&) { return SpaceID{1}; };
     provider.failure = std::make_exception_ptr(std::runtime_error("away"));
     EXPECT_EQ(switchTo(2).switchError(), SwitchError::notLanded(1));
     provider.failure = nullptr;
@@ -181,13 +180,10 @@ TEST_F(DockSwipeEngineTest, LeavesThePointerWhereItServes) {
 
 TEST_F(DockSwipeEngineTest, WaitsForAnAnimationAndThenSwipesRegardless) {
     int asked = 0;
-    {
-        const Probes probes({}, [&](const DisplayID&) { return std::optional(++asked <= 3); });
-        obey({1});
-        EXPECT_EQ(switchTo(2).result->elapsed, 3 * 0.05 + 0.12);
-    }
-    asked = -1000;
-    const Probes probes({}, [&](const DisplayID&) { return std::optional(++asked <= 0); });
+    provider.animation = [&](const DisplayID&) { return ++asked <= 3; };
+    obey({1});
+    EXPECT_EQ(switchTo(2).result->elapsed, 3 * 0.05 + 0.12);
+    asked = -1003;
     const async::Nanos start = loop.now();
     events.posted.clear();
     std::optional<async::Nanos> first;

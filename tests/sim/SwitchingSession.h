@@ -63,8 +63,6 @@ public:
     HelperWindowEngine helperWindow{reader, *platform.windowServer, *platform.ownApplication,
                                     *platform.workspace, *platform.screens};
     SpaceSwitcher switcher{reader};
-    Probes probes{[this](const DisplayID& display) { return platform.windowServer->currentSpace(display); },
-                  [this](const DisplayID& display) { return platform.windowServer->isAnimating(display); }};
 };
 
 } // namespace lumnara::testing

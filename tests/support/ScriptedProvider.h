@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <exception>
+#include <functional>
+#include <optional>
 #include <string>
 
 namespace lumnara::testing {
@@ -32,7 +34,15 @@ public:
             if (shown.display.uuid == display) shown.currentID = {space};
     }
 
+    std::optional<SpaceID> currentSpace(const DisplayID& display) override {
+        return probe ? probe(display) : std::nullopt;
+    }
+    bool isAnimating(const DisplayID& display) override { return animation && animation(display); }
+
     std::exception_ptr failure;
+    /// The quick probes; empty ones tell nothing.
+    std::function<std::optional<SpaceID>(const DisplayID&)> probe;
+    std::function<bool(const DisplayID&)> animation;
     /// Dates the snapshots; without it they keep the date that the test gave them.
     async::Loop* clock = nullptr;
     int readings = 0;

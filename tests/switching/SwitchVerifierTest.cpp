@@ -3,7 +3,6 @@
 namespace lumnara {
 namespace {
 
-using testing::Probes;
 using testing::ScriptedProvider;
 using testing::twoDisplays;
 
@@ -32,7 +31,7 @@ protected:
 };
 
 TEST_F(SwitchVerifierTest, ReadsAfterTheFirstWaitAndThenAtEachInterval) {
-    const Probes probes([&](const DisplayID&) { return SpaceID{++probed == 3 ? 2u : 1u}; });
+    provider.probe = [&](const DisplayID&) { return SpaceID{++probed == 3 ? 2u : 1u}; };
     const auto handle = start(2, "D1");
     loop.advance(0.119);
     EXPECT_EQ(probed, 0);
@@ -47,7 +46,7 @@ TEST_F(SwitchVerifierTest, ReadsAfterTheFirstWaitAndThenAtEachInterval) {
 }
 
 TEST_F(SwitchVerifierTest, GivesUpAfterItsPollsAndTheSleepBehindTheLast) {
-    const Probes probes([&](const DisplayID&) { return ++probed, SpaceID{1}; });
+    provider.probe = [&](const DisplayID&) { return ++probed, SpaceID{1}; };
     provider.show("D1", 2); // the provider isn't asked while the probe has a value
     EXPECT_EQ(landing(2, "D1"), false);
     EXPECT_EQ(probed, 10);
@@ -60,14 +59,14 @@ TEST_F(SwitchVerifierTest, GivesUpAfterItsPollsAndTheSleepBehindTheLast) {
 }
 
 TEST_F(SwitchVerifierTest, WithoutAFirstWaitItReadsInTheSameTurn) {
-    const Probes probes([&](const DisplayID&) { return ++probed, SpaceID{2}; });
+    provider.probe = [&](const DisplayID&) { return ++probed, SpaceID{2}; };
     const auto handle = start(2, "D1", {0, 0.06, 10});
     loop.turn();
     EXPECT_EQ(landed, true);
 }
 
 TEST_F(SwitchVerifierTest, FallsBackToTheProviderWhoseFailuresCostOnePoll) {
-    const Probes probes([](const DisplayID&) { return std::optional<SpaceID>(); });
+    provider.probe = [](const DisplayID&) { return std::optional<SpaceID>(); };
     provider.show("D1", 2);
     EXPECT_EQ(landing(2, "d1"), true) << "displays are found in any case";
     EXPECT_EQ(landing(2, "gone"), false);
@@ -86,8 +85,8 @@ TEST_F(SwitchVerifierTest, FallsBackToTheProviderWhoseFailuresCostOnePoll) {
 
 TEST_F(SwitchVerifierTest, AnAnimatingDisplaySpendsThePollUnlessItIsMain) {
     int asked = 0;
-    const Probes probes([&](const DisplayID&) { return ++probed, SpaceID{2}; },
-                        [&](const DisplayID&) { return std::optional<bool>(++asked <= 4); });
+    provider.probe = [&](const DisplayID&) { return ++probed, SpaceID{2}; };
+    provider.animation = [&](const DisplayID&) { return ++asked <= 4; };
     EXPECT_EQ(landing(2, "D1"), true);
     EXPECT_EQ(asked, 5);
     EXPECT_EQ(probed, 1);
@@ -103,7 +102,7 @@ TEST_F(SwitchVerifierTest, AnAnimatingDisplaySpendsThePollUnlessItIsMain) {
 }
 
 TEST_F(SwitchVerifierTest, CancelledSleepsArePassedOver) {
-    const Probes probes([&](const DisplayID&) { return ++probed, SpaceID{1}; });
+    provider.probe = [&](const DisplayID&) { return ++probed, SpaceID{1}; };
     auto handle = start(2, "D1");
     loop.advance(0.05);
     handle.cancel();

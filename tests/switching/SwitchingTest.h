@@ -8,7 +8,6 @@
 #include "tests/support/ScriptedProvider.h"
 
 #include <exception>
-#include <functional>
 #include <gtest/gtest.h>
 #include <optional>
 #include <stdexcept>
@@ -73,20 +72,5 @@ inline Outcome finish(async::TestLoop& loop, async::Task<SwitchResult> task) {
     EXPECT_TRUE(outcome.ended());
     return outcome;
 }
-
-/// Sets the verifier's probes for a test and takes them away again.
-class Probes {
-public:
-    explicit Probes(std::function<std::optional<SpaceID>(const DisplayID&)> currentSpace,
-                    std::function<std::optional<bool>(const DisplayID&)> isAnimating = {}) {
-        SwitchVerifier::currentSpaceReader = std::move(currentSpace);
-        SwitchVerifier::animationReader = std::move(isAnimating);
-    }
-    Probes(const Probes&) = delete;
-    ~Probes() {
-        SwitchVerifier::currentSpaceReader = {};
-        SwitchVerifier::animationReader = {};
-    }
-};
 
 } // namespace lumnara::testing

@@ -11,7 +11,6 @@ using testing::desktop;
 using testing::finish;
 using testing::noteOutcome;
 using testing::Outcome;
-using testing::Probes;
 using testing::ScriptedProvider;
 using testing::twoDisplays;
 using Case = SwitchError::Case;
@@ -52,6 +51,14 @@ private:
 
 class WindowManagerEngineTest : public ::testing::Test {
 protected:
+    WindowManagerEngineTest() {
+        provider.probe = [this](const DisplayID& display) -> std::optional<SpaceID> {
+            ++probed;
+            const DisplaySpaces* shown = provider.current.spacesOnDisplay(display.uuid);
+            if (shown == nullptr) return std::nullopt;
+            return shown->currentID;
+        };
+    }
     Outcome switchTo(std::uint64_t space) {
         const Space target = desktop(space);
         const DisplayID display{"D1"};
@@ -64,12 +71,6 @@ protected:
     ScriptedActivator activator{provider};
     WindowManagerEngine engine{activator, provider};
     int probed = 0;
-    Probes probes{[this](const DisplayID& display) -> std::optional<SpaceID> {
-        ++probed;
-        const DisplaySpaces* shown = provider.current.spacesOnDisplay(display.uuid);
-        if (shown == nullptr) return std::nullopt;
-        return shown->currentID;
-    }};
 };
 
 TEST_F(WindowManagerEngineTest, LandsWithinTheTurnOfTheAnswerByOneRead) {

@@ -73,7 +73,7 @@ void DockSwipeEngine::swipe(bool towardsHigherIndex, bool positiveIsHigherIndex,
 async::Task<> DockSwipeEngine::waitForAnimation(DisplayID display) {
     const auto context = co_await async::currentContext();
     const async::Nanos deadline = context.loop->now() + async::wholeNanos(config.waitForAnimationUpTo);
-    while (SwitchVerifier::isAnimating(display) && context.loop->now() < deadline) {
+    while (SwitchVerifier::isAnimating(display, provider_) && context.loop->now() < deadline) {
         co_await async::sleepFor(animationPoll);
     }
 }

@@ -26,6 +26,12 @@ public:
     std::optional<DisplayID> cursorDisplay() override;
     /// "All Displays" for the shared arrangement, else the screen's name; nothing for an unknown screen.
     std::optional<std::string> displayName(const std::string& uuid) override;
+    std::optional<SpaceID> currentSpace(const DisplayID& display) override {
+        return windowServer_.currentSpace(display);
+    }
+    bool isAnimating(const DisplayID& display) override {
+        return windowServer_.isAnimating(display).value_or(false);
+    }
 
 private:
     void nameDisplays(SpaceSnapshot& snapshot);
