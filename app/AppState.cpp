@@ -3,6 +3,7 @@
 #include "app/automation/AutomationDesktops.h"
 #include "app/automation/AutomationTexts.h"
 #include "app/start/StartNotices.h"
+#include "core/seams/Workspace.h"
 
 #include <exception>
 #include <utility>
@@ -11,23 +12,22 @@ namespace lumnara {
 
 // The order of the members is that of their making, and each may use those before it.
 AppState::AppState(async::Loop& loop, AppSettings& settings, Platform& platform,
-                   std::unique_ptr<SpaceProvider> provider, ActionExecutor& actionExecutor,
-                   const std::filesystem::path& dataFolder)
+                   ActionExecutor& actionExecutor, const std::filesystem::path& dataFolder)
     : loop_(loop),
       settings_(settings),
       platform_(platform),
       store_(loop, dataFolder / "desktops.json"),
-      provider_(std::move(provider)),
-      catalog_(loop, *provider_, store_, *settings.displayLinkMode),
+      provider_(*platform.spaceProvider),
+      catalog_(loop, provider_, store_, *settings.displayLinkMode),
       notes_(loop, NotesStore::defaultDirectory(dataFolder)),
       automations_(loop, AutomationStore::defaultURL(dataFolder)),
       automationRunner_(automations_, actionExecutor),
       automationWatcher_(loop, automationRunner_),
       tracking_(loop, settings, platform, dataFolder),
-      switcher_(*provider_, {.instantSwitching = *settings.instantSwitching}),
-      engines_(platform, *provider_, switcher_, settings),
+      switcher_(provider_, {.instantSwitching = *settings.instantSwitching}),
+      engineSettings_(platform, switcher_, settings),
       names_(catalog_, platform.namePublisher.get()),
-      linkedSwitching_(loop, platform, *provider_, catalog_, switcher_, notices_),
+      linkedSwitching_(loop, platform, provider_, catalog_, switcher_, notices_),
       switchRequests_(loop, catalog_, switcher_, linkedSwitching_, platform.spaceActivator.get(), notices_) {
     automations_.load();
     tellOfFiles(notices_, store_, automations_, tracking_);

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "app/SwitchEngines.h"
 #include "app/links/LinkedSwitching.h"
 #include "app/names/NamePublication.h"
 #include "app/overlay/Notices.h"
 #include "app/settings/AppSettings.h"
+#include "app/switching/EngineSettings.h"
 #include "app/switching/SwitchAnnouncer.h"
 #include "app/switching/SwitchRequests.h"
 #include "app/tracking/TimeTracking.h"
@@ -34,9 +34,8 @@ class AppState {
 public:
     /// `dataFolder` holds all that the program keeps, and is created when something is. The loop, the
     /// platform, the executor and the settings outlive this object, and the loop turns no more once it is
-    /// gone. `provider` reads the platform's session.
-    AppState(async::Loop& loop, AppSettings& settings, Platform& platform,
-             std::unique_ptr<SpaceProvider> provider, ActionExecutor& actionExecutor,
+    /// gone.
+    AppState(async::Loop& loop, AppSettings& settings, Platform& platform, ActionExecutor& actionExecutor,
              const std::filesystem::path& dataFolder);
     AppState(const AppState&) = delete;
     AppState& operator=(const AppState&) = delete;
@@ -84,7 +83,7 @@ private:
     Platform& platform_;
     Notices notices_;
     NameStore store_;
-    std::unique_ptr<SpaceProvider> provider_;
+    SpaceProvider& provider_;
     DesktopCatalog catalog_;
     NotesStore notes_;
     AutomationStore automations_;
@@ -92,7 +91,7 @@ private:
     AutomationTriggerWatcher automationWatcher_;
     TimeTracking tracking_;
     SpaceSwitcher switcher_;
-    SwitchEngines engines_;
+    EngineSettings engineSettings_;
     NamePublication names_;
     SwitchAnnouncer announcer_;
     LinkedSwitching linkedSwitching_;

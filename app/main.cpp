@@ -6,20 +6,17 @@
 #include "app/qt/sim/SimulatedMacWindow.h"
 #include "app/settings/AppSettings.h"
 #include "app/start/StartNotices.h"
-#include "core/async/PollLoop.h"
 #include "core/base/Log.h"
-#include "core/platform/ewmh/X11Platform.h"
-#include "core/platform/i3sway/WmIpcPlatform.h"
+#include "core/platform/choose/ChoosePlatform.h"
 #include "core/platform/linux/AutostartEntry.h"
 #include "core/platform/linux/BusNotifications.h"
 #include "core/platform/linux/FolderLock.h"
 #include "core/platform/linux/JsonDefaultsStore.h"
-#include "core/platform/linux/LoginSession.h"
 #include "core/platform/linux/SystemActionExecutor.h"
 #include "core/platform/linux/TerminationSignals.h"
-#include "core/platform/linux/WindowManagerError.h"
 #include "core/platform/linux/XdgFolders.h"
-#include "core/platform/mac/server/LiveSpaceProvider.h"
+#include "core/seams/GlobalShortcuts.h"
+#include "core/seams/Workspace.h"
 #include "core/text/Text.h"
 
 #include <QApplication>
@@ -33,89 +30,16 @@ namespace {
 
 using namespace lumnara;
 
-enum class WindowSystem { x11, sway };
-
-/// Names the platform to run on where it isn't to be chosen: "simulated".
-constexpr const char* platformVariable = "LUMNARA_PLATFORM";
-constexpr const char* simulatedPlatform = "simulated";
 /// Names a file to which the log lines are written too.
 constexpr const char* logVariable = "LUMNARA_LOG";
-/// How long a session that has just begun may take to bring its window manager up, in seconds.
-constexpr double windowManagerPatience = 3;
 
-/// Whether the user asks for the simulated Mac. Throws for a platform that can't be asked for.
-bool wantsSimulation(const Environment& environment) {
-    const auto wanted = environment.get(platformVariable);
-    if (wanted && *wanted != simulatedPlatform)
-        throw std::runtime_error(fmt::format("{} can be \"{}\" or nothing, not \"{}\".", platformVariable,
-                                             simulatedPlatform, *wanted));
-    return wanted.has_value();
-}
-
-/// Which window system to draw on. Throws WindowManagerError::noDisplay when none answers; a toolkit that
-/// finds none would end the program without a word.
-WindowSystem chooseWindowSystem(const Environment& environment) {
-    // The screens of the simulated Mac are drawn where they are, which only X lets a window do.
-    const bool simulates = wantsSimulation(environment);
-    if (!simulates && environment.get("WAYLAND_DISPLAY") && swayAnswers(environment))
-        return WindowSystem::sway;
-    async::PollLoop probe;
-    const X11Session x11(probe, environment);
-    if (!simulates)
-        probe.runUntil([&] { return x11.ewmhWindowManager().has_value(); }, windowManagerPatience);
-    return WindowSystem::x11;
-}
-
-/// A Mac in a window, for a session that has no desktops or isn't to be touched.
-class Simulation {
-public:
-    explicit Simulation(async::Loop& loop) : mac_(loop), window_(loop, mac_) {
-        window_.onClosed = [] { QApplication::quit(); };
-    }
-    /// Its keys, and when the user touched one last, are those of the X session.
-    Platform platform(const X11Session& x11) {
-        Platform platform = mac_.platform();
-        platform.globalShortcuts = x11.globalShortcuts();
-        platform.idleSource = x11.idleSource();
-        window_.offerJobs(*platform.arranger);
-        return platform;
-    }
-
-private:
-    SimulatedMac mac_;
-    SimulatedMacWindow window_;
-};
-
-/// What the program runs on, and where it keeps what it knows of it. The simulation, if there is one,
-/// outlives the platform.
-struct Host {
-    std::unique_ptr<Simulation> simulation;
-    std::filesystem::path folder;
-    Platform platform;
-};
-
-/// The best platform of the session, or the simulated Mac where there is none.
-Host chooseHost(async::Loop& loop, WindowSystem windowSystem, const Environment& environment,
-                const std::filesystem::path& folder) {
-    if (windowSystem == WindowSystem::sway) return {nullptr, folder, swayPlatform(loop, environment, folder)};
-
-    const auto x11 = std::make_shared<X11Session>(loop, environment);
-    const bool simulates = wantsSimulation(environment);
-    if (!simulates && x11->i3Socket()) {
-        Platform platform = i3Platform(
-            loop, environment, folder, [x11] { return x11->i3Socket(); },
-            [x11](const std::string& connector) { return x11->displayIdentity(connector); });
-        platform.screens = x11->screens();
-        platform.globalShortcuts = x11->globalShortcuts();
-        platform.idleSource = x11->idleSource();
-        return {nullptr, folder, std::move(platform)};
-    }
-    if (!simulates && x11->ewmhWindowManager()) return {nullptr, folder, x11->ewmhPlatform(folder)};
-    if (!simulates)
-        log("Lumnara: no window manager that knows desktops is running; a simulated Mac stands in");
-    auto simulation = std::make_unique<Simulation>(loop);
-    Platform platform = simulation->platform(*x11);
-    return {std::move(simulation), folder / simulatedPlatform, std::move(platform)};
+/// A Mac in a window, for a session that has no desktops or isn't to be touched; null where none is
+/// simulated. Its screens stand where they are drawn.
+std::unique_ptr<SimulatedMacWindow> showSimulatedMac(async::Loop& loop, ChosenPlatform& chosen) {
+    if (!chosen.simulatedMac) return nullptr;
+    auto window = std::make_unique<SimulatedMacWindow>(loop, *chosen.simulatedMac, *chosen.platform.arranger);
+    window->onClosed = [] { QApplication::quit(); };
+    return window;
 }
 
 /// The shortcuts that open the Board, the preferred one first.
@@ -170,16 +94,13 @@ int run(int& count, char** arguments) {
     AutostartEntry loginItem(folders.config.parent_path() / "autostart" / "lumnara.desktop",
                              QApplication::applicationFilePath().toStdString());
     AppSettings settings(defaults, &loginItem);
-    Host host = chooseHost(loop, windowSystem, environment, folders.data);
-    Platform& platform = host.platform;
-    if (!platform.sessionProbe) platform.sessionProbe = std::make_unique<LoginSession>(loop, environment);
+    ChosenPlatform chosen = choosePlatform(loop, windowSystem, environment, folders.data);
+    Platform& platform = chosen.platform;
+    const auto simulatedMac = showSimulatedMac(loop, chosen);
     BusNotifications notifications(loop, environment);
     SystemActionExecutor actionExecutor(loop, environment, platform.workspace.get(), &notifications,
-                                        host.folder);
-    AppState state(loop, settings, platform,
-                   std::make_unique<LiveSpaceProvider>(loop, *platform.windowServer, *platform.screens,
-                                                       platform.workspace.get()),
-                   actionExecutor, host.folder);
+                                        chosen.folder);
+    AppState state(loop, settings, platform, actionExecutor, chosen.folder);
     if (const auto& error = defaults.loadError()) tellAtStart(state.notices(), error->sentence());
     Surfaces surfaces(state);
     surfaces.onQuit = [] { QApplication::quit(); };

@@ -107,10 +107,7 @@ void measureI3(bench::Report& report) {
     AppSettings settings(defaults);
     settings.displayLinkMode.set(DisplayLinkMode::linked);
     testing::RecordingExecutor executor;
-    AppState state(
-        at.loop, settings, at.platform(),
-        std::make_unique<LiveSpaceProvider>(at.loop, *at.platform().windowServer, *at.platform().screens),
-        executor, at.folder.path());
+    AppState state(at.loop, settings, at.platform(), executor, at.folder.path());
     const std::vector<std::pair<std::string, std::string>> pairs{{"3", "4"}, {"1", "2"}};
     std::vector<std::string> keys;
     for (const auto& [left, right] : pairs) {

@@ -3,10 +3,8 @@
 #include "bench/Bench.h"
 #include "core/async/PollLoop.h"
 #include "core/async/Task.h"
-#include "core/platform/ewmh/X11Platform.h"
-#include "core/platform/mac/server/LiveSpaceProvider.h"
+#include "core/platform/choose/ChoosePlatform.h"
 #include "core/switching/SpaceSwitcher.h"
-#include "core/switching/WindowManagerEngine.h"
 #include "tests/session/Session.h"
 
 #include <cstdlib>
@@ -110,12 +108,11 @@ inline void measureOpenbox(Report& report) {
     const testing::TemporaryFolder folder;
     BareEwmhClient bare(session.display());
     async::PollLoop loop;
-    const X11Session x11(loop, Environment(session.environment()));
-    const Platform platform = x11.ewmhPlatform(folder.path());
-    LiveSpaceProvider provider(loop, *platform.windowServer, *platform.screens);
-    WindowManagerEngine engine(*platform.spaceActivator, provider);
+    const ChosenPlatform chosen =
+        choosePlatform(loop, WindowSystem::x11, Environment(session.environment()), folder.path());
+    SpaceProvider& provider = *chosen.platform.spaceProvider;
     SpaceSwitcher switcher(provider);
-    switcher.engineOverride = {&engine};
+    switcher.engineOverride = {chosen.platform.windowManagerEngine.get()};
 
     std::vector<std::string> keys;
     const SpaceSnapshot atStart = provider.snapshot();

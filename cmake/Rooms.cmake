@@ -132,7 +132,7 @@ function(lumnara_tests room)
         add_executable(test_${room} ${sources})
         target_link_libraries(test_${room} PRIVATE lumnara_flags lumnara_${room} lumnara_support
             nlohmann_json::nlohmann_json ${main})
-        if(room MATCHES "^(model|mac)$")
+        if(room MATCHES "^(catalog|mac)$")
             target_compile_definitions(test_${room} PRIVATE LUMNARA_FIXTURES="${CMAKE_SOURCE_DIR}/tests/fixtures")
         endif()
         if(NOT room STREQUAL "qt")

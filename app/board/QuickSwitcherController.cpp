@@ -2,7 +2,10 @@
 
 #include "app/board/BoardKeyTable.h"
 #include "app/menu/TileMenu.h"
+#include "core/arranging/DesktopArranger.h"
 #include "core/base/Log.h"
+#include "core/seams/Screens.h"
+#include "core/seams/Workspace.h"
 #include "core/text/Text.h"
 
 #include <algorithm>

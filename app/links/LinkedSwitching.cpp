@@ -3,6 +3,8 @@
 #include "app/DisplayName.h"
 #include "core/base/Failure.h"
 #include "core/base/Log.h"
+#include "core/seams/SpaceActivator.h"
+#include "core/seams/Workspace.h"
 #include "core/switching/SwitchError.h"
 #include "core/switching/SwitchVerifier.h"
 #include "core/text/Text.h"

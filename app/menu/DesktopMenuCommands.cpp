@@ -1,5 +1,6 @@
 #include "app/menu/DesktopMenuCommands.h"
 
+#include "core/arranging/DesktopArranger.h"
 #include "core/base/Failure.h"
 #include "core/base/Log.h"
 

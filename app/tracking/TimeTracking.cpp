@@ -2,7 +2,9 @@
 
 #include "core/base/Failure.h"
 #include "core/base/Log.h"
-#include "core/platform/mac/engines/SessionState.h"
+#include "core/seams/IdleSource.h"
+#include "core/seams/SessionProbe.h"
+#include "core/seams/Workspace.h"
 
 #include <exception>
 #include <utility>
@@ -46,7 +48,7 @@ void TimeTracking::open(const std::filesystem::path& file) {
     }
     sampler_.emplace(*store_, clock_);
     if (SessionProbe* session = platform_.sessionProbe.get())
-        sampler_->isSuspendedByScreenLock = [session] { return SessionState::isScreenLocked(*session); };
+        sampler_->isSuspendedByScreenLock = [session] { return session->isScreenLocked(); };
     attempt([this] { sampler_->repairAfterCrash(); });
 }
 

@@ -1,8 +1,5 @@
 #include "core/model/SnapshotSpaceProvider.h"
 
-#include "core/base/Files.h"
-#include "core/model/SnapshotParser.h"
-
 #include <utility>
 
 namespace lumnara {
@@ -17,10 +14,6 @@ SnapshotSpaceProvider::SnapshotSpaceProvider(SpaceSnapshot snapshot, std::option
     if (current.displays.empty()) return;
     if (!menuBar) menuBar = current.displays.front().display;
     if (!cursor) cursor = current.displays.front().display;
-}
-
-SnapshotSpaceProvider SnapshotSpaceProvider::fromFixture(const std::filesystem::path& fixture, Date takenAt) {
-    return SnapshotSpaceProvider(SnapshotParser::parse(readFile(fixture), takenAt));
 }
 
 std::optional<std::string> SnapshotSpaceProvider::displayName(const std::string& uuid) {

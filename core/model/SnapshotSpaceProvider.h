@@ -16,10 +16,6 @@ public:
                                    std::optional<DisplayID> cursor = {},
                                    std::map<std::string, std::string> names = {});
 
-    /// Reads a fixture in the property-list form as JSON. Throws SpaceKitError::malformed; errors of the
-    /// file and of the JSON pass through.
-    static SnapshotSpaceProvider fromFixture(const std::filesystem::path& fixture, Date takenAt);
-
     SpaceSnapshot snapshot() override { return current; }
     std::optional<DisplayID> menuBarDisplay() override { return menuBar; }
     std::optional<DisplayID> cursorDisplay() override { return cursor; }

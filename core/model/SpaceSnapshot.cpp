@@ -1,6 +1,6 @@
 #include "core/model/SpaceSnapshot.h"
 
-#include "core/model/PropertyList.h"
+#include "core/base/DecimalText.h"
 #include "core/text/Text.h"
 
 #include <algorithm>
@@ -153,7 +153,7 @@ std::optional<PlacedSpace> SpaceSnapshot::resolve(std::string_view key) const {
         std::string_view ownerID = key.substr(fullscreenPrefix.size());
         std::size_t place = 0;
         if (const std::size_t mark = ownerID.rfind('#'); mark != ownerID.npos) {
-            const auto number = signedIntegerOf(ownerID.substr(mark + 1));
+            const auto number = decimalIntegerOf<std::int64_t>(ownerID.substr(mark + 1));
             if (number && *number > 1) {
                 place = static_cast<std::size_t>(*number - 1);
                 ownerID = ownerID.substr(0, mark);
@@ -169,7 +169,7 @@ std::optional<PlacedSpace> SpaceSnapshot::resolve(std::string_view key) const {
         return PlacedSpace{*primary, display->display};
     }
     if (key.starts_with(unkeyedPrefix)) {
-        const auto raw = unsignedIntegerOf(key.substr(unkeyedPrefix.size()));
+        const auto raw = decimalIntegerOf<std::uint64_t>(key.substr(unkeyedPrefix.size()));
         if (!raw) return std::nullopt;
         return firstSpace(displays, [&](const Space& space) { return space.id.raw == *raw; });
     }

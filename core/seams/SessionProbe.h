@@ -1,20 +1,17 @@
 #pragma once
 
-#include "core/model/PropertyList.h"
-
-#include <optional>
-
 namespace lumnara {
 
-/// The user's login session. Owned by Platform, called on the main thread; a session that tells nothing of
-/// itself has no SessionProbe.
+/// The user's login session. Owned by Platform, called on the main thread, read afresh at each call; a
+/// session that tells nothing of itself has no SessionProbe.
 class SessionProbe {
 public:
     virtual ~SessionProbe() = default;
 
-    /// The session's dictionary, read afresh, with "CGSSessionScreenIsLocked" and "kCGSSessionOnConsoleKey";
-    /// nothing when there is no session. Any key may be missing.
-    virtual std::optional<PropertyDictionary> currentDictionary() = 0;
+    /// Only when the session says so.
+    virtual bool isScreenLocked() = 0;
+    /// Whether the user sees this session: unless it says otherwise.
+    virtual bool isOnConsole() = 0;
 };
 
 } // namespace lumnara

@@ -43,6 +43,13 @@ bool endsTheChain(const SwitchError& error) {
 
 } // namespace
 
+std::optional<SwitchError> blockingReasonOf(SessionProbe& session) {
+    using Case = SwitchError::Case;
+    if (session.isScreenLocked()) return SwitchError(Case::screenLocked);
+    if (!session.isOnConsole()) return SwitchError(Case::sessionNotOnConsole);
+    return std::nullopt;
+}
+
 SpaceSwitcher::SpaceSwitcher(SpaceProvider& provider, SwitcherSettings initial)
     : settings(initial),
       provider_(provider) {}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/model/SpaceProvider.h"
+#include "core/seams/SessionProbe.h"
 #include "core/switching/HelperWindowSwitching.h"
 #include "core/switching/SwitchError.h"
 #include "core/switching/SwitchHistory.h"
@@ -18,6 +19,10 @@ struct SwitcherSettings {
 
     bool operator==(const SwitcherSettings&) const = default;
 };
+
+/// What the login session forbids every switch for: screenLocked or sessionNotOnConsole, the first that
+/// holds, or nothing.
+std::optional<SwitchError> blockingReasonOf(SessionProbe& session);
 
 /// The one door through which a display is made to show another Space: chooses the engines, checks what
 /// makes a switch pointless, keeps the history. Switches may overlap; nothing queues them. Main thread.

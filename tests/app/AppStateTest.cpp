@@ -338,9 +338,10 @@ TEST(AppState, getsByWithoutAPlatform) {
     Platform nothing;
     MemoryDefaultsStore defaults;
     AppSettings settings(defaults);
-    auto provider = std::make_unique<SnapshotSpaceProvider>(SpaceSnapshot{twoDisplays(), loop.date()});
+    nothing.spaceProvider =
+        std::make_unique<SnapshotSpaceProvider>(SpaceSnapshot{twoDisplays(), loop.date()});
     RecordingExecutor executor;
-    AppState state(loop, settings, nothing, std::move(provider), executor, folder.path());
+    AppState state(loop, settings, nothing, executor, folder.path());
     std::vector<Notice> notices;
     const auto listening =
         state.notices().subscribe([&](const Notice& notice) { notices.push_back(notice); });

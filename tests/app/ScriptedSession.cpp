@@ -1,5 +1,7 @@
 #include "tests/app/ScriptedSession.h"
 
+#include "core/platform/linux/WindowManagerEngine.h"
+
 #include <algorithm>
 #include <gtest/gtest.h>
 
@@ -77,8 +79,9 @@ ScriptedSession::ScriptedSession(std::vector<DisplaySpaces> displays) {
     if (!displays.empty()) ownScreens->under = displays.front().display.uuid;
 
     SpaceSnapshot snapshot{std::move(displays), loop.date()};
-    ownProvider_ = std::make_unique<ScriptedProvider>(std::move(snapshot), std::nullopt, std::nullopt, names);
-    provider = ownProvider_.get();
+    auto ownProvider =
+        std::make_unique<ScriptedProvider>(std::move(snapshot), std::nullopt, std::nullopt, names);
+    provider = ownProvider.get();
     provider->clock = &loop;
     provider->probe = [this](const DisplayID& display) {
         ++probes;
@@ -95,7 +98,9 @@ ScriptedSession::ScriptedSession(std::vector<DisplaySpaces> displays) {
     platform.name = "scripted";
     platform.screens = std::move(ownScreens);
     platform.workspace = std::move(ownWorkspace);
+    platform.spaceProvider = std::move(ownProvider);
     platform.spaceActivator = std::move(ownActivator);
+    platform.windowManagerEngine = std::make_unique<WindowManagerEngine>(*activator, *provider);
     platform.namePublisher = std::move(ownPublisher);
 }
 
@@ -105,8 +110,7 @@ ScriptedSession::~ScriptedSession() {
 }
 
 AppState& ScriptedSession::start() {
-    state_ = std::make_unique<AppState>(loop, settings, platform, std::move(ownProvider_), executor,
-                                        folder.path());
+    state_ = std::make_unique<AppState>(loop, settings, platform, executor, folder.path());
     listening_ = state_->notices().subscribe([this](const Notice& notice) { notices.push_back(notice); });
     return *state_;
 }

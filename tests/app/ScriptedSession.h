@@ -136,7 +136,6 @@ public:
 
 private:
     LogSink previousSink_;
-    std::unique_ptr<ScriptedProvider> ownProvider_;
     std::unique_ptr<AppState> state_;
     async::Subscription listening_;
 };

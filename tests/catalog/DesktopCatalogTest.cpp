@@ -2,7 +2,7 @@
 #include "core/model/SpaceKitError.h"
 #include "core/names/NameError.h"
 #include "tests/catalog/CatalogTest.h"
-#include "tests/model/LayoutFixture.h"
+#include "tests/mac/LayoutFixture.h"
 
 namespace lumnara {
 namespace {

@@ -1,11 +1,10 @@
 #include "core/async/PollLoop.h"
 #include "core/async/Task.h"
 #include "core/base/Log.h"
-#include "core/model/SnapshotParser.h"
 #include "core/model/SpaceKitError.h"
 #include "core/platform/i3sway/IpcDesktopArranging.h"
 #include "core/platform/i3sway/IpcSpaceActivator.h"
-#include "core/platform/i3sway/IpcWindowServer.h"
+#include "core/platform/i3sway/IpcSpaceProvider.h"
 #include "core/platform/i3sway/SwayScreens.h"
 #include "core/platform/linux/WindowManagerArranger.h"
 #include "tests/i3sway/ScriptedServer.h"
@@ -42,6 +41,8 @@ protected:
         setup.registryFile = folder / "workspaces.json";
         setup.identify = SwayScreens::identity;
         session = std::make_unique<IpcSession>(loop, std::move(setup));
+        screens = std::make_unique<SwayScreens>(*session);
+        provider = std::make_unique<IpcSpaceProvider>(loop, *session, *screens, SwayScreens::of);
     }
     ~IpcSessionTest() override {
         session.reset();
@@ -82,11 +83,7 @@ protected:
             },
             5);
     }
-    SpaceSnapshot snapshot() { return SnapshotParser::parse(windowServer().managedDisplaySpaces(), {}); }
-    IpcWindowServer& windowServer() {
-        if (!server_) server_ = std::make_unique<IpcWindowServer>(*session);
-        return *server_;
-    }
+    SpaceSnapshot snapshot() { return provider->snapshot(); }
 
     TemporaryFolder folder;
     async::PollLoop loop;
@@ -105,12 +102,11 @@ protected:
     ScriptedServer server{folder / "ipc.sock",
                           [this](auto type, auto& payload) { return answer(type, payload); }};
     std::unique_ptr<IpcSession> session;
-
-private:
-    std::unique_ptr<IpcWindowServer> server_;
+    std::unique_ptr<SwayScreens> screens;
+    std::unique_ptr<IpcSpaceProvider> provider;
 };
 
-TEST_F(IpcSessionTest, ReadsTheFormThatTheParserReads) {
+TEST_F(IpcSessionTest, ReadsWhatEachDisplayShows) {
     showTwo();
     const SpaceSnapshot read = snapshot();
     ASSERT_EQ(read.displays.size(), 2U);
@@ -118,10 +114,11 @@ TEST_F(IpcSessionTest, ReadsTheFormThatTheParserReads) {
     ASSERT_EQ(read.displays[1].spaces.size(), 2U);
     EXPECT_EQ(read.displays[1].currentID, read.displays[1].spaces[1].id);
     EXPECT_EQ(read.displays[1].spaces[1].kind, SpaceKind::user);
-    EXPECT_EQ(windowServer().activeMenuBarDisplay(), "R");
-    EXPECT_EQ(windowServer().currentSpace({"r"}), read.displays[1].currentID);
-    EXPECT_EQ(windowServer().currentSpace({"X"}), std::nullopt);
-    EXPECT_EQ(snapshot(), read) << "nothing changes by reading";
+    EXPECT_EQ(read.focusedDisplay, DisplayID{"R"});
+    EXPECT_EQ(provider->menuBarDisplay(), read.focusedDisplay);
+    EXPECT_EQ(provider->currentSpace({"r"}), read.displays[1].currentID);
+    EXPECT_EQ(provider->currentSpace({"X"}), std::nullopt);
+    EXPECT_EQ(snapshot().displays, read.displays) << "nothing changes by reading";
 }
 
 TEST_F(IpcSessionTest, SurvivesAMonitorInTheMidstOfPlugging) {
@@ -137,7 +134,7 @@ TEST_F(IpcSessionTest, SurvivesAMonitorInTheMidstOfPlugging) {
     server.send(frame(outputEvent, R"({"change":"unspecified"})"));
     EXPECT_TRUE(loop.runUntil([&] { return session->read().empty(); }, 5));
     EXPECT_THROW(snapshot(), SpaceKitError);
-    EXPECT_EQ(windowServer().currentSpace({"L"}), std::nullopt);
+    EXPECT_EQ(provider->currentSpace({"L"}), std::nullopt);
 }
 
 TEST_F(IpcSessionTest, KnowsMonitorsByWhatTheyAre) {
@@ -146,8 +143,7 @@ TEST_F(IpcSessionTest, KnowsMonitorsByWhatTheyAre) {
     show(output("DP-1", 0, dell) + "," + output("DP-2", 1280, dell) + "," + output("DP-3", 2560, unknown),
          workspace(1, "1", "DP-1", true) + "," + workspace(2, "2", "DP-2", true) + "," +
              workspace(3, "3", "DP-3", true, true));
-    SwayScreens screens(*session);
-    const auto read = screens.screens();
+    const auto read = screens->screens();
     ASSERT_EQ(read.size(), 3U);
     EXPECT_EQ(read[0], (ScreenInfo{.uuid = "Acme U27 8F3K2",
                                    .connector = "DP-1",
@@ -158,6 +154,7 @@ TEST_F(IpcSessionTest, KnowsMonitorsByWhatTheyAre) {
     EXPECT_EQ(read[2].uuid, "DP-3");
     EXPECT_EQ(read[2].name, "DP-3");
     EXPECT_EQ(snapshot().displays[1].display.uuid, read[1].uuid);
+    EXPECT_EQ(snapshot().displays[0].name, "Acme U27 (DP-1)");
 }
 
 TEST_F(IpcSessionTest, SaysWhatWasRefused) {
@@ -225,7 +222,7 @@ TEST_F(IpcSessionTest, ActivatesOnTheRightOutput) {
     EXPECT_EQ(activate(right.spaces[0], {"r"}), "done");
     EXPECT_EQ(commands,
               std::vector<std::string>{R"(focus output "R"; workspace --no-auto-back-and-forth "2")"});
-    EXPECT_EQ(windowServer().currentSpace({"R"}), right.spaces[0].id) << "as it is after the event";
+    EXPECT_EQ(provider->currentSpace({"R"}), right.spaces[0].id) << "as it is after the event";
     EXPECT_EQ(activate(right.spaces[0], {"X"}), "i3 refused a command: it has no such output.");
     EXPECT_EQ(activate(Space{}, {"R"}), "i3 refused a command: it has no such workspace.");
     outcome = R"([{"success":true},{"success":false,"error":"not now"}])";
@@ -257,7 +254,7 @@ async::Task<> noteOutcomes(DesktopArranger& arranger, std::vector<SpaceID> wish,
 TEST_F(IpcSessionTest, SaysWhatKeptDesktopsFromBeingArranged) {
     showTwo();
     const std::vector<Space> before = snapshot().displays[1].spaces;
-    WindowManagerArranger arranger(loop, windowServer(), std::make_unique<IpcDesktopArranging>(*session));
+    WindowManagerArranger arranger(*provider, std::make_unique<IpcDesktopArranging>(*session));
     std::optional<ReorderOutcome> reordered;
     std::optional<RemoveOutcome> removed;
     const auto run = [&] {

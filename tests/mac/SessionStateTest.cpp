@@ -26,7 +26,7 @@ TEST_F(SessionStateTest, OnlyATrueFlagLocksAndOnlyAFalseOneLeavesTheConsole) {
     const auto with = [&](PropertyValue value) {
         session.dictionary =
             PropertyDictionary{{"CGSSessionScreenIsLocked", value}, {"kCGSSessionOnConsoleKey", value}};
-        return std::pair(SessionState::isScreenLocked(session), SessionState::isOnConsole(session));
+        return std::pair(session.isScreenLocked(), session.isOnConsole());
     };
     EXPECT_EQ(with(true), std::pair(true, true));
     EXPECT_EQ(with(false), std::pair(false, false));
@@ -36,8 +36,8 @@ TEST_F(SessionStateTest, OnlyATrueFlagLocksAndOnlyAFalseOneLeavesTheConsole) {
     for (const auto& dictionary :
          {std::optional<PropertyDictionary>(), std::optional(PropertyDictionary())}) {
         session.dictionary = dictionary;
-        EXPECT_FALSE(SessionState::isScreenLocked(session));
-        EXPECT_TRUE(SessionState::isOnConsole(session));
+        EXPECT_FALSE(session.isScreenLocked());
+        EXPECT_TRUE(session.isOnConsole());
     }
 }
 

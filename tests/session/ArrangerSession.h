@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/async/Task.h"
-#include "core/model/SnapshotParser.h"
 #include "tests/session/EwmhFixture.h"
 #include "tests/session/IpcFixture.h"
 
@@ -72,9 +71,7 @@ public:
     }
 
     bool answers() { return ipc_ ? !ipc_->failure() : ewmh_->answers(); }
-    SpaceSnapshot snapshot() {
-        return SnapshotParser::parse(platform().windowServer->managedDisplaySpaces(), loop().date());
-    }
+    SpaceSnapshot snapshot() { return platform().spaceProvider->snapshot(); }
     DisplaySpaces shown() { return *snapshot().spacesOnDisplay(display.uuid); }
     /// The titles in the order that we read, the shown one with a star; "?" for one without.
     std::string order() {

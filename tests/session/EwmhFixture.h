@@ -2,8 +2,9 @@
 
 #include "core/async/PollLoop.h"
 #include "core/async/Task.h"
-#include "core/model/SnapshotParser.h"
-#include "core/platform/ewmh/X11Platform.h"
+#include "core/platform/choose/ChoosePlatform.h"
+#include "core/platform/choose/X11Session.h"
+#include "core/platform/ewmh/EwmhPlatform.h"
 #include "core/platform/linux/WindowManagerError.h"
 #include "tests/session/Session.h"
 
@@ -26,10 +27,7 @@ struct EwmhFixture {
     bool runUntil(const std::function<bool()>& done, double seconds = 5) {
         return loop.runUntil(done, seconds);
     }
-    DisplaySpaces desktops() {
-        return SnapshotParser::parse(platform.windowServer->managedDisplaySpaces(), loop.date())
-            .displays.at(0);
-    }
+    DisplaySpaces desktops() { return platform.spaceProvider->snapshot().displays.at(0); }
     std::vector<std::string> uuids() {
         std::vector<std::string> uuids;
         for (const auto& space : desktops().spaces) uuids.push_back(space.uuid);
@@ -64,7 +62,7 @@ struct EwmhFixture {
     /// What reading the desktops fails with.
     std::optional<WindowManagerError> failure() {
         try {
-            platform.windowServer->managedDisplaySpaces();
+            platform.spaceProvider->snapshot();
             return std::nullopt;
         } catch (const WindowManagerError& error) {
             return error;
@@ -86,7 +84,7 @@ struct EwmhFixture {
     TemporaryFolder folder;
     async::PollLoop loop;
     std::optional<X11Session> x11{std::in_place, loop, Environment(session.environment())};
-    Platform platform = x11->ewmhPlatform(folder.path());
+    Platform platform = ewmhPlatform(x11->connection(), folder.path());
     std::vector<WorkspaceEvent> events;
     async::Subscription subscription;
 

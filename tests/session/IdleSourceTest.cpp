@@ -1,7 +1,7 @@
 #include "core/async/PollLoop.h"
 #include "core/async/Timer.h"
-#include "core/platform/ewmh/X11Platform.h"
 #include "core/platform/i3sway/SwayIdleSource.h"
+#include "core/platform/x11/X11IdleSource.h"
 #include "tests/session/Session.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +23,7 @@ void expectToCount(async::PollLoop& loop, IdleSource& source, const std::functio
 TEST(IdleSource, TheXServerCountsTheTimeSinceTheLastInput) {
     XSession session(WindowManager::none);
     async::PollLoop loop;
-    const auto source = X11Session(loop, Environment(session.environment())).idleSource();
+    const auto source = X11IdleSource::on(X11Connection::open(loop, session.display()));
     ASSERT_TRUE(source);
     expectToCount(loop, *source, [&] { session.movePointer(100, 100); });
     expectToCount(loop, *source, [&] { session.click(10, 10); });

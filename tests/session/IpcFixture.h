@@ -3,12 +3,9 @@
 #include "core/async/PollLoop.h"
 #include "core/async/Task.h"
 #include "core/async/Timer.h"
-#include "core/platform/ewmh/X11Platform.h"
-#include "core/platform/i3sway/WmIpcPlatform.h"
+#include "core/platform/choose/ChoosePlatform.h"
 #include "core/platform/linux/WindowManagerError.h"
-#include "core/platform/mac/server/LiveSpaceProvider.h"
 #include "core/switching/SpaceSwitcher.h"
-#include "core/switching/WindowManagerEngine.h"
 #include "tests/session/Session.h"
 
 #include <functional>
@@ -39,7 +36,7 @@ public:
     XSession& x() { return *i3Session_; }
     SwaySession& sway() { return *swaySession_; }
     Platform& platform() { return running_->platform; }
-    SpaceProvider& provider() { return running_->provider; }
+    SpaceProvider& provider() { return *running_->platform.spaceProvider; }
     SpaceSwitcher& switcher() { return running_->switcher; }
     /// The outputs' names, left and right.
     std::string left() const { return i3Session_ ? "L" : "HEADLESS-1"; }
@@ -125,16 +122,12 @@ private:
     struct Running {
         explicit Running(IpcFixture& fixture)
             : platform(fixture.makePlatform()),
-              provider(fixture.loop, *platform.windowServer, *platform.screens),
-              engine(*platform.spaceActivator, provider),
-              switcher(provider),
+              switcher(*platform.spaceProvider),
               subscription(platform.workspace->observe(
                   [&fixture](WorkspaceEvent event) { fixture.events.push_back(event); })) {
-            switcher.engineOverride = {&engine};
+            switcher.engineOverride = {platform.windowManagerEngine.get()};
         }
         Platform platform;
-        LiveSpaceProvider provider;
-        WindowManagerEngine engine;
         SpaceSwitcher switcher;
         async::Subscription subscription;
     };
@@ -144,14 +137,10 @@ private:
     };
 
     Platform makePlatform() {
-        if (swaySession_) return swayPlatform(loop, Environment(swaySession_->environment()), folder.path());
-        const Environment environment(i3Session_->environment());
-        const auto x11 = std::make_shared<X11Session>(loop, environment);
-        Platform platform = i3Platform(
-            loop, environment, folder.path(), [x11] { return x11->i3Socket(); },
-            [x11](const std::string& connector) { return x11->displayIdentity(connector); });
-        platform.screens = x11->screens();
-        return platform;
+        const Session& session = i3Session_ ? static_cast<Session&>(*i3Session_) : *swaySession_;
+        return choosePlatform(loop, i3Session_ ? WindowSystem::x11 : WindowSystem::sway,
+                              Environment(session.environment()), folder.path())
+            .platform;
     }
     std::string message(std::vector<std::string> arguments) {
         std::vector<std::string> whole{"i3-msg", "-s", i3Session_ ? i3Session_->i3Socket() : ""};

@@ -1,6 +1,7 @@
 #include "app/AppState.h"
 #include "app/menu/DesktopMenuCommands.h"
 #include "core/names/DisplayLink.h"
+#include "core/platform/linux/WindowManagerEngine.h"
 #include "tests/automation/RecordingExecutor.h"
 #include "tests/session/IpcFixture.h"
 #include "tests/support/MemoryDefaultsStore.h"
@@ -37,10 +38,9 @@ protected:
         activator = std::make_unique<RefusingActivator>(std::move(activator));
         settings.displayLinkMode.set(DisplayLinkMode::linked);
         EXPECT_TRUE(at.answers());
-        state = std::make_unique<AppState>(
-            at.loop, settings, at.platform(),
-            std::make_unique<LiveSpaceProvider>(at.loop, *at.platform().windowServer, *at.platform().screens),
-            executor, at.folder.path());
+        at.platform().windowManagerEngine =
+            std::make_unique<WindowManagerEngine>(*activator, *at.platform().spaceProvider);
+        state = std::make_unique<AppState>(at.loop, settings, at.platform(), executor, at.folder.path());
         listening =
             state->notices().subscribe([this](const Notice& notice) { notices.push_back(notice.text); });
     }

@@ -1,3 +1,4 @@
+#include "core/platform/x11/X11Screens.h"
 #include "tests/session/EwmhFixture.h"
 #include "tests/support/EdidBlock.h"
 
@@ -65,9 +66,10 @@ TEST_F(ServerTest, AMonitorIsKnownByWhatItTellsOfItself) {
     EXPECT_EQ(left.connector, "L");
     EXPECT_EQ(left.name, "DELL U2720Q");
     EXPECT_EQ(left.uuid, "DEL DELL U2720Q 305419896");
-    EXPECT_EQ(at.x11->displayIdentity("L"), left.uuid);
-    EXPECT_EQ(at.x11->displayIdentity("R"), "R");
-    EXPECT_EQ(at.x11->displayIdentity("gone"), "gone");
+    X11Screens own(at.x11->connection());
+    EXPECT_EQ(own.identity("L"), left.uuid);
+    EXPECT_EQ(own.identity("R"), "R");
+    EXPECT_EQ(own.identity("gone"), "gone");
     at.session.movePointer(10, 10);
     EXPECT_EQ(screens().displayUnderPointer(), left.uuid);
     tellEdid(at.session, edidBlock().substr(0, 100));
@@ -82,7 +84,7 @@ TEST_F(ServerTest, ItsEndIsAnErrorAndNotACrash) {
     at.session.killServer();
     EXPECT_TRUE(told(WorkspaceEvent::activeSpaceDidChange));
     EXPECT_EQ(at.failure()->which(), Case::noDisplay);
-    EXPECT_EQ(at.platform.windowServer->currentSpace({"Main"}), std::nullopt);
+    EXPECT_EQ(at.platform.spaceProvider->currentSpace({"Main"}), std::nullopt);
     EXPECT_TRUE(screens().screens().empty());
     EXPECT_EQ(screens().displayUnderPointer(), std::nullopt);
     EXPECT_EQ(at.platform.globalShortcuts->bind("new", {KeyCode::b, {.control = true}}, [] {}),
@@ -100,13 +102,13 @@ TEST_F(ServerTest, AReadingBeforeTheEndIsNoticedFails) {
 
 TEST_F(ServerTest, ADisplayIsNeeded) {
     EXPECT_THROW(X11Session(at.loop, Environment({})), WindowManagerError);
-    EXPECT_EQ(at.x11->ewmhWindowManager(), "Openbox");
+    EXPECT_EQ(ewmhWindowManager(at.x11->connection()), "Openbox");
     EXPECT_EQ(at.x11->i3Socket(), std::nullopt);
 }
 
 TEST(BareServerTest, WaitsForAWindowManager) {
     EwmhFixture at{WindowManager::none};
-    EXPECT_EQ(at.x11->ewmhWindowManager(), std::nullopt);
+    EXPECT_EQ(ewmhWindowManager(at.x11->connection()), std::nullopt);
     EXPECT_EQ(at.failure()->which(), Case::noWindowManager);
     at.session.startWindowManager(WindowManager::openbox);
     EXPECT_TRUE(at.runUntil([&] { return !at.events.empty() && at.answers(); }));

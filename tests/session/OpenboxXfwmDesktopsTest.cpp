@@ -27,9 +27,9 @@ TEST_P(DesktopsTest, AreReadAndSwitched) {
         EXPECT_EQ(at.activate(target), "");
         EXPECT_EQ(at.current(), target);
         EXPECT_EQ(at.session.rootProperty("_NET_CURRENT_DESKTOP"), std::to_string(target));
-        EXPECT_EQ(at.platform.windowServer->currentSpace({"Main"}), at.desktops().spaces[target].id);
+        EXPECT_EQ(at.platform.spaceProvider->currentSpace({"Main"}), at.desktops().spaces[target].id);
     }
-    EXPECT_EQ(at.platform.windowServer->currentSpace({"L"}), std::nullopt);
+    EXPECT_EQ(at.platform.spaceProvider->currentSpace({"L"}), std::nullopt);
 }
 
 TEST_P(DesktopsTest, ASwitchThatChangesNothingOrHasNoTargetDoesNotWait) {
@@ -88,7 +88,7 @@ TEST_P(DesktopsTest, OutliveTheirWindowManager) {
         EXPECT_TRUE(at.runUntil([&] { return !at.events.empty(); }));
         ASSERT_FALSE(at.answers());
         EXPECT_EQ(at.failure()->which(), Case::connectionLost);
-        EXPECT_EQ(at.platform.windowServer->currentSpace({"Main"}), std::nullopt);
+        EXPECT_EQ(at.platform.spaceProvider->currentSpace({"Main"}), std::nullopt);
         at.events.clear();
         at.session.startWindowManager();
         EXPECT_TRUE(at.runUntil([&] { return !at.events.empty() && at.answers(); }));
@@ -157,7 +157,7 @@ TEST_P(DesktopsTest, StandPropertiesThatAnotherProgramSpoilt) {
 }
 
 TEST_P(DesktopsTest, AreNeverReadFromWhatWasKnownBefore) {
-    auto& server = *at.platform.windowServer;
+    auto& server = *at.platform.spaceProvider;
     const auto before = at.desktops();
     EXPECT_EQ(server.currentSpace({"Main"}), before.currentID);
     // The loop doesn't run meanwhile, so no event has been delivered.
@@ -195,7 +195,7 @@ TEST_P(DesktopsTest, AreKnownAgainOnANewServer) {
     EwmhFixture next{GetParam()};
     const auto own = next.shownNames();
     std::filesystem::copy_file(at.folder / "ewmh-desktops.json", next.folder / "ewmh-desktops.json");
-    next.platform = next.x11->ewmhPlatform(next.folder.path());
+    next.platform = ewmhPlatform(next.x11->connection(), next.folder.path());
     EXPECT_EQ(next.uuids(), uuids);
     next.publish({"Mail", "Web"});
     EXPECT_TRUE(next.runUntil([&] { return next.shownNames().starts_with("Mail,Web"); }));

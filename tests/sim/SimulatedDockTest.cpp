@@ -7,7 +7,7 @@ using testing::swipeEvent;
 
 class SimulatedDockTest : public ::testing::Test, protected testing::SimulatedSession {
 protected:
-    void post(const SyntheticEvent& event) { platform.eventServices->post(event, EventTap::session); }
+    void post(const SyntheticEvent& event) { seams.eventServices->post(event, EventTap::session); }
     /// Where "LEFT" stands after a swipe whose events all carry this field, from its middle desktop.
     template <class T> std::size_t shownAfterSwipeWith(int field, T value) {
         mac.stage().move(space("LEFT", 1), 0);
@@ -26,7 +26,7 @@ TEST_F(SimulatedDockTest, AQuickSwipeMovesOneSpaceByItsSignWithoutAnimation) {
     EXPECT_EQ(shownAt("LEFT"), 0u) << "the Dock takes a moment";
     loop.advance(0.02);
     EXPECT_EQ(shownAt("LEFT"), 1u);
-    EXPECT_EQ(platform.windowServer->isAnimating({"LEFT"}), false);
+    EXPECT_EQ(seams.windowServer->isAnimating({"LEFT"}), false);
     swipe(6000);
     loop.advance(0.02);
     EXPECT_EQ(shownAt("LEFT"), 2u) << "one Space a swipe, however quick";
@@ -54,12 +54,12 @@ TEST_F(SimulatedDockTest, ASwipeThatMakesItsWayAnimatesHoweverQuick) {
 TEST_F(SimulatedDockTest, ASlowSwipeAnimatesAndAVerySlowOneSpringsBack) {
     swipe(500);
     loop.advance(0.05);
-    EXPECT_EQ(platform.windowServer->isAnimating({"left"}), true);
+    EXPECT_EQ(seams.windowServer->isAnimating({"left"}), true);
     EXPECT_EQ(shownAt("LEFT"), 0u);
     swipe(2000); // not heard while it animates
     loop.runUntilDone();
     EXPECT_EQ(shownAt("LEFT"), 1u);
-    EXPECT_EQ(platform.windowServer->isAnimating({"LEFT"}), false);
+    EXPECT_EQ(seams.windowServer->isAnimating({"LEFT"}), false);
     swipe(50);
     loop.runUntilDone();
     EXPECT_EQ(shownAt("LEFT"), 1u);

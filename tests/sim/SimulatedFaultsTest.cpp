@@ -36,10 +36,10 @@ TEST_F(SimulatedFaultsTest, AnAnimationThatNeverEndsHangsUntilTheFaultIsOver) {
     loop.advance(100);
     mac.stage().move(space("LEFT", 2), 0.1);
     loop.advance(1);
-    EXPECT_EQ(platform.windowServer->isAnimating({"LEFT"}), true);
+    EXPECT_EQ(seams.windowServer->isAnimating({"LEFT"}), true);
     EXPECT_EQ(shownAt("LEFT"), 0u);
     mac.heal();
-    EXPECT_EQ(platform.windowServer->isAnimating({"LEFT"}), false);
+    EXPECT_EQ(seams.windowServer->isAnimating({"LEFT"}), false);
     EXPECT_EQ(shownAt("LEFT"), 1u);
 }
 
@@ -62,25 +62,25 @@ TEST_F(SimulatedFaultsTest, AStaleReadingTellsTheLayoutOfBefore) {
     auto reader = provider();
     swipe();
     mac.addDesktop("LEFT");
-    EXPECT_EQ(platform.windowServer->currentSpace({"LEFT"}), space("LEFT", 0));
+    EXPECT_EQ(seams.windowServer->currentSpace({"LEFT"}), space("LEFT", 0));
     EXPECT_EQ(reader.snapshot().displays[0].spaces.size(), 3u);
     loop.advance(1);
-    EXPECT_EQ(platform.windowServer->currentSpace({"LEFT"}), space("LEFT", 1));
+    EXPECT_EQ(seams.windowServer->currentSpace({"LEFT"}), space("LEFT", 1));
     EXPECT_EQ(reader.snapshot().displays[0].spaces.size(), 4u);
 }
 
 TEST_F(SimulatedFaultsTest, WithoutThePermissionEventsDoNothing) {
     mac.inject(SimulatedFault::permissionWithdrawn);
-    EXPECT_FALSE(platform.accessibility->isTrusted());
+    EXPECT_FALSE(seams.accessibility->isTrusted());
     swipe();
     EXPECT_EQ(shownAt("LEFT"), 0u);
     mac.heal();
-    EXPECT_TRUE(platform.accessibility->isTrusted());
+    EXPECT_TRUE(seams.accessibility->isTrusted());
 }
 
 TEST_F(SimulatedFaultsTest, AMissingSymbolIsMissedByWhoLooksItUpLater) {
     mac.removeSymbol("CGSCopyManagedDisplaySpaces");
-    EXPECT_NO_THROW(platform.windowServer->managedDisplaySpaces());
+    EXPECT_NO_THROW(seams.windowServer->managedDisplaySpaces());
     const auto without = mac.platform();
     EXPECT_THROW(without.windowServer->managedDisplaySpaces(), SpaceKitError);
     EXPECT_EQ(without.windowServer->isAnimating({"LEFT"}), false) << "the others are there";
@@ -113,9 +113,9 @@ TEST_F(SimulatedFaultsTest, AUserWhoGrabsThePointerLetsGoInTheEnd) {
     }
     EXPECT_GT(places.size(), 2u);
     EXPECT_FALSE(mac.pointer().isGrabbed());
-    platform.eventServices->warpPointer({5, 5});
+    seams.eventServices->warpPointer({5, 5});
     loop.runUntilDone();
-    EXPECT_EQ(platform.eventServices->pointer(), (Point{5, 5}));
+    EXPECT_EQ(seams.eventServices->pointer(), (Point{5, 5}));
 }
 
 TEST(SimulatedFaults, AreTheSameForTheSameSeed) {

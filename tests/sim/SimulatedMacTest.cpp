@@ -8,14 +8,14 @@ namespace {
 class SimulatedMacTest : public ::testing::Test, protected testing::SimulatedSession {
 protected:
     SimulatedMacTest() {
-        heard = platform.workspace->observe([this](WorkspaceEvent event) { events.push_back(event); });
+        heard = seams.workspace->observe([this](WorkspaceEvent event) { events.push_back(event); });
     }
     std::vector<SpaceID> spacesOf(WindowNumber window) {
-        return platform.windowServer->spacesOfWindows({window});
+        return seams.windowServer->spacesOfWindows({window});
     }
     std::vector<WindowNumber> listed(WindowListOption option) {
         std::vector<WindowNumber> numbers;
-        const auto list = platform.windowServer->windowList(option);
+        const auto list = seams.windowServer->windowList(option);
         for (const PropertyDictionary& entry : *list)
             numbers.push_back(static_cast<WindowNumber>(*entry.find("kCGWindowNumber")->unsignedInteger()));
         return numbers;
@@ -87,10 +87,10 @@ TEST_F(SimulatedMacTest, AFullscreenWindowHasASpaceToItselfBehindTheOneItLeft) {
     EXPECT_EQ(snapshot.key(read, "LEFT"), "fullscreen:com.example.player");
 
     const WindowNumber foreign = mac.openWindow(mac.launch("Notes", {}), space("LEFT", 0));
-    platform.windowServer->addWindowsToSpaces({foreign}, {fullscreen});
+    seams.windowServer->addWindowsToSpaces({foreign}, {fullscreen});
     EXPECT_EQ(spacesOf(foreign), std::vector<SpaceID>{space("LEFT", 0)}) << "it takes no foreign window";
 
-    const auto own = platform.ownApplication->makeWindow({.contentRect = {5, 5, 1, 1}});
+    const auto own = seams.ownApplication->makeWindow({.contentRect = {5, 5, 1, 1}});
     own->orderFrontRegardless();
     EXPECT_EQ(spacesOf(static_cast<WindowNumber>(own->windowNumber())), std::vector{space("LEFT", 0)})
         << "not even one that opens while it is shown";
@@ -126,8 +126,8 @@ TEST_F(SimulatedMacTest, ListsWindowsFrontToBackWithWhereTheyAre) {
     EXPECT_EQ(listed(WindowListOption::onScreenOnly), (std::vector{frontWindow, back, wallpaper}));
     EXPECT_EQ(listed(WindowListOption::onScreenOnlyWithoutDesktop), (std::vector{frontWindow, back}));
 
-    platform.windowServer->addWindowsToSpaces({back}, {space("RIGHT", 1), {999'999}});
-    platform.windowServer->removeWindowsFromSpaces({back}, {space("LEFT", 0)});
+    seams.windowServer->addWindowsToSpaces({back}, {space("RIGHT", 1), {999'999}});
+    seams.windowServer->removeWindowsFromSpaces({back}, {space("LEFT", 0)});
     EXPECT_EQ(spacesOf(back), std::vector<SpaceID>{space("RIGHT", 1)});
     EXPECT_TRUE(spacesOf(999'999).empty());
 }
@@ -142,7 +142,7 @@ TEST_F(SimulatedMacTest, ActivatingAnAppWhoseKeyWindowIsElsewhereGoesThereInTime
     loop.advance(0.8);
     EXPECT_EQ(shownAt("RIGHT"), 2u);
     EXPECT_EQ(front(), "Notes");
-    EXPECT_EQ(platform.windowServer->activeMenuBarDisplay(), "RIGHT");
+    EXPECT_EQ(seams.windowServer->activeMenuBarDisplay(), "RIGHT");
     EXPECT_EQ(events, std::vector{WorkspaceEvent::activeSpaceDidChange});
 }
 
@@ -178,24 +178,24 @@ TEST_F(SimulatedMacTest, AnAppThatHasAWindowInViewStays) {
 TEST_F(SimulatedMacTest, AnotherAppIsActivatedOnlyByOneThatHasYieldedToIt) {
     const auto app = mac.launch("Notes", {});
     const auto ask = [&](ActivationOptions options) {
-        platform.workspace->activate(app, options);
+        seams.workspace->activate(app, options);
         loop.runUntilDone();
         return front();
     };
-    EXPECT_TRUE(platform.ownApplication->mustYieldActivation());
+    EXPECT_TRUE(seams.ownApplication->mustYieldActivation());
     EXPECT_EQ(ask(ActivationOptions::ignoringOtherApps), "nobody");
-    platform.ownApplication->activateIgnoringOtherApps();
+    seams.ownApplication->activateIgnoringOtherApps();
     loop.runUntilDone();
     EXPECT_EQ(ask(ActivationOptions::none), "Lumnara");
-    platform.ownApplication->yieldActivation(app);
+    seams.ownApplication->yieldActivation(app);
     EXPECT_EQ(ask(ActivationOptions::none), "Notes");
 
     testing::SimulatedSession older({.systemVersion = 13});
     const auto notes = older.mac.launch("Notes", {});
-    older.platform.workspace->activate(notes, ActivationOptions::none);
+    older.seams.workspace->activate(notes, ActivationOptions::none);
     older.loop.runUntilDone();
     EXPECT_EQ(older.front(), "nobody");
-    older.platform.workspace->activate(notes, ActivationOptions::ignoringOtherApps);
+    older.seams.workspace->activate(notes, ActivationOptions::ignoringOtherApps);
     older.loop.runUntilDone();
     EXPECT_EQ(older.front(), "Notes");
 }
@@ -211,11 +211,10 @@ TEST_F(SimulatedMacTest, TheFrontWindowOfWhatIsShownGetsTheFocus) {
 }
 
 TEST_F(SimulatedMacTest, TellsTheStateOfItsSession) {
-    EXPECT_EQ(platform.sessionProbe->currentDictionary(),
-              (PropertyDictionary{{"kCGSSessionOnConsoleKey", true}}));
+    EXPECT_EQ(seams.session->currentDictionary(), (PropertyDictionary{{"kCGSSessionOnConsoleKey", true}}));
     mac.isLocked = true;
     mac.isOnConsole = false;
-    EXPECT_EQ(platform.sessionProbe->currentDictionary(),
+    EXPECT_EQ(seams.session->currentDictionary(),
               (PropertyDictionary{{"kCGSSessionOnConsoleKey", false}, {"CGSSessionScreenIsLocked", true}}));
 }
 

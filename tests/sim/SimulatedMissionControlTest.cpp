@@ -63,19 +63,19 @@ TEST_F(SimulatedMissionControlTest, ComesAndGoesInTimeAndIsSeenByTheWindowsOfThe
     for (int look = 0; look < 100; ++look) {
         loop.advance(0.01);
         seen.insert(mac.missionControl().picture().open);
-        EXPECT_EQ(SessionState::isMissionControlVisible(*platform.windowServer), mac.missionControl().isUp());
+        EXPECT_EQ(SessionState::isMissionControlVisible(*seams.windowServer), mac.missionControl().isUp());
     }
     EXPECT_EQ(*seen.begin(), 0);
     EXPECT_EQ(*seen.rbegin(), 1);
     EXPECT_GT(seen.size(), 15u) << "it moves in between";
     EXPECT_FALSE(mac.missionControl().isAnimating());
-    EXPECT_TRUE(SessionState::dockOverlayVisible(*platform.windowServer));
+    EXPECT_TRUE(SessionState::dockOverlayVisible(*seams.windowServer));
     escape();
     loop.advance(0.1);
     EXPECT_TRUE(mac.missionControl().isUp() && mac.missionControl().isAnimating());
     loop.advance(1);
     EXPECT_EQ(mac.missionControl().picture().open, 0);
-    EXPECT_FALSE(SessionState::dockOverlayVisible(*platform.windowServer));
+    EXPECT_FALSE(SessionState::dockOverlayVisible(*seams.windowServer));
     EXPECT_GE(changes, 5);
     open();
     open();
@@ -86,7 +86,7 @@ TEST_F(SimulatedMissionControlTest, TheBarExpandsOnlyForAPointerThatComesFromBel
     open();
     ASSERT_EQ(mac.missionControl().picture().bars.size(), 2u);
     EXPECT_LE(bar().thumbnails.front().frame.height, 26);
-    platform.eventServices->warpPointer({700, 36});
+    seams.eventServices->warpPointer({700, 36});
     for (int small = 0; small < 5; ++small) move({700.0 + small, 36});
     EXPECT_EQ(bar().expanded, 0) << "it was never below";
     move({700, 200});
@@ -189,7 +189,7 @@ TEST_F(SimulatedMissionControlTest, RemovesAndAddsDesktopsWithinItsLimits) {
     loop.advance(0.3);
     EXPECT_EQ(order().size(), 2u);
     EXPECT_EQ(mac.layout().display("LEFT")->current, neighbour);
-    EXPECT_EQ(platform.windowServer->spacesOfWindows({window}), std::vector{neighbour});
+    EXPECT_EQ(seams.windowServer->spacesOfWindows({window}), std::vector{neighbour});
     EXPECT_TRUE(missionControl.remove(space("LEFT", 0)));
     loop.advance(0.3);
     EXPECT_FALSE(missionControl.remove(space("LEFT", 0))) << "the last one stays";
@@ -209,7 +209,7 @@ TEST_F(SimulatedMissionControlTest, GoesWithTheDockAndComesBackWithIt) {
     const std::int32_t before = mac.dockPid();
     mac.inject(SimulatedFault::dockRestarted);
     EXPECT_FALSE(mac.missionControl().isUp());
-    EXPECT_FALSE(platform.workspace->runningApplication(before));
+    EXPECT_FALSE(seams.workspace->runningApplication(before));
     open();
     EXPECT_FALSE(mac.missionControl().isUp()) << "nobody is there to open it";
     loop.advance(2);

@@ -29,14 +29,14 @@ inline SyntheticEvent swipeEvent(std::int64_t phase, double velocity) {
 /// A simulated Mac with the screens "LEFT" (built in) and "RIGHT", of three desktops each.
 class SimulatedSession {
 public:
-    /// `prepare` is called before the platform looks anything up.
+    /// `prepare` is called before the window server's calls are looked up.
     explicit SimulatedSession(SimulatedMacOptions options = {},
                               const std::function<void(SimulatedMac&)>& prepare = {})
         : mac(loop, options) {
         plugTwoScreens(mac, 3, 3);
         mac.pointer().moveTo({10, 10});
         if (prepare) prepare(mac);
-        platform = mac.platform();
+        seams = mac.seams();
     }
 
     SpaceID space(const char* display, std::size_t index) const {
@@ -49,19 +49,19 @@ public:
     }
     void swipe(double velocity) {
         for (const std::int64_t phase : {1, 2, 4})
-            platform.eventServices->post(swipeEvent(phase, velocity), EventTap::session);
+            seams.eventServices->post(swipeEvent(phase, velocity), EventTap::session);
     }
     std::string front() {
-        const auto app = platform.workspace->frontmostApplication();
+        const auto app = seams.workspace->frontmostApplication();
         return app ? app->name : "nobody";
     }
     LiveSpaceProvider provider() {
-        return {loop, *platform.windowServer, *platform.screens, platform.workspace.get()};
+        return {loop, *seams.windowServer, *seams.screens, seams.workspace.get()};
     }
 
     async::TestLoop loop;
     SimulatedMac mac;
-    Platform platform;
+    MacSeams seams;
 };
 
 } // namespace lumnara::testing

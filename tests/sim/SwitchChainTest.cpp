@@ -82,7 +82,7 @@ TEST(SwitchChain, ADisplayThatSnapsBackIsCaughtByTheLookOrByTheOneAfter) {
         session.loop.advance(2);
         ASSERT_TRUE(outcome.result);
         const auto reading = [&](const DisplayID& each) {
-            return session.platform.windowServer->currentSpace(each);
+            return session.seams.windowServer->currentSpace(each);
         };
         const bool holds =
             SwitchSettle::unsettled(SwitchSettle::entries({{display, target}}, reading)).empty();

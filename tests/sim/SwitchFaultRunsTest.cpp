@@ -204,7 +204,7 @@ private:
         return std::nullopt;
     }
 
-    bool canTellAnimations() { return session_.platform.windowServer->isAnimating(display_).has_value(); }
+    bool canTellAnimations() { return session_.seams.windowServer->isAnimating(display_).has_value(); }
 
     /// On the display that was asked for, longer than the pause after the last look.
     bool hasShownTheTargetForAWhile() {
@@ -225,7 +225,7 @@ private:
 
     bool helperStandsOnTarget() {
         return std::ranges::any_of(session_.mac.windows().all(), [this](const SimulatedWindow& window) {
-            const auto spaces = session_.platform.windowServer->spacesOfWindows({window.number});
+            const auto spaces = session_.seams.windowServer->spacesOfWindows({window.number});
             return window.ownerPid == session_.mac.ownPid() && std::ranges::count(spaces, target_) > 0;
         });
     }

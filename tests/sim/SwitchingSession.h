@@ -47,7 +47,7 @@ public:
         switcher.dockSwipe = &dockSwipe;
         switcher.helperWindow = &helperWindow;
         switcher.blockingReason = [this] {
-            return SessionState::blockingReason(*platform.sessionProbe, *platform.windowServer);
+            return SessionState::blockingReason(*seams.session, *seams.windowServer);
         };
     }
 
@@ -58,10 +58,10 @@ public:
     }
 
     LiveSpaceProvider reader = provider();
-    WatchedEvents events{*platform.eventServices};
-    DockSwipeEngine dockSwipe{reader, *platform.accessibility, events, *platform.screens};
-    HelperWindowEngine helperWindow{reader, *platform.windowServer, *platform.ownApplication,
-                                    *platform.workspace, *platform.screens};
+    WatchedEvents events{*seams.eventServices};
+    DockSwipeEngine dockSwipe{reader, *seams.accessibility, events, *seams.screens};
+    HelperWindowEngine helperWindow{reader, *seams.windowServer, *seams.ownApplication, *seams.workspace,
+                                    *seams.screens};
     SpaceSwitcher switcher{reader};
 };
 

@@ -11,12 +11,12 @@ namespace lumnara::testing {
 
 namespace {
 
-Platform withScreens(SimulatedMac& mac, int left, int right,
+MacSeams withScreens(SimulatedMac& mac, int left, int right,
                      const std::function<void(SimulatedMac&)>& prepare = {}) {
     plugTwoScreens(mac, left, right);
     if (prepare) prepare(mac);
     mac.warpPointer({400, 600});
-    return mac.platform();
+    return mac.seams();
 }
 
 } // namespace
@@ -38,17 +38,17 @@ SimulatedMacOptions ArrangeStage::optionsFrom(SimulatedRandom& random, std::uint
 
 ArrangeStage::ArrangeStage(SimulatedRandom& random, std::uint64_t seed)
     : mac(loop, optionsFrom(random, seed)),
-      platform(furnished(random)) {
+      seams(furnished(random)) {
     furnish(random);
 }
 
 ArrangeStage::ArrangeStage(int desktops, SimulatedMacOptions options,
                            const std::function<void(SimulatedMac&)>& prepare)
     : mac(loop, options),
-      platform(withScreens(mac, desktops, desktops, prepare)),
+      seams(withScreens(mac, desktops, desktops, prepare)),
       display{"LEFT"} {}
 
-Platform ArrangeStage::furnished(SimulatedRandom& random) {
+MacSeams ArrangeStage::furnished(SimulatedRandom& random) {
     const auto left = static_cast<int>(random.below(12) == 0 ? 16 : 2 + random.below(6));
     const auto right = static_cast<int>(1 + random.below(5));
     isWithoutSymbol = random.below(12) == 0;

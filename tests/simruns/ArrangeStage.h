@@ -43,19 +43,19 @@ public:
     bool isWithoutSymbol = false;
     async::TestLoop loop;
     SimulatedMac mac;
-    Platform platform;
-    DamagedAccessibility accessibility{*platform.accessibility};
+    MacSeams seams;
+    DamagedAccessibility accessibility{*seams.accessibility};
     WatchedDriver driver{loop,
-                         {accessibility, *platform.eventServices, *platform.preferences, *platform.screens,
-                          *platform.sessionProbe, *platform.windowServer, *platform.workspace}};
-    WatchedProvider provider{loop, *platform.windowServer, *platform.screens, platform.workspace.get()};
+                         {accessibility, *seams.eventServices, *seams.preferences, *seams.screens,
+                          *seams.session, *seams.windowServer, *seams.workspace}};
+    WatchedProvider provider{loop, *seams.windowServer, *seams.screens, seams.workspace.get()};
     MissionControlArranger arranger{driver, driver, provider};
     /// Where the work is done.
     DisplayID display;
 
 private:
     static SimulatedMacOptions optionsFrom(SimulatedRandom& random, std::uint64_t seed);
-    Platform furnished(SimulatedRandom& random);
+    MacSeams furnished(SimulatedRandom& random);
     void furnish(SimulatedRandom& random);
 };
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "core/platform/mac/server/MacSession.h"
+#include "core/platform/mac/server/WindowServer.h"
 #include "core/seams/Accessibility.h"
 #include "core/seams/EventServices.h"
 #include "core/seams/Screens.h"
-#include "core/seams/SessionProbe.h"
-#include "core/seams/WindowServer.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -49,7 +49,7 @@ struct TwoScreens : Screens {
         {.uuid = "D2", .connector = "2", .name = "Two", .frame = {100, 0, 300, 200}}};
 };
 
-struct ScriptedSession : SessionProbe {
+struct ScriptedSession : MacSession {
     std::optional<PropertyDictionary> currentDictionary() override { return dictionary; }
     std::optional<PropertyDictionary> dictionary;
 };

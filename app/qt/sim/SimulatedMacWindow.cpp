@@ -21,11 +21,11 @@ constexpr double firstPart = 0.94;
 
 } // namespace
 
-SimulatedMacWindow::SimulatedMacWindow(async::Loop& loop, SimulatedMac& mac)
-    : loop_(loop),
-      mac_(mac),
+SimulatedMacWindow::SimulatedMacWindow(async::Loop& loop, SimulatedMac& mac, DesktopArranger& arranger)
+    : mac_(mac),
       view_(loop, mac),
-      row_(new QHBoxLayout) {
+      row_(new QHBoxLayout),
+      jobs_(loop, mac, arranger) {
     setWindowTitle(QStringLiteral("Lumnara on a simulated Mac"));
     status_.setTextFormat(Qt::PlainText);
     status_.setText(
@@ -37,6 +37,7 @@ SimulatedMacWindow::SimulatedMacWindow(async::Loop& loop, SimulatedMac& mac)
               [this] { view_.swipe(true); });
     addButton(QStringLiteral("Mission Control"), QStringLiteral("Open or close it (F3)"),
               [this] { view_.openMissionControl(); });
+    addJobs();
     auto* head = new QWidget;
     head->setLayout(row_);
     row_->setContentsMargins(14, 10, 14, 6);
@@ -56,19 +57,18 @@ SimulatedMacWindow::SimulatedMacWindow(async::Loop& loop, SimulatedMac& mac)
     view_.setFocus();
 }
 
-void SimulatedMacWindow::offerJobs(DesktopArranger& arranger) {
-    jobs_ = std::make_unique<MacJobs>(loop_, mac_, arranger);
-    jobs_->onStatus = [this](const std::string& status) { tell(status); };
+void SimulatedMacWindow::addJobs() {
+    jobs_.onStatus = [this](const std::string& status) { tell(status); };
     row_->addSpacing(18);
     addButton(QStringLiteral("Reverse Desktops"),
               QStringLiteral("Reorder the chosen screen in Mission Control"),
-              [this] { jobs_->reverse(view_.chosenScreen()); });
+              [this] { jobs_.reverse(view_.chosenScreen()); });
     addButton(QStringLiteral("New Desktop"),
               QStringLiteral("Add one to the chosen screen in Mission Control"),
-              [this] { jobs_->add(view_.chosenScreen()); });
+              [this] { jobs_.add(view_.chosenScreen()); });
     addButton(QStringLiteral("Remove Desktop"),
               QStringLiteral("Remove the last desktop of the chosen screen in Mission Control"),
-              [this] { jobs_->removeLast(view_.chosenScreen()); });
+              [this] { jobs_.removeLast(view_.chosenScreen()); });
     row_->addSpacing(18);
     addFaults();
     row_->addStretch();

@@ -2,7 +2,6 @@
 
 #include "app/qt/sim/MacJobs.h"
 #include "app/qt/sim/MacView.h"
-#include "core/platform/Platform.h"
 
 #include <QLabel>
 #include <QWidget>
@@ -17,12 +16,9 @@ namespace lumnara {
 /// there, of the jobs that script Mission Control, and of what can go wrong.
 class SimulatedMacWindow : public QWidget {
 public:
-    /// Puts the window up, and furnishes the Mac with screens that stand where they are drawn. The loop and
-    /// the Mac, which has no screens yet, outlive the window.
-    SimulatedMacWindow(async::Loop& loop, SimulatedMac& mac);
-
-    /// Offers the jobs too. The arranger lives for as long as the loop turns.
-    void offerJobs(DesktopArranger& arranger);
+    /// Puts the window up, and furnishes the Mac with screens that stand where they are drawn. The loop, the
+    /// Mac, which has no screens yet, and its arranger outlive the window.
+    SimulatedMacWindow(async::Loop& loop, SimulatedMac& mac, DesktopArranger& arranger);
 
     std::function<void()> onClosed;
 
@@ -32,15 +28,15 @@ protected:
 
 private:
     void addButton(const QString& text, const QString& tip, std::function<void()> action);
+    void addJobs();
     void addFaults();
     void tell(const std::string& status);
 
-    async::Loop& loop_;
     SimulatedMac& mac_;
     MacView view_;
     QHBoxLayout* row_;
     QLabel status_;
-    std::unique_ptr<MacJobs> jobs_;
+    MacJobs jobs_;
 };
 
 } // namespace lumnara

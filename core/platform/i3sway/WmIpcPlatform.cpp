@@ -4,12 +4,13 @@
 #include "core/platform/i3sway/IpcNamePublisher.h"
 #include "core/platform/i3sway/IpcSession.h"
 #include "core/platform/i3sway/IpcSpaceActivator.h"
-#include "core/platform/i3sway/IpcWindowServer.h"
+#include "core/platform/i3sway/IpcSpaceProvider.h"
 #include "core/platform/i3sway/IpcWorkspace.h"
 #include "core/platform/i3sway/SwayIdleSource.h"
 #include "core/platform/i3sway/SwayScreens.h"
 #include "core/platform/i3sway/SwayShortcuts.h"
 #include "core/platform/linux/WindowManagerArranger.h"
+#include "core/platform/linux/WindowManagerEngine.h"
 
 #include <utility>
 
@@ -19,15 +20,20 @@ namespace {
 
 constexpr const char* registryFileName = "workspaces.json";
 
-Platform platformOn(async::Loop& loop, std::shared_ptr<IpcSession> session) {
+Platform platformOn(async::Loop& loop, std::shared_ptr<IpcSession> session, std::unique_ptr<Screens> screens,
+                    IpcSpaceProvider::ScreensOf screensOf) {
     Platform platform;
     platform.name = session->ipc().windowManager();
-    platform.windowServer = std::make_unique<IpcWindowServer>(*session);
+    platform.screens = std::move(screens);
+    platform.spaceProvider =
+        std::make_unique<IpcSpaceProvider>(loop, *session, *platform.screens, std::move(screensOf));
     platform.workspace = std::make_unique<IpcWorkspace>(*session);
     platform.spaceActivator = std::make_unique<IpcSpaceActivator>(*session);
+    platform.windowManagerEngine =
+        std::make_unique<WindowManagerEngine>(*platform.spaceActivator, *platform.spaceProvider);
     platform.namePublisher = std::make_unique<IpcNamePublisher>(*session);
     platform.arranger = std::make_unique<WindowManagerArranger>(
-        loop, *platform.windowServer, std::make_unique<IpcDesktopArranging>(*session));
+        *platform.spaceProvider, std::make_unique<IpcDesktopArranging>(*session));
     platform.keepAlive = std::move(session);
     return platform;
 }
@@ -49,15 +55,14 @@ Platform swayPlatform(async::Loop& loop, const Environment& environment,
     setup.registryFile = folder / registryFileName;
     setup.identify = SwayScreens::identity;
     const auto session = std::make_shared<IpcSession>(loop, std::move(setup));
-    Platform platform = platformOn(loop, session);
-    platform.screens = std::make_unique<SwayScreens>(*session);
+    Platform platform = platformOn(loop, session, std::make_unique<SwayScreens>(*session), SwayScreens::of);
     platform.globalShortcuts = std::make_unique<SwayShortcuts>(*session);
     platform.idleSource = SwayIdleSource::connect(loop, environment);
     return platform;
 }
 
 Platform i3Platform(async::Loop& loop, const Environment& environment, const std::filesystem::path& folder,
-                    std::function<std::optional<std::string>()> findSocket,
+                    std::unique_ptr<Screens> screens, std::function<std::optional<std::string>()> findSocket,
                     std::function<std::string(const std::string& connector)> identify) {
     IpcSession::Setup setup;
     setup.dialect = IpcDialect::i3;
@@ -71,7 +76,9 @@ Platform i3Platform(async::Loop& loop, const Environment& environment, const std
     setup.identify = [identify = std::move(identify)](const IpcOutputReply& output) {
         return identify(output.name);
     };
-    return platformOn(loop, std::make_shared<IpcSession>(loop, std::move(setup)));
+    const auto screensOf = [&screens = *screens](const auto&) { return screens.screens(); };
+    return platformOn(loop, std::make_shared<IpcSession>(loop, std::move(setup)), std::move(screens),
+                      screensOf);
 }
 
 } // namespace lumnara

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -18,11 +19,12 @@ bool swayAnswers(const Environment& environment);
 /// beside them. Made while sway is away, it connects when sway comes.
 Platform swayPlatform(async::Loop& loop, const Environment& environment, const std::filesystem::path& folder);
 
-/// The platform on i3 without screens, shortcuts and idle time, which the X server gives. `findSocket` tells
-/// the socket of the i3 that runs now, by the root window's property; $I3SOCK stands in where it tells none.
+/// The platform on i3 with the X server's screens, and without shortcuts and idle time, which the X server
+/// gives too. `findSocket` tells the socket of the i3 that runs now, by the root window's property; $I3SOCK
+/// stands in where it tells none.
 /// `identify` gives a connector's monitor the identity that the screens give it.
 Platform i3Platform(async::Loop& loop, const Environment& environment, const std::filesystem::path& folder,
-                    std::function<std::optional<std::string>()> findSocket,
+                    std::unique_ptr<Screens> screens, std::function<std::optional<std::string>()> findSocket,
                     std::function<std::string(const std::string& connector)> identify);
 
 } // namespace lumnara

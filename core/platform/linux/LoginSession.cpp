@@ -1,5 +1,6 @@
 #include "core/platform/linux/LoginSession.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <string_view>
 #include <systemd/sd-bus.h>
@@ -145,24 +146,14 @@ LoginSession::LoginSession(async::Loop& loop, const Environment& environment)
 
 LoginSession::~LoginSession() = default;
 
-std::optional<PropertyDictionary> LoginSession::currentDictionary() {
-    std::optional<bool> locked;
-    const auto hear = [&](std::optional<bool> said) {
-        if (said) locked = locked.value_or(false) || *said;
-    };
-    std::optional<bool> onConsole;
-    if (loginManager_ && system_->isOpen()) {
-        hear(loginManager_->locked);
-        onConsole = loginManager_->active;
-    }
-    if (session_ && session_->isOpen())
-        for (const auto& screenSaver : screenSavers_) hear(screenSaver->active);
-    if (!locked && !onConsole) return std::nullopt;
+bool LoginSession::isScreenLocked() {
+    if (loginManager_ && system_->isOpen() && loginManager_->locked.value_or(false)) return true;
+    return session_ && session_->isOpen() &&
+           std::ranges::any_of(screenSavers_, [](const auto& each) { return each->active.value_or(false); });
+}
 
-    PropertyDictionary dictionary;
-    if (locked) dictionary.append("CGSSessionScreenIsLocked", *locked);
-    if (onConsole) dictionary.append("kCGSSessionOnConsoleKey", *onConsole);
-    return dictionary;
+bool LoginSession::isOnConsole() {
+    return !loginManager_ || !system_->isOpen() || loginManager_->active.value_or(true);
 }
 
 } // namespace lumnara

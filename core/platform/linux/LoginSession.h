@@ -10,15 +10,16 @@ namespace lumnara {
 
 /// What the login manager (logind's LockedHint and Active) and the desktops' screen savers (GetActive) say of
 /// the session: locked when any of them says so. They are asked and then listened to from the loop, so a look
-/// never waits for them. Before the first answer, and where there is nobody to ask, there is no dictionary; a
-/// bare screen locker that tells nobody isn't seen. Main thread.
+/// never waits for them. Before the first answer, and where there is nobody to ask, the screen isn't locked
+/// and the session is the one that the user sees; a bare screen locker that tells nobody isn't noticed. Main
+/// thread.
 class LoginSession : public SessionProbe {
 public:
     LoginSession(async::Loop& loop, const Environment& environment);
     ~LoginSession() override;
 
-    /// "CGSSessionScreenIsLocked" and "kCGSSessionOnConsoleKey", each when it is known.
-    std::optional<PropertyDictionary> currentDictionary() override;
+    bool isScreenLocked() override;
+    bool isOnConsole() override;
 
 private:
     class LoginManager;

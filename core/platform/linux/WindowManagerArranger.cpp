@@ -3,7 +3,6 @@
 #include "core/arranging/DesktopReadings.h"
 #include "core/arranging/DesktopRemoveError.h"
 #include "core/arranging/ReorderPlan.h"
-#include "core/model/SnapshotParser.h"
 #include "core/platform/linux/WindowManagerError.h"
 
 #include <algorithm>
@@ -35,10 +34,6 @@ int movesThatHold(const std::vector<ReorderMove>& moves, std::vector<SpaceID> be
 
 } // namespace
 
-SpaceSnapshot WindowManagerArranger::look() const {
-    return SnapshotParser::parse(windowServer_.managedDisplaySpaces(), loop_.date());
-}
-
 DisplaySpaces WindowManagerArranger::requireDisplay(const SpaceSnapshot& snapshot,
                                                     const DisplayID& display) const {
     const DisplaySpaces* shown = snapshot.spacesOnDisplay(display.uuid);
@@ -48,7 +43,7 @@ DisplaySpaces WindowManagerArranger::requireDisplay(const SpaceSnapshot& snapsho
 }
 
 async::Task<ReorderOutcome> WindowManagerArranger::reorder(DisplayID display, std::vector<SpaceID> desired) {
-    const DisplaySpaces shown = requireDisplay(look(), display);
+    const DisplaySpaces shown = requireDisplay(provider_.snapshot(), display);
     const std::vector<SpaceID> before = DesktopReadings::idsOf(shown);
     const std::vector<SpaceID> wished = ReorderPlan::reconciled(desired, before);
     const std::vector<SpaceID> target = windowManager_->keepable(wished);
@@ -59,7 +54,7 @@ async::Task<ReorderOutcome> WindowManagerArranger::reorder(DisplayID display, st
         if (onProgress) onProgress(fmt::format("Moving desktops in {}", windowManager_->windowManager()));
         outcome.stoppedBecause = co_await arrange(shown.display, target);
         try {
-            outcome.finalOrder = DesktopReadings::idsOf(requireDisplay(look(), display));
+            outcome.finalOrder = DesktopReadings::idsOf(requireDisplay(provider_.snapshot(), display));
         } catch (const Failure& failure) {
             if (!outcome.stoppedBecause) outcome.stoppedBecause = failure.sentence();
         }
@@ -90,7 +85,7 @@ async::Task<std::optional<std::string>> WindowManagerArranger::arrange(DisplayID
 }
 
 async::Task<RemoveOutcome> WindowManagerArranger::remove(std::vector<SpaceID> ids, DisplayID display) {
-    ids = DesktopReadings::removable(ids, requireDisplay(look(), display));
+    ids = DesktopReadings::removable(ids, requireDisplay(provider_.snapshot(), display));
     RemoveOutcome outcome;
     for (const SpaceID id : ids) {
         const std::string name = windowManager_->windowManager();
@@ -108,10 +103,10 @@ async::Task<RemoveOutcome> WindowManagerArranger::remove(std::vector<SpaceID> id
 /// The sentence of why it has not gone, or nothing.
 async::Task<std::optional<std::string>> WindowManagerArranger::removeOne(SpaceID id, DisplayID display) {
     try {
-        const auto heir = heirOf(id, look().userSpaces(display.uuid));
+        const auto heir = heirOf(id, provider_.snapshot().userSpaces(display.uuid));
         if (!heir) co_return DesktopRemoveError(DesktopRemoveError::Case::notOnDisplay).sentence();
         co_await windowManager_->remove(id, *heir);
-        if (DesktopReadings::isRemoved(id, display, look())) co_return std::nullopt;
+        if (DesktopReadings::isRemoved(id, display, provider_.snapshot())) co_return std::nullopt;
     } catch (const Failure& failure) {
         co_return failure.sentence();
     }
@@ -119,10 +114,10 @@ async::Task<std::optional<std::string>> WindowManagerArranger::removeOne(SpaceID
 }
 
 async::Task<std::vector<SpaceID>> WindowManagerArranger::create(DisplayID display) {
-    const SpaceSnapshot before = look();
+    const SpaceSnapshot before = provider_.snapshot();
     const DisplaySpaces shown = requireDisplay(before, display);
     co_await windowManager_->add(shown.display);
-    co_return DesktopReadings::added(before, look(), display);
+    co_return DesktopReadings::added(before, provider_.snapshot(), display);
 }
 
 } // namespace lumnara

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "core/arranging/DesktopArranger.h"
-#include "core/async/Loop.h"
+#include "core/model/SpaceProvider.h"
 #include "core/platform/linux/DesktopArranging.h"
-#include "core/seams/WindowServer.h"
 
 #include <memory>
 #include <string>
@@ -15,11 +14,9 @@ namespace lumnara {
 /// never by what it answered. Desktops and windows that come or go meanwhile are let be.
 class WindowManagerArranger : public DesktopArranger {
 public:
-    /// The loop and the window server must outlive the arranger.
-    WindowManagerArranger(const async::Loop& loop, WindowServer& windowServer,
-                          std::unique_ptr<DesktopArranging> windowManager)
-        : loop_(loop),
-          windowServer_(windowServer),
+    /// The provider must outlive the arranger.
+    WindowManagerArranger(SpaceProvider& provider, std::unique_ptr<DesktopArranging> windowManager)
+        : provider_(provider),
           windowManager_(std::move(windowManager)) {}
 
     std::optional<int> desktopsPerDisplay() const override { return std::nullopt; }
@@ -32,13 +29,11 @@ public:
     async::Task<std::vector<SpaceID>> create(DisplayID display) override;
 
 private:
-    SpaceSnapshot look() const;
     DisplaySpaces requireDisplay(const SpaceSnapshot& snapshot, const DisplayID& display) const;
     async::Task<std::optional<std::string>> removeOne(SpaceID id, DisplayID display);
     async::Task<std::optional<std::string>> arrange(DisplayID display, std::vector<SpaceID> order);
 
-    const async::Loop& loop_;
-    WindowServer& windowServer_;
+    SpaceProvider& provider_;
     std::unique_ptr<DesktopArranging> windowManager_;
 };
 

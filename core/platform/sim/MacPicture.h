@@ -2,8 +2,8 @@
 
 #include "core/async/Driver.h"
 #include "core/model/SpaceSnapshot.h"
+#include "core/platform/mac/server/WindowServer.h"
 #include "core/platform/sim/MissionControlPicture.h"
-#include "core/seams/WindowServer.h"
 
 #include <optional>
 #include <string>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/model/PropertyList.h"
+#include "core/platform/mac/server/PropertyList.h"
+#include "core/platform/mac/server/WindowServer.h"
 #include "core/platform/sim/SimulatedRandom.h"
 #include "core/seams/Screens.h"
-#include "core/seams/WindowServer.h"
 
 #include <cstdint>
 #include <map>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/async/Signal.h"
-#include "core/platform/Platform.h"
+#include "core/platform/mac/MacPlatform.h"
 #include "core/platform/mac/server/WindowServerCalls.h"
 #include "core/platform/sim/SimulatedApps.h"
 #include "core/platform/sim/SimulatedDock.h"
@@ -47,6 +47,8 @@ public:
     SimulatedMac(async::Loop& loop, SimulatedMacOptions options = {});
 
     /// The seams over this Mac. The calls of the window server are looked up here, once.
+    MacSeams seams();
+    /// The whole platform on such seams.
     Platform platform();
     WindowServerCalls calls();
 

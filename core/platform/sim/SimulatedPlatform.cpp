@@ -1,7 +1,4 @@
-#include "core/platform/mac/missioncontrol/DockMissionControlDriver.h"
-#include "core/platform/mac/missioncontrol/MissionControlArranger.h"
 #include "core/platform/mac/server/DisplayHelpers.h"
-#include "core/platform/mac/server/LiveSpaceProvider.h"
 #include "core/platform/mac/server/PrivateAPI.h"
 #include "core/platform/sim/SimulatedAccessibility.h"
 
@@ -58,9 +55,9 @@ private:
     SimulatedMac& mac_;
 };
 
-class SimulatedSessionProbe : public SessionProbe {
+class SimulatedSessionOfUser : public MacSession {
 public:
-    explicit SimulatedSessionProbe(const SimulatedMac& mac) : mac_(mac) {}
+    explicit SimulatedSessionOfUser(const SimulatedMac& mac) : mac_(mac) {}
     std::optional<PropertyDictionary> currentDictionary() override { return mac_.sessionDictionary(); }
 
 private:
@@ -125,34 +122,22 @@ private:
     SimulatedMac& mac_;
 };
 
-/// What the arranger works with.
-struct ArrangerTools {
-    LiveSpaceProvider provider;
-    DockMissionControlDriver driver;
-};
-
-class SimulatedArranger : private ArrangerTools, public MissionControlArranger {
-public:
-    SimulatedArranger(const async::Loop& loop, Platform& platform)
-        : ArrangerTools{{loop, *platform.windowServer, *platform.screens, platform.workspace.get()},
-                        DockMissionControlDriver(MissionControlSeams::of(platform))},
-          MissionControlArranger(driver, driver, provider) {}
-};
-
 } // namespace
 
+MacSeams SimulatedMac::seams() {
+    return {.windowServer = std::make_unique<PrivateAPI>(calls()),
+            .screens = std::make_unique<SimulatedScreens>(*this),
+            .workspace = std::make_unique<SimulatedWorkspace>(*this),
+            .eventServices = std::make_unique<SimulatedEventServices>(*this),
+            .accessibility = std::make_unique<SimulatedAccessibility>(*this),
+            .ownApplication = std::make_unique<SimulatedOwnApplication>(*this),
+            .session = std::make_unique<SimulatedSessionOfUser>(*this),
+            .preferences = std::make_unique<SimulatedPreferences>(*this)};
+}
+
 Platform SimulatedMac::platform() {
-    Platform platform;
+    Platform platform = macPlatform(loop_, seams());
     platform.name = "simulated";
-    platform.windowServer = std::make_unique<PrivateAPI>(calls());
-    platform.screens = std::make_unique<SimulatedScreens>(*this);
-    platform.workspace = std::make_unique<SimulatedWorkspace>(*this);
-    platform.eventServices = std::make_unique<SimulatedEventServices>(*this);
-    platform.accessibility = std::make_unique<SimulatedAccessibility>(*this);
-    platform.ownApplication = std::make_unique<SimulatedOwnApplication>(*this);
-    platform.sessionProbe = std::make_unique<SimulatedSessionProbe>(*this);
-    platform.preferences = std::make_unique<SimulatedPreferences>(*this);
-    platform.arranger = std::make_unique<SimulatedArranger>(loop_, platform);
     return platform;
 }
 

@@ -11,9 +11,8 @@ namespace {
 /// Says what the test says of the login session.
 class ScriptedProbe : public SessionProbe {
 public:
-    std::optional<PropertyDictionary> currentDictionary() override {
-        return PropertyDictionary{{"CGSSessionScreenIsLocked", isLocked}};
-    }
+    bool isScreenLocked() override { return isLocked; }
+    bool isOnConsole() override { return true; }
     bool isLocked = false;
 };
 

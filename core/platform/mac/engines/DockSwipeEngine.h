@@ -4,7 +4,7 @@
 #include "core/seams/Accessibility.h"
 #include "core/seams/EventServices.h"
 #include "core/seams/Screens.h"
-#include "core/switching/SpaceSwitching.h"
+#include "core/switching/GestureSwitching.h"
 #include "core/switching/SwitchVerifier.h"
 
 #include <optional>
@@ -39,7 +39,7 @@ struct SwipePlan {
 /// Switches with the gesture of a trackpad swipe, so quick that the Dock lands on the neighbouring Space
 /// without animating. The Dock moves the display under the pointer, so the pointer goes there and back.
 /// Main thread.
-class DockSwipeEngine : public SpaceSwitching {
+class DockSwipeEngine : public GestureSwitching {
 public:
     /// All must outlive the engine.
     DockSwipeEngine(SpaceProvider& provider, Accessibility& accessibility, EventServices& events,
@@ -53,6 +53,8 @@ public:
     DockSwipeConfig config;
 
     EngineKind kind() const override { return EngineKind::dockSwipe; }
+    void setVelocity(double velocity) override { config.velocity = velocity; }
+    void setRestoresCursor(bool restores) override { config.restoreCursor = restores; }
 
     /// Throws SwitchError targetNotInSnapshot, alreadyThere, accessibilityDenied and notLanded, and
     /// Cancelled. However it ends, the pointer is back where it was.

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "core/model/SpaceProvider.h"
-#include "core/seams/OwnApplication.h"
+#include "core/platform/mac/server/OwnApplication.h"
+#include "core/platform/mac/server/WindowServer.h"
 #include "core/seams/Screens.h"
-#include "core/seams/WindowServer.h"
 #include "core/seams/Workspace.h"
 #include "core/switching/HelperWindowSwitching.h"
 #include "core/switching/SwitchVerifier.h"

@@ -1,22 +1,14 @@
 #include "core/platform/mac/engines/SessionState.h"
 
 #include "core/platform/mac/server/ListedWindow.h"
+#include "core/switching/SpaceSwitcher.h"
 
 #include <algorithm>
-#include <string_view>
-#include <variant>
 #include <vector>
 
 namespace lumnara {
 
 namespace {
-
-std::optional<bool> sessionFlag(SessionProbe& session, std::string_view key) {
-    const auto dictionary = session.currentDictionary();
-    const PropertyValue* value = dictionary ? dictionary->find(key) : nullptr;
-    const bool* flag = value ? std::get_if<bool>(&value->storage()) : nullptr;
-    return flag ? std::optional(*flag) : std::nullopt;
-}
 
 /// The layers of the Dock's windows on the screen.
 std::vector<std::int64_t> dockLayers(WindowServer& windowServer) {
@@ -35,14 +27,6 @@ constexpr std::int64_t dockLayer = 20;
 
 } // namespace
 
-bool SessionState::isScreenLocked(SessionProbe& session) {
-    return sessionFlag(session, "CGSSessionScreenIsLocked").value_or(false);
-}
-
-bool SessionState::isOnConsole(SessionProbe& session) {
-    return sessionFlag(session, "kCGSSessionOnConsoleKey").value_or(true);
-}
-
 bool SessionState::isMissionControlVisible(WindowServer& windowServer) {
     const auto layers = dockLayers(windowServer);
     const auto overlays = std::ranges::count(layers, missionControlLayer);
@@ -56,10 +40,8 @@ bool SessionState::dockOverlayVisible(WindowServer& windowServer) {
 }
 
 std::optional<SwitchError> SessionState::blockingReason(SessionProbe& session, WindowServer& windowServer) {
-    using Case = SwitchError::Case;
-    if (isScreenLocked(session)) return SwitchError(Case::screenLocked);
-    if (!isOnConsole(session)) return SwitchError(Case::sessionNotOnConsole);
-    if (isMissionControlVisible(windowServer)) return SwitchError(Case::missionControlActive);
+    if (const auto reason = blockingReasonOf(session)) return reason;
+    if (isMissionControlVisible(windowServer)) return SwitchError(SwitchError::Case::missionControlActive);
     return std::nullopt;
 }
 

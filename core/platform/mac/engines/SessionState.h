@@ -1,18 +1,13 @@
 #pragma once
 
+#include "core/platform/mac/server/WindowServer.h"
 #include "core/seams/SessionProbe.h"
-#include "core/seams/WindowServer.h"
 #include "core/switching/SwitchError.h"
 
 #include <optional>
 
 /// What of the session makes every switch pointless, read afresh at each call.
 namespace lumnara::SessionState {
-
-/// Only when the session says so.
-bool isScreenLocked(SessionProbe& session);
-/// Unless the session says otherwise.
-bool isOnConsole(SessionProbe& session);
 
 /// By the Dock's windows on the screen: there are some of layer 18, and fewer than of layer 20.
 bool isMissionControlVisible(WindowServer& windowServer);

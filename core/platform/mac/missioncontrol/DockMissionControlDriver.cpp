@@ -31,11 +31,6 @@ std::optional<bool> truthOf(const PropertyValue& value) {
 
 } // namespace
 
-MissionControlSeams MissionControlSeams::of(Platform& platform) {
-    return {*platform.accessibility, *platform.eventServices, *platform.preferences, *platform.screens,
-            *platform.sessionProbe,  *platform.windowServer,  *platform.workspace};
-}
-
 bool DockMissionControlDriver::mruSpacesEnabled() {
     const auto value = seams_.preferences.value("mru-spaces", "com.apple.dock");
     return !value || truthOf(*value).value_or(true);

@@ -1,9 +1,15 @@
 #pragma once
 
-#include "core/platform/Platform.h"
 #include "core/platform/mac/missioncontrol/DesktopAdding.h"
 #include "core/platform/mac/missioncontrol/DockTree.h"
 #include "core/platform/mac/missioncontrol/MissionControlDriving.h"
+#include "core/platform/mac/server/Preferences.h"
+#include "core/platform/mac/server/WindowServer.h"
+#include "core/seams/Accessibility.h"
+#include "core/seams/EventServices.h"
+#include "core/seams/Screens.h"
+#include "core/seams/SessionProbe.h"
+#include "core/seams/Workspace.h"
 
 #include <optional>
 #include <string>
@@ -19,9 +25,6 @@ struct MissionControlSeams {
     SessionProbe& session;
     WindowServer& windowServer;
     Workspace& workspace;
-
-    /// Those of a platform that has them all.
-    static MissionControlSeams of(Platform& platform);
 };
 
 /// Mission Control as the Dock shows it: read and pressed through the Dock's elements, moved about in by

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/model/SpaceSnapshot.h"
-#include "core/seams/WindowServer.h"
+#include "core/platform/mac/server/WindowServer.h"
 #include "core/seams/Workspace.h"
 
 namespace lumnara::FullscreenOwnerResolver {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/model/Geometry.h"
-#include "core/model/PropertyList.h"
+#include "core/platform/mac/server/PropertyList.h"
 
 #include <cstdint>
 #include <optional>

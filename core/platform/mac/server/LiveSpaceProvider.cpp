@@ -1,8 +1,8 @@
 #include "core/platform/mac/server/LiveSpaceProvider.h"
 
-#include "core/model/SnapshotParser.h"
 #include "core/platform/mac/server/DisplayHelpers.h"
 #include "core/platform/mac/server/FullscreenOwnerResolver.h"
+#include "core/platform/mac/server/SnapshotParser.h"
 #include "core/text/Text.h"
 
 #include <algorithm>

@@ -2,8 +2,8 @@
 
 #include "core/async/Loop.h"
 #include "core/model/SpaceProvider.h"
+#include "core/platform/mac/server/WindowServer.h"
 #include "core/seams/Screens.h"
-#include "core/seams/WindowServer.h"
 #include "core/seams/Workspace.h"
 
 namespace lumnara {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/model/Geometry.h"
-#include "core/model/PropertyList.h"
-#include "core/seams/WindowServer.h"
+#include "core/platform/mac/server/PropertyList.h"
+#include "core/platform/mac/server/WindowServer.h"
 
 #include <cstdint>
 #include <functional>
