@@ -81,7 +81,7 @@ TEST_F(SimulatedFaultsTest, WithoutThePermissionEventsDoNothing) {
 TEST_F(SimulatedFaultsTest, AMissingSymbolIsMissedByWhoLooksItUpLater) {
     mac.removeSymbol("CGSCopyManagedDisplaySpaces");
     EXPECT_NO_THROW(seams.windowServer->managedDisplaySpaces());
-    const auto without = mac.platform();
+    const auto without = mac.seams();
     EXPECT_THROW(without.windowServer->managedDisplaySpaces(), SpaceKitError);
     EXPECT_EQ(without.windowServer->isAnimating({"LEFT"}), false) << "the others are there";
 

@@ -20,6 +20,13 @@ MAY_TELL_TIME = ("core/async/", "app/qt/QtDriver", "bench/", "tests/", "fuzz/", 
 MAY_USE_QT = ("app/qt/", "app/main.cpp", "tests/qt/")
 MAY_USE_WAYLAND = ("app/qt/", "core/platform/i3sway/SwayIdleSource")
 MAY_USE_XCB = ("core/platform/x11/", "core/platform/ewmh/", "tests/", "bench/", "tools/")
+LINUX_ROOMS = {"linux", "i3sway", "x11", "ewmh"}
+MAC_ROOMS = {"mac", "sim"}
+# What the shell may know of platforms: what every platform hands over. The window that shows the simulated Mac
+# knows that too, and the program's start what all of Linux shares and who chooses.
+SHELL_MAY_USE = {"platform"}
+SIMULATION_WINDOW = "qtsim"
+START_MAY_USE = {"choose", "linux"}
 
 
 def rooms():
@@ -59,6 +66,21 @@ def room_of(path, found):
     return best
 
 
+def check_rooms(found, allowed, report):
+    """Platforms are known by those alone who have to name one."""
+    platforms = {name for name, (folder, _) in found.items() if folder.startswith("core/platform")}
+    for room, (folder, _) in found.items():
+        known = (allowed[room] & platforms) - {room}
+        if room in platforms:
+            known = known & MAC_ROOMS if room in LINUX_ROOMS else known & LINUX_ROOMS if room in MAC_ROOMS else set()
+        elif folder.startswith("app"):
+            known -= SHELL_MAY_USE | (MAC_ROOMS if room == SIMULATION_WINDOW else set())
+        elif not folder.startswith("core/"):
+            continue
+        for other in sorted(known):
+            report(f"CMakeLists.txt: room {room} may not use room {other}")
+
+
 def check_file(path, found, allowed, report):
     text = (ROOT / path).read_text(errors="replace")
     production = path.startswith(("core/", "app/"))
@@ -71,6 +93,8 @@ def check_file(path, found, allowed, report):
             other = room_of(target, found) if bracket == '"' else None
             if room and other and other not in allowed[room]:
                 report(where + f"room {room} may not include room {other} ({target})")
+            if path == "app/main.cpp" and target.startswith("core/platform/") and other not in START_MAY_USE:
+                report(where + f"the start doesn't know room {other} ({target})")
             if production and target.startswith("tests/"):
                 report(where + "the product includes a test")
             if re.match(r"Q[A-Z]|Qt[A-Z]|qpa/", target) and not path.startswith(MAY_USE_QT):
@@ -93,6 +117,7 @@ def main():
         ["git", "ls-files", "-co", "--exclude-standard", "*.h", "*.cpp"], cwd=ROOT, capture_output=True, text=True, check=True
     ).stdout.split()
     problems = []
+    check_rooms(found, allowed, problems.append)
     for path in sorted(listed):
         if (ROOT / path).is_file():
             check_file(path, found, allowed, problems.append)
