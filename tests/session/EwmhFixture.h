@@ -1,11 +1,18 @@
 #pragma once
 
+#include "core/arranging/DesktopArranger.h"
 #include "core/async/PollLoop.h"
 #include "core/async/Task.h"
+#include "core/model/SpaceProvider.h"
 #include "core/platform/choose/ChoosePlatform.h"
 #include "core/platform/choose/X11Session.h"
 #include "core/platform/ewmh/EwmhPlatform.h"
 #include "core/platform/linux/WindowManagerError.h"
+#include "core/seams/DesktopNamePublisher.h"
+#include "core/seams/GlobalShortcuts.h"
+#include "core/seams/Screens.h"
+#include "core/seams/SpaceActivator.h"
+#include "core/seams/Workspace.h"
 #include "tests/session/Session.h"
 
 #include <functional>

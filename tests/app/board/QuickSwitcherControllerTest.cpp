@@ -1,4 +1,5 @@
 #include "app/board/QuickSwitcherController.h"
+#include "core/arranging/DesktopArranger.h"
 
 #include "tests/app/ScriptedSession.h"
 

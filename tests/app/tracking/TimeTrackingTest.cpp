@@ -1,3 +1,5 @@
+#include "core/seams/IdleSource.h"
+#include "core/seams/SessionProbe.h"
 #include "tests/app/ScriptedSession.h"
 
 #include "core/base/Files.h"
