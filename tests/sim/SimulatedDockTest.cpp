@@ -48,7 +48,7 @@ TEST_F(SimulatedDockTest, ASwipeThatMakesItsWayAnimatesHoweverQuick) {
         post(event);
     }
     loop.advance(0.05);
-    EXPECT_EQ(platform.windowServer->isAnimating({"LEFT"}), true);
+    EXPECT_EQ(seams.windowServer->isAnimating({"LEFT"}), true);
 }
 
 TEST_F(SimulatedDockTest, ASlowSwipeAnimatesAndAVerySlowOneSpringsBack) {
@@ -101,7 +101,7 @@ TEST_F(SimulatedDockTest, ASwipeHasABeginningAMiddleAndAnEnd) {
 
 TEST_F(SimulatedDockTest, EventsWithoutTrustOrUserAreIgnored) {
     for (const std::int64_t phase : {1, 2, 4})
-        platform.eventServices->post(swipeEvent(phase, 2000), EventTap::hid);
+        seams.eventServices->post(swipeEvent(phase, 2000), EventTap::hid);
     loop.runUntilDone();
     EXPECT_EQ(shownAt("LEFT"), 0u) << "the wrong way in";
     for (bool* state : {&mac.isTrusted, &mac.isOnConsole}) {

@@ -139,7 +139,7 @@ TEST_F(SimulatedMissionControlTest, TakesFromProgramsOnlyWhatReadsAsTheMousesOwn
     const auto hardware = EventSourceState::hidSystem;
     const auto comesThrough = [&](SyntheticEvent event, EventTap tap = EventTap::hid) {
         mac.warpPointer({});
-        platform.eventServices->post(event, tap);
+        seams.eventServices->post(event, tap);
         return mac.pointer().position() == Point{9, 9};
     };
     for (const MouseEventType type : {leftDown, leftDragged, leftUp, moved}) {
