@@ -42,7 +42,7 @@ protected:
         setup.identify = SwayScreens::identity;
         session = std::make_unique<IpcSession>(loop, std::move(setup));
         screens = std::make_unique<SwayScreens>(*session);
-        provider = std::make_unique<IpcSpaceProvider>(loop, *session, *screens, SwayScreens::of);
+        provider = std::make_unique<IpcSpaceProvider>(loop, *session, *screens);
     }
     ~IpcSessionTest() override {
         session.reset();

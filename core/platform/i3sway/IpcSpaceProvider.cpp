@@ -3,6 +3,8 @@
 #include "core/model/SpaceKitError.h"
 #include "core/text/Text.h"
 
+#include <vector>
+
 namespace lumnara {
 
 namespace {
@@ -17,7 +19,7 @@ std::optional<std::string> nameAmong(const std::vector<ScreenInfo>& screens, con
 
 SpaceSnapshot IpcSpaceProvider::snapshot() {
     const std::vector<IpcSession::Display> displays = session_.read();
-    const std::vector<ScreenInfo> screens = screensOf_(displays);
+    const std::vector<ScreenInfo> screens = screens_.screens();
     SpaceSnapshot snapshot;
     snapshot.takenAt = loop_.date();
     for (const IpcSession::Display& display : displays) {

@@ -4,10 +4,6 @@
 #include "core/platform/i3sway/IpcSession.h"
 #include "core/seams/Screens.h"
 
-#include <functional>
-#include <utility>
-#include <vector>
-
 namespace lumnara {
 
 /// The desktops of i3 or sway. A desktop whose workspace is gone stands in the list all the same; a display
@@ -15,15 +11,11 @@ namespace lumnara {
 /// animates.
 class IpcSpaceProvider : public SpaceProvider {
 public:
-    /// The screens that stand behind displays that have just been read.
-    using ScreensOf = std::function<std::vector<ScreenInfo>(const std::vector<IpcSession::Display>&)>;
-
     /// All outlive the provider.
-    IpcSpaceProvider(const async::Loop& loop, IpcSession& session, Screens& screens, ScreensOf screensOf)
+    IpcSpaceProvider(const async::Loop& loop, IpcSession& session, Screens& screens)
         : loop_(loop),
           session_(session),
-          screens_(screens),
-          screensOf_(std::move(screensOf)) {}
+          screens_(screens) {}
 
     /// Throws WindowManagerError, and SpaceKitError::enumerationFailed while no display shows anything.
     SpaceSnapshot snapshot() override;
@@ -39,7 +31,6 @@ private:
     const async::Loop& loop_;
     IpcSession& session_;
     Screens& screens_;
-    ScreensOf screensOf_;
 };
 
 } // namespace lumnara

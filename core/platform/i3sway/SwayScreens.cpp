@@ -17,14 +17,8 @@ std::string nameOf(const IpcOutputReply& output) {
 } // namespace
 
 std::vector<ScreenInfo> SwayScreens::screens() try {
-    return of(session_.displays());
-} catch (const WindowManagerError&) {
-    return {};
-}
-
-std::vector<ScreenInfo> SwayScreens::of(const std::vector<IpcSession::Display>& displays) {
     std::vector<ScreenInfo> screens;
-    for (const IpcSession::Display& display : displays) {
+    for (const IpcSession::Display& display : session_.displays()) {
         screens.push_back({.uuid = display.uuid,
                            .connector = display.output.name,
                            .name = nameOf(display.output),
@@ -33,6 +27,8 @@ std::vector<ScreenInfo> SwayScreens::of(const std::vector<IpcSession::Display>& 
                            .isBuiltIn = isPanelConnector(display.output.name)});
     }
     return distinctlyNamed(std::move(screens));
+} catch (const WindowManagerError&) {
+    return {};
 }
 
 std::optional<std::string> SwayScreens::displayUnderPointer() try {

@@ -15,8 +15,6 @@ public:
     std::optional<Point> pointer() override { return std::nullopt; }
     std::optional<std::string> displayUnderPointer() override;
 
-    /// The screens of displays that have been read.
-    static std::vector<ScreenInfo> of(const std::vector<IpcSession::Display>& displays);
     /// The identity of an output: maker, model and serial number, as sway's own configuration names it; the
     /// connector when the monitor tells no serial number, since two of a kind would be one.
     static std::string identity(const IpcOutputReply& output);

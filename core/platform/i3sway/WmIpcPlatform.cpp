@@ -20,13 +20,12 @@ namespace {
 
 constexpr const char* registryFileName = "workspaces.json";
 
-Platform platformOn(async::Loop& loop, std::shared_ptr<IpcSession> session, std::unique_ptr<Screens> screens,
-                    IpcSpaceProvider::ScreensOf screensOf) {
+Platform platformOn(async::Loop& loop, std::shared_ptr<IpcSession> session,
+                    std::unique_ptr<Screens> screens) {
     Platform platform;
     platform.name = session->ipc().windowManager();
     platform.screens = std::move(screens);
-    platform.spaceProvider =
-        std::make_unique<IpcSpaceProvider>(loop, *session, *platform.screens, std::move(screensOf));
+    platform.spaceProvider = std::make_unique<IpcSpaceProvider>(loop, *session, *platform.screens);
     platform.workspace = std::make_unique<IpcWorkspace>(*session);
     platform.spaceActivator = std::make_unique<IpcSpaceActivator>(*session);
     platform.windowManagerEngine =
@@ -55,7 +54,7 @@ Platform swayPlatform(async::Loop& loop, const Environment& environment,
     setup.registryFile = folder / registryFileName;
     setup.identify = SwayScreens::identity;
     const auto session = std::make_shared<IpcSession>(loop, std::move(setup));
-    Platform platform = platformOn(loop, session, std::make_unique<SwayScreens>(*session), SwayScreens::of);
+    Platform platform = platformOn(loop, session, std::make_unique<SwayScreens>(*session));
     platform.globalShortcuts = std::make_unique<SwayShortcuts>(*session);
     platform.idleSource = SwayIdleSource::connect(loop, environment);
     return platform;
@@ -76,9 +75,7 @@ Platform i3Platform(async::Loop& loop, const Environment& environment, const std
     setup.identify = [identify = std::move(identify)](const IpcOutputReply& output) {
         return identify(output.name);
     };
-    const auto screensOf = [&screens = *screens](const auto&) { return screens.screens(); };
-    return platformOn(loop, std::make_shared<IpcSession>(loop, std::move(setup)), std::move(screens),
-                      screensOf);
+    return platformOn(loop, std::make_shared<IpcSession>(loop, std::move(setup)), std::move(screens));
 }
 
 } // namespace lumnara
