@@ -9,7 +9,7 @@ namespace {
 
 using testing::desktop;
 using testing::finish;
-using testing::noteOutcome;
+using testing::noteEnd;
 using testing::Outcome;
 using testing::ScriptedProvider;
 using testing::twoDisplays;
@@ -78,7 +78,7 @@ TEST_F(WindowManagerEngineTest, LandsWithinTheTurnOfTheAnswerByOneRead) {
     const DisplayID display{"D1"};
     const SpaceSnapshot snapshot = twoDisplays(loop.date());
     Outcome outcome;
-    const auto handle = async::spawn(loop, noteOutcome(engine.switchTo(target, display, snapshot), outcome));
+    const auto handle = async::spawn(loop, noteEnd(engine.switchTo(target, display, snapshot), outcome));
     loop.turn();
     ASSERT_TRUE(outcome.result);
     EXPECT_EQ(*outcome.result, (SwitchResult{true, EngineKind::windowManager, 1, 0}));
@@ -121,7 +121,7 @@ TEST_F(WindowManagerEngineTest, ALateLandingIsFoundByPolling) {
     const DisplayID display{"D1"};
     const SpaceSnapshot snapshot = twoDisplays(loop.date());
     Outcome outcome;
-    const auto handle = async::spawn(loop, noteOutcome(engine.switchTo(target, display, snapshot), outcome));
+    const auto handle = async::spawn(loop, noteEnd(engine.switchTo(target, display, snapshot), outcome));
     loop.advance(0.03);
     provider.show("D1", 2);
     loop.runUntilDone();
@@ -171,7 +171,7 @@ TEST_F(WindowManagerEngineTest, ACancelledSwitchAsksNoSecondTime) {
     const DisplayID display{"D1"};
     const SpaceSnapshot snapshot = twoDisplays(loop.date());
     Outcome outcome;
-    auto handle = async::spawn(loop, noteOutcome(engine.switchTo(target, display, snapshot), outcome));
+    auto handle = async::spawn(loop, noteEnd(engine.switchTo(target, display, snapshot), outcome));
     loop.advance(0.1);
     handle.cancel();
     loop.runUntilDone();

@@ -26,7 +26,7 @@ TEST(DesktopCreator, PressesTheButtonOfTheDisplay) {
     at.driver.onStep = [&](const std::string& step) { steps.push_back(step); };
     const auto ended = at.create();
     ASSERT_EQ(at.order().size(), 16u);
-    EXPECT_EQ(ended.value, std::vector{at.mac.layout().display("LEFT")->spaces.back().id});
+    EXPECT_EQ(ended.result, std::vector{at.mac.layout().display("LEFT")->spaces.back().id});
     EXPECT_EQ(steps, Strings({"  0.00 s  open Mission Control", "  0.70 s  move to (1504, 60)",
                               "  1.30 s  add button pressed", "  1.30 s  Escape",
                               "  1.90 s  pointer put back to (400, 600)"}));
@@ -45,7 +45,7 @@ TEST(DesktopCreator, FindsTheButtonByItsDescription) {
     };
     DesktopCreator creator(at.driver, at.driver);
     const Rect right = at.mac.layout().screens()[1].frame;
-    EXPECT_TRUE(finish(at.loop, creator.create(right, std::nullopt, 4)).value);
+    EXPECT_TRUE(finish(at.loop, creator.create(right, std::nullopt, 4)).result);
     EXPECT_EQ(at.order("RIGHT"), (Numbers{11, 12, 13, 14, 0}));
     EXPECT_EQ(lines.take(),
               Strings({"Lumnara new desktop: 4 on display, opening Mission Control",
@@ -85,7 +85,7 @@ TEST(DesktopCreator, TellsOnlyDesktopsThatCanBeSeen) {
     testing::LogLines lines;
     Arranging at;
     at.mac.stage().freezeReadings(30);
-    EXPECT_EQ(at.create().value, std::vector<SpaceID>());
+    EXPECT_EQ(at.create().result, std::vector<SpaceID>());
     at.driver.onCall = [&] { at.provider.failures = at.driver.escapes - 1; };
     EXPECT_TRUE(at.create().failedWith(SpaceKitError::enumerationFailed()));
     EXPECT_EQ(at.order(), (Numbers{1, 2, 3, 4, 0, 0}));

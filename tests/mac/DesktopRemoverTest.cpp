@@ -26,14 +26,14 @@ SpaceID addFullscreen(Arranging& at) {
 TEST(DesktopRemover, RemovesWhatIsAskedForAndNothingElse) {
     Arranging at;
     addFullscreen(at);
-    EXPECT_EQ(at.remove({4, 1, 4, 3}, "left").value, (RemoveOutcome{at.ids({4, 1, 3}), std::nullopt}));
+    EXPECT_EQ(at.remove({4, 1, 4, 3}, "left").result, (RemoveOutcome{at.ids({4, 1, 3}), std::nullopt}));
     EXPECT_EQ(at.order(), (Numbers{0, 2}));
     EXPECT_EQ(at.order("RIGHT"), (Numbers{11, 12, 13, 14}));
     EXPECT_EQ(at.said, Strings({"Opening Mission Control", "Removing desktops in Mission Control (1/3)",
                                 "Removing desktops in Mission Control (2/3)",
                                 "Removing desktops in Mission Control (3/3)"}));
     at.expectLeft();
-    EXPECT_EQ(at.remove({13}, "RIGHT").value, (RemoveOutcome{at.ids({13}), std::nullopt}));
+    EXPECT_EQ(at.remove({13}, "RIGHT").result, (RemoveOutcome{at.ids({13}), std::nullopt}));
     EXPECT_EQ(at.said.back(), "Removing the desktop in Mission Control");
 }
 
@@ -45,7 +45,7 @@ TEST(DesktopRemover, RefusesBeforeAnythingIsTouched) {
     EXPECT_TRUE(testing::finish(at.loop, at.arranger.remove({at.id(1), fullscreen}, {"LEFT"}))
                     .failedWith(DesktopRemoveError(Case::notAUserDesktop)));
     EXPECT_TRUE(at.remove({1, 2, 3, 4}).failedWith(DesktopRemoveError(Case::lastOnDisplay)));
-    EXPECT_EQ(at.remove({}).value, RemoveOutcome());
+    EXPECT_EQ(at.remove({}).result, RemoveOutcome());
     at.mac.setPreference("mru-spaces", "com.apple.dock", true);
     EXPECT_TRUE(at.remove({99}).failedWith(SpaceReorderError(SpaceReorderError::Case::mruSpacesOn)));
     at.expectUntouched();
@@ -57,7 +57,7 @@ void expectStop(const char* what, const Numbers& wish, const Arranging::Mishap& 
     SCOPED_TRACE(what);
     Arranging at;
     mishap(at);
-    EXPECT_EQ(at.remove(wish).value, (RemoveOutcome{at.ids(removed), because}));
+    EXPECT_EQ(at.remove(wish).result, (RemoveOutcome{at.ids(removed), because}));
     at.expectLeft();
     for (const int number : {1, 2, 3, 4})
         EXPECT_EQ(at.mac.layout().displayOf(at.id(number)) == nullptr,
@@ -134,7 +134,7 @@ TEST(DesktopRemover, StopsWhenItIsNotSureAndKeepsCountOfWhatWent) {
 
     Arranging at; // and nobody can tell whether it went
     asked(1, fail)(at);
-    EXPECT_EQ(at.remove({2}).value, (RemoveOutcome{{}, notRemoved}));
+    EXPECT_EQ(at.remove({2}).result, (RemoveOutcome{{}, notRemoved}));
     at.expectLeft();
 }
 

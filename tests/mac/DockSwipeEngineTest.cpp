@@ -1,74 +1,64 @@
 #include "core/platform/mac/engines/DockSwipeEngine.h"
 
 #include "core/platform/mac/engines/GestureFields.h"
-#include "tests/support/ScriptedSeams.h"
-#include "tests/switching/SwitchingTest.h"
-
-#include <array>
-#include <set>
+#include "tests/simruns/SwitchingSession.h"
 
 namespace lumnara {
 namespace {
 
-using testing::desktop;
-using testing::finish;
-using testing::noteOutcome;
 using testing::Outcome;
-using testing::ScriptedProvider;
-using testing::twoDisplays;
 using Case = SwitchError::Case;
 using Points = std::vector<Point>;
 
-class DockSwipeEngineTest : public ::testing::Test {
+/// "LEFT" and "RIGHT" show the first of their three desktops, and the pointer is on "LEFT".
+class DockSwipeEngineTest : public ::testing::Test, protected testing::SwitchingSession {
 protected:
-    DockSwipeEngineTest() { provider.cursor = DisplayID{"D1"}; }
-
-    Outcome switchTo(std::uint64_t space, const char* on = "D1") {
-        const Space target = desktop(space);
-        const DisplayID display{on};
-        const SpaceSnapshot snapshot = provider.current;
-        return finish(loop, engine.switchTo(target, display, snapshot));
+    Outcome swipeTo(const char* display, std::size_t index) {
+        return switchBy(dockSwipe, desktopAt(display, index), display);
     }
-    /// Obeys each swipe of which the number is named, counted from 1.
-    void obey(std::set<std::size_t> swipes) {
-        events.onPost = [this, swipes] {
-            const std::size_t number = events.posted.size() / 3;
-            if (events.posted.size() % 3 != 0 || !swipes.contains(number)) return;
-            DisplaySpaces& shown = provider.current.displays[0];
-            const auto step = GestureFields::of(events.posted.back()).velocityX > 0 ? 1 : -1;
-            shown.currentID.raw += static_cast<std::uint64_t>(step);
-        };
+    /// From now on.
+    void loseEachSwipe() {
+        events.onPost = [this] { mac.inject(SimulatedFault::gestureLost); };
     }
-
-    async::TestLoop loop;
-    ScriptedProvider provider{twoDisplays()};
-    testing::ScriptedTrust trust;
-    testing::RecordingEvents events;
-    testing::TwoScreens screens;
-    DockSwipeEngine engine{provider, trust, events, screens};
+    Points warpsOf(const char* display, Point pointer = {10, 10}) {
+        mac.pointer().moveTo(pointer);
+        events.forget();
+        EXPECT_EQ(swipeTo(display, 1).switchError(), SwitchError::notLanded(3));
+        EXPECT_EQ(events.posted.size(), 9u);
+        return events.warps;
+    }
 };
 
 TEST_F(DockSwipeEngineTest, PostsThreeEventsAStepWithTheSpeedOfTheWholeJump) {
-    obey({1, 2});
-    const Outcome outcome = switchTo(3);
-    ASSERT_TRUE(outcome.result);
-    EXPECT_EQ(*outcome.result, (SwitchResult{true, EngineKind::dockSwipe, 1, 0.12}));
+    EXPECT_EQ(swipeTo("LEFT", 2).result, (SwitchResult{true, EngineKind::dockSwipe, 1, 0.12}));
     std::vector<SyntheticEvent> expected;
     for (int step = 0; step < 2; ++step)
         for (const GesturePhase phase : {GesturePhase::began, GesturePhase::changed, GesturePhase::ended})
             expected.push_back(GestureFields::dockSwipe(phase, 1, 4000));
     EXPECT_EQ(events.posted, expected);
+    EXPECT_EQ(GestureFields::of(events.posted[5]), (GestureFields{30, 23, 4, 1, 0x1p-149, 4000, 4000}));
+
+    events.forget();
+    EXPECT_TRUE(swipeTo("LEFT", 1).result);
+    using Field = SyntheticEvent::Field;
+    EXPECT_EQ(events.posted.at(1).fields, (std::vector<Field>{{55, std::int64_t{30}},
+                                                              {110, std::int64_t{23}},
+                                                              {132, std::int64_t{2}},
+                                                              {124, -0x1p-149},
+                                                              {123, std::int64_t{1}},
+                                                              {129, -2000.0},
+                                                              {130, -2000.0}}));
     EXPECT_TRUE(events.warps.empty());
 
-    events.posted.clear();
-    obey({1});
-    EXPECT_TRUE(switchTo(2).result);
+    events.forget();
+    dockSwipe.config.positiveIsHigherIndex = mac.dock().positiveIsHigherIndex = false;
+    EXPECT_EQ(swipeTo("LEFT", 2).result->attempts, 1);
+    EXPECT_EQ(events.posted.at(0), GestureFields::dockSwipe(GesturePhase::began, -1, 2000));
     EXPECT_EQ(events.posted.size(), 3u);
-    EXPECT_EQ(GestureFields::of(events.posted[0]).velocityX, -2000);
 }
 
 TEST_F(DockSwipeEngineTest, PlansByTheOrderOfTheDisplay) {
-    const SpaceSnapshot snapshot = twoDisplays();
+    SpaceSnapshot snapshot = testing::twoDisplays();
     const auto plan = [&](const char* display, std::uint64_t target) {
         return DockSwipeEngine::plan(snapshot, {display}, {target});
     };
@@ -76,151 +66,99 @@ TEST_F(DockSwipeEngineTest, PlansByTheOrderOfTheDisplay) {
     EXPECT_EQ(plan("D1", 1), (SwipePlan{0, false}));
     EXPECT_EQ(plan("D1", 5), (SwipePlan{0, false})) << "it is on the other display";
     EXPECT_EQ(plan("gone", 1), std::nullopt);
-    SpaceSnapshot elsewhere = snapshot;
-    elsewhere.displays[0].currentID = {99};
-    EXPECT_EQ(DockSwipeEngine::plan(elsewhere, {"D1"}, {1}), std::nullopt);
-    elsewhere.displays[0].currentID = {3};
-    EXPECT_EQ(DockSwipeEngine::plan(elsewhere, {"D1"}, {1}), (SwipePlan{2, false}));
-}
-
-TEST_F(DockSwipeEngineTest, TheDirectionRuleInvertsEverySignAndNothingElse) {
-    engine.swipe(true, true, 2000);
-    engine.swipe(false, false, 2000);
-    engine.swipe(true, false, 2000);
-    engine.swipe(false, true, 2000);
-    for (std::size_t i = 0; i < events.posted.size(); ++i) {
-        const double sign = i < 6 ? 1 : -1;
-        const auto phase = std::array{GesturePhase::began, GesturePhase::changed, GesturePhase::ended}[i % 3];
-        EXPECT_EQ(events.posted[i], GestureFields::dockSwipe(phase, sign, 2000));
-    }
-    EXPECT_EQ(events.posted.size(), 12u);
+    snapshot.displays[0].currentID = {3};
+    EXPECT_EQ(plan("D1", 1), (SwipePlan{2, false}));
+    snapshot.displays[0].currentID = {99};
+    EXPECT_EQ(plan("D1", 1), std::nullopt);
 }
 
 TEST_F(DockSwipeEngineTest, RefusesWhatNoSwipeCanDoBeforeAnyEvent) {
-    EXPECT_TRUE(switchTo(4).failedWith(Case::targetNotInSnapshot)) << "it is on the other display";
-    EXPECT_TRUE(switchTo(2, "gone").failedWith(Case::targetNotInSnapshot));
-    trust.trusted = false;
-    EXPECT_TRUE(switchTo(1).failedWith(Case::alreadyThere));
-    EXPECT_TRUE(switchTo(2).failedWith(Case::accessibilityDenied));
-    trust.trusted = true;
-    engine.config.maxAttempts = 0;
-    EXPECT_EQ(switchTo(2).switchError(), SwitchError::notLanded(0));
+    const Space onRight = desktopAt("RIGHT", 1);
+    EXPECT_TRUE(switchBy(dockSwipe, onRight, "LEFT").failedWith(Case::targetNotInSnapshot));
+    EXPECT_TRUE(switchBy(dockSwipe, onRight, "gone").failedWith(Case::targetNotInSnapshot));
+    mac.isTrusted = false;
+    EXPECT_TRUE(swipeTo("LEFT", 0).failedWith(Case::alreadyThere));
+    EXPECT_TRUE(swipeTo("LEFT", 1).failedWith(Case::accessibilityDenied));
+    mac.isTrusted = true;
+    dockSwipe.config.maxAttempts = 0;
+    EXPECT_EQ(swipeTo("LEFT", 1).switchError(), SwitchError::notLanded(0));
     EXPECT_TRUE(events.posted.empty());
     EXPECT_EQ(loop.now(), async::Nanos::zero());
 }
 
 TEST_F(DockSwipeEngineTest, ASecondRoundSwipesOnlyWhatRemains) {
-    obey({1, 3});
-    const Outcome outcome = switchTo(3);
-    ASSERT_TRUE(outcome.result);
-    EXPECT_EQ(outcome.result->attempts, 2);
+    mac.inject(SimulatedFault::gestureLost);
+    EXPECT_EQ(swipeTo("LEFT", 2).result->attempts, 2);
     ASSERT_EQ(events.posted.size(), 9u);
     EXPECT_EQ(GestureFields::of(events.posted[8]).velocityX, 2000) << "one step is left";
 }
 
 TEST_F(DockSwipeEngineTest, ALandingAfterTheLastLookNeedsNoFurtherEvents) {
-    // The quick probe doesn't see what the next reading does.
-    provider.probe = [](const DisplayID&) { return SpaceID{1}; };
-    obey({1});
-    const Outcome outcome = switchTo(2);
-    ASSERT_TRUE(outcome.result);
-    EXPECT_EQ(outcome.result->attempts, 2);
+    mac.stage().freezeReadings(0.7);
+    EXPECT_EQ(swipeTo("LEFT", 1).result->attempts, 2);
     EXPECT_EQ(events.posted.size(), 3u);
 }
 
 TEST_F(DockSwipeEngineTest, GivesUpAfterItsAttemptsOrWhenNothingCanBeRead) {
-    EXPECT_EQ(switchTo(2).switchError(), SwitchError::notLanded(3));
+    loseEachSwipe();
+    EXPECT_EQ(swipeTo("LEFT", 1).switchError(), SwitchError::notLanded(3));
     EXPECT_EQ(events.posted.size(), 9u);
     EXPECT_EQ(loop.now(), 3 * async::wholeNanos(0.72));
-
-    provider.probe = [](const DisplayID&) { return SpaceID{1}; };
-    provider.failure = std::make_exception_ptr(std::runtime_error("away"));
-    EXPECT_EQ(switchTo(2).switchError(), SwitchError::notLanded(1));
-    provider.failure = nullptr;
-    events.onPost = [this] { provider.current.displays[0].display.uuid = "other"; };
-    EXPECT_EQ(switchTo(2).switchError(), SwitchError::notLanded(1)) << "the display is gone";
-}
-
-TEST_F(DockSwipeEngineTest, ATargetThatGoesBetweenTwoRoundsIsNoLongerThere) {
-    events.onPost = [this] { provider.current.displays[0].spaces.resize(1); };
-    EXPECT_TRUE(switchTo(2).failedWith(Case::targetNotInSnapshot));
+    reader.failures = 1;
+    EXPECT_EQ(swipeTo("LEFT", 1).switchError(), SwitchError::notLanded(1));
+    reader.bend = [](SpaceSnapshot& told) { told.displays.erase(told.displays.begin()); };
+    EXPECT_EQ(swipeTo("LEFT", 1).switchError(), SwitchError::notLanded(1)) << "the display is gone";
+    reader.bend = [](SpaceSnapshot& told) { told.displays[0].spaces.resize(1); };
+    EXPECT_TRUE(swipeTo("LEFT", 1).failedWith(Case::targetNotInSnapshot));
 }
 
 TEST_F(DockSwipeEngineTest, TakesThePointerToTheOtherDisplayAndBack) {
-    const auto outcome = switchTo(5, "D2");
-    EXPECT_EQ(outcome.switchError(), SwitchError::notLanded(3));
-    EXPECT_EQ(events.warps, (Points{{250, 100}, {5, 6}})) << "there once, and back after a failure too";
+    const Point there{2792, 720};
+    loseEachSwipe();
+    EXPECT_EQ(warpsOf("RIGHT"), (Points{there, {10, 10}})) << "back after a failure too";
     EXPECT_EQ(loop.now(), async::wholeNanos(0.02) + 3 * async::wholeNanos(0.72));
+    dockSwipe.config.restoreCursor = false;
+    EXPECT_EQ(warpsOf("RIGHT"), Points{there});
+    dockSwipe.config.restoreCursor = true;
+    events.isBlind = true;
+    EXPECT_EQ(warpsOf("RIGHT"), Points{there}) << "there is no place to go back to";
 
-    events.warps.clear();
-    engine.config.restoreCursor = false;
-    switchTo(5, "D2");
-    EXPECT_EQ(events.warps, (Points{{250, 100}}));
-
-    engine.config.restoreCursor = true;
-    events.warps.clear();
-    events.at.reset();
-    switchTo(5, "D2");
-    EXPECT_EQ(events.warps, (Points{{250, 100}})) << "there is no place to go back to";
-}
-
-TEST_F(DockSwipeEngineTest, LeavesThePointerWhereItServes) {
-    provider.cursor = DisplayID{"d2"};
-    switchTo(5, "D2");
-    provider.cursor.reset();
-    switchTo(5, "D2");
-    screens.list.pop_back();
-    provider.cursor = DisplayID{"D1"};
-    switchTo(5, "D2");
-    provider.current.displays[0].display.uuid = "Main";
-    switchTo(2, "Main");
-    EXPECT_TRUE(events.warps.empty());
-    EXPECT_EQ(events.posted.size(), 4 * 9u);
+    EXPECT_EQ(warpsOf("right", {2000, 500}), Points()) << "it is there";
+    EXPECT_EQ(warpsOf("RIGHT", {-50, -50}), Points()) << "nobody knows where it is";
+    mac.stage().freezeReadings(9);
+    mac.removeScreen("RIGHT");
+    EXPECT_EQ(warpsOf("RIGHT"), Points()) << "there is no place to go to";
 }
 
 TEST_F(DockSwipeEngineTest, WaitsForAnAnimationAndThenSwipesRegardless) {
-    int asked = 0;
-    provider.animation = [&](const DisplayID&) { return ++asked <= 3; };
-    obey({1});
-    EXPECT_EQ(switchTo(2).result->elapsed, 3 * 0.05 + 0.12);
-    asked = -1003;
-    const async::Nanos start = loop.now();
-    events.posted.clear();
-    std::optional<async::Nanos> first;
-    events.onPost = [&] {
-        if (!first) first = loop.now();
-    };
-    switchTo(3);
-    EXPECT_EQ(*first - start, async::wholeNanos(0.5));
+    mac.stage().move(space("LEFT", 1), 0.17);
+    EXPECT_EQ(swipeTo("LEFT", 2).result, (SwitchResult{true, EngineKind::dockSwipe, 1, 0.2 + 0.12}));
 
-    provider.current.displays[0].display.uuid = "Main";
-    asked = -1000;
-    first.reset();
-    const async::Nanos again = loop.now();
-    switchTo(3, "Main");
-    EXPECT_EQ(*first, again) << "the shared arrangement is never waited for";
+    for (const bool isShared : {false, true}) {
+        testing::SwitchingSession session({.separateSpaces = !isShared});
+        const char* display = isShared ? "Main" : "LEFT";
+        session.mac.inject(SimulatedFault::animationNeverEnds);
+        session.mac.stage().move(session.space(display, 1), 1);
+        std::optional<async::Nanos> first;
+        session.events.onPost = [&] { first = first.value_or(session.loop.now()); };
+        session.switchBy(session.dockSwipe, session.desktopAt(display, 2), display);
+        EXPECT_EQ(first, async::wholeNanos(isShared ? 0 : 0.5)) << display;
+    }
 }
 
 TEST_F(DockSwipeEngineTest, RestsBetweenSwipesAndNeverAfterTheLast) {
-    engine.config.stepDelay = 0.25;
-    obey({1, 2});
-    EXPECT_EQ(switchTo(3).result->elapsed, 0.25 + 0.12);
+    dockSwipe.config.stepDelay = 0.25;
+    EXPECT_EQ(swipeTo("LEFT", 2).result->elapsed, 0.25 + 0.12);
 }
 
 TEST_F(DockSwipeEngineTest, ACancelledSwitchSwipesNoMoreAndPutsThePointerBack) {
+    loseEachSwipe();
     for (const double after : {0.01, 0.3}) {
-        events = {};
-        const Space target = desktop(5);
-        const DisplayID display{"D2"};
-        const SpaceSnapshot snapshot = provider.current;
-        Outcome outcome;
-        auto handle = async::spawn(loop, noteOutcome(engine.switchTo(target, display, snapshot), outcome));
-        loop.advance(after);
-        handle.cancel();
-        loop.runUntilDone();
-        EXPECT_TRUE(outcome.failedWithA<async::Cancelled>());
+        events.forget();
+        EXPECT_TRUE(
+            cancelled(dockSwipe, desktopAt("RIGHT", 1), "RIGHT", after).failedWithA<async::Cancelled>());
         EXPECT_EQ(events.posted.size(), after < 0.02 ? 0u : 3u);
-        EXPECT_EQ(events.warps, (Points{{250, 100}, {5, 6}}));
+        EXPECT_EQ(events.warps, (Points{{2792, 720}, {10, 10}}));
     }
 }
 

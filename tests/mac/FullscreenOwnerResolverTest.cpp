@@ -1,96 +1,72 @@
 #include "core/platform/mac/server/FullscreenOwnerResolver.h"
+
 #include "core/platform/mac/server/ListedWindow.h"
-#include "tests/model/Layouts.h"
+#include "tests/simruns/SimulatedSession.h"
 
 #include <gtest/gtest.h>
 #include <limits>
-#include <map>
 
 namespace lumnara {
 namespace {
 
-using testing::makeDisplay;
-using testing::makeFullscreen;
-using testing::makeSpace;
-
-struct ListingServer : WindowServer {
-    PropertyList managedDisplaySpaces() override { return {}; }
-    std::optional<SpaceID> currentSpace(const DisplayID&) override { return std::nullopt; }
-    std::optional<bool> isAnimating(const DisplayID&) override { return std::nullopt; }
-    std::optional<std::string> activeMenuBarDisplay() override { return std::nullopt; }
-    std::vector<SpaceID> spacesOfWindows(const std::vector<WindowNumber>& windows) override {
-        return spaces[windows.at(0)];
+/// A Mac with two windows in full screen on "LEFT", second and third there.
+class FullscreenOwnerResolverTest : public ::testing::Test, protected testing::SimulatedSession {
+protected:
+    FullscreenOwnerResolverTest() {
+        const auto addFullscreen = [&](std::int32_t pid, const char* owner) {
+            return mac.enterFullscreen(mac.windows().add(
+                {.ownerPid = pid, .ownerName = owner, .isOrderedIn = true, .spaces = {space("LEFT", 0)}}));
+        };
+        const SpaceID second = addFullscreen(nameless, "Second");
+        const SpaceID first = addFullscreen(player, "player");
+        // Above the ordinary windows, and another program's behind the first.
+        mac.windows().add({.ownerPid = 50, .ownerName = "Overlay", .layer = 3, .spaces = {first, second}});
+        mac.windows().add({.ownerPid = 51, .ownerName = "Desktop", .layer = -1, .spaces = {first, second}});
+        reader.resolvesFullscreenOwners = false;
     }
-    std::optional<PropertyList> windowList(WindowListOption option) override {
-        EXPECT_EQ(option, WindowListOption::all);
-        ++listings;
-        return list;
-    }
-    void add(WindowNumber number, std::int64_t pid, const char* owner, int layer, std::vector<SpaceID> on) {
-        list->push_back({{"kCGWindowNumber", number},
-                         {"kCGWindowOwnerPID", pid},
-                         {"kCGWindowOwnerName", owner},
-                         {"kCGWindowLayer", layer}});
-        spaces[number] = std::move(on);
+    using Owners = std::vector<std::optional<RunningApp>>;
+    Owners resolved(WindowServer& server, Workspace* workspace) {
+        Owners owners;
+        const auto snapshot = FullscreenOwnerResolver::resolve(reader.snapshot(), server, workspace);
+        for (const Space& each : snapshot.displays[0].spaces) owners.push_back(each.fullscreenOwner);
+        return owners;
     }
 
-    std::optional<PropertyList> list = PropertyList();
-    std::map<WindowNumber, std::vector<SpaceID>> spaces;
+    const std::int32_t player = mac.launch("Player", "com.example.player");
+    const std::int32_t nameless = mac.launch("", "com.example.nameless");
+    LiveSpaceProvider reader = provider();
+    const std::optional<RunningApp> none;
+};
+
+TEST_F(FullscreenOwnerResolverTest, TakesTheFirstOrdinaryWindowOfEachFullscreenSpace) {
+    EXPECT_EQ(resolved(*seams.windowServer, seams.workspace.get()),
+              (Owners{none, RunningApp{player, "com.example.player", "Player"},
+                      RunningApp{nameless, "com.example.nameless", "Second"}, none, none}));
+    mac.windows().add({.ownerPid = 999, .ownerName = "Gone", .spaces = {space("LEFT", 1)}}); // in front
+    EXPECT_EQ(resolved(*seams.windowServer, seams.workspace.get())[1],
+              (RunningApp{999, std::nullopt, "Gone"}))
+        << "the name that its window tells";
+    EXPECT_EQ(resolved(*seams.windowServer, nullptr)[2], (RunningApp{nameless, std::nullopt, "Second"}));
+}
+
+TEST_F(FullscreenOwnerResolverTest, PassesOverWindowsThatDontTellAndListsThatFail) {
     int listings = 0;
-};
-
-struct ListingWorkspace : Workspace {
-    async::Subscription observe(std::function<void(WorkspaceEvent)>) override { return {}; }
-    std::vector<RunningApplication> runningApplications() override { return running; }
-    std::vector<RunningApplication> running;
-};
-
-SpaceSnapshot withFullscreen() {
-    return {{makeDisplay("D1", {makeSpace(1, "A"), makeFullscreen(2, "B", {}), makeFullscreen(3, "C", {})})},
-            {}};
-}
-
-TEST(FullscreenOwnerResolver, TakesTheFirstOrdinaryWindowOfEachFullscreenSpace) {
-    ListingServer server;
-    ListingWorkspace workspace;
-    workspace.running = {{{10, "com.example.player", "Player"}}, {{11, "com.example.nameless", ""}}};
-    server.add(100, 50, "Overlay", 3, {{2}}); // above the ordinary windows
-    server.add(101, 10, "player", 0, {{2}, {1}});
-    server.add(102, 11, "Second", 0, {{2}, {3}});
-    const SpaceSnapshot resolved = FullscreenOwnerResolver::resolve(withFullscreen(), server, &workspace);
-
-    SpaceSnapshot expected = withFullscreen();
-    expected.displays[0].spaces[1].fullscreenOwner = RunningApp{10, "com.example.player", "Player"};
-    expected.displays[0].spaces[2].fullscreenOwner = RunningApp{11, "com.example.nameless", "Second"};
-    EXPECT_EQ(resolved, expected);
-}
-
-TEST(FullscreenOwnerResolver, AnAppWithoutInfoHasTheNameThatItsWindowTells) {
-    ListingServer server;
-    ListingWorkspace workspace;
-    server.add(101, 10, "Player", 0, {{2}});
-    for (Workspace* known : {static_cast<Workspace*>(nullptr), static_cast<Workspace*>(&workspace)}) {
-        const auto resolved = FullscreenOwnerResolver::resolve(withFullscreen(), server, known);
-        EXPECT_EQ(resolved.displays[0].spaces[1].fullscreenOwner, (RunningApp{10, std::nullopt, "Player"}));
-        EXPECT_EQ(resolved.displays[0].spaces[2].fullscreenOwner, std::nullopt);
-    }
-}
-
-TEST(FullscreenOwnerResolver, PassesOverWindowsThatDontTellAndListsThatFail) {
-    ListingServer server;
-    server.list->push_back({{"kCGWindowNumber", 5}, {"kCGWindowLayer", 0}});
-    server.list->push_back({{"kCGWindowNumber", 5}, {"kCGWindowOwnerPID", 7}});
-    server.list->push_back({{"kCGWindowOwnerPID", 7}, {"kCGWindowLayer", 0}});
-    server.list->push_back({{"kCGWindowNumber", "x"}, {"kCGWindowOwnerPID", 7}, {"kCGWindowLayer", 0}});
-    server.spaces[5] = {{2}};
-    EXPECT_EQ(FullscreenOwnerResolver::resolve(withFullscreen(), server, nullptr), withFullscreen());
-    server.list.reset();
-    EXPECT_EQ(FullscreenOwnerResolver::resolve(withFullscreen(), server, nullptr), withFullscreen());
-
-    server.listings = 0;
-    const SpaceSnapshot plain{{makeDisplay("D1", {makeSpace(1, "A")})}, {}};
-    EXPECT_EQ(FullscreenOwnerResolver::resolve(plain, server, nullptr), plain);
-    EXPECT_EQ(server.listings, 0) << "a window list costs";
+    WindowServerCalls calls = mac.calls();
+    calls.copySpacesForWindows = [&](auto, int, const auto&) { return std::vector{space("LEFT", 1).raw}; };
+    calls.windowList = [&](WindowListOption) {
+        ++listings;
+        return PropertyList{{{"kCGWindowNumber", 5}, {"kCGWindowLayer", 0}},
+                            {{"kCGWindowNumber", 5}, {"kCGWindowOwnerPID", 7}},
+                            {{"kCGWindowOwnerPID", 7}, {"kCGWindowLayer", 0}},
+                            {{"kCGWindowNumber", "x"}, {"kCGWindowOwnerPID", 7}, {"kCGWindowLayer", 0}}};
+    };
+    PrivateAPI odd(calls), empty({});
+    const Owners nobody(5);
+    EXPECT_EQ(resolved(odd, nullptr), nobody);
+    EXPECT_EQ(resolved(empty, nullptr), nobody);
+    const int before = listings;
+    FullscreenOwnerResolver::resolve(testing::SimulatedSession().provider().snapshot(), odd, nullptr);
+    EXPECT_EQ(listings, before) << "a window list costs";
 }
 
 TEST(ListedWindow, ReadsWhatIsThereInAnyFormOfNumber) {

@@ -1,88 +1,62 @@
 #include "core/platform/mac/server/LiveSpaceProvider.h"
-#include "core/async/TestLoop.h"
-#include "core/model/SpaceKitError.h"
+
+#include "tests/simruns/SimulatedSession.h"
 
 #include <gtest/gtest.h>
 
 namespace lumnara {
 namespace {
 
-struct FakeWindowServer : WindowServer {
-    PropertyList managedDisplaySpaces() override { return list; }
-    std::optional<SpaceID> currentSpace(const DisplayID&) override { return std::nullopt; }
-    std::optional<bool> isAnimating(const DisplayID&) override { return std::nullopt; }
-    std::optional<std::string> activeMenuBarDisplay() override { return menuBar; }
-    std::vector<SpaceID> spacesOfWindows(const std::vector<WindowNumber>&) override { return {{5}}; }
-    std::optional<PropertyList> windowList(WindowListOption) override {
-        return PropertyList{{{"kCGWindowNumber", 1},
-                             {"kCGWindowOwnerPID", 10},
-                             {"kCGWindowOwnerName", "Player"},
-                             {"kCGWindowLayer", 0}}};
-    }
-
-    void show(const std::string& display, int type = 0) {
-        const PropertyDictionary space{{"id64", 5}, {"uuid", "A"}, {"type", type}};
-        list = {
-            {{"Display Identifier", display}, {"Spaces", PropertyArray{space}}, {"Current Space", space}}};
-    }
-    PropertyList list;
-    std::optional<std::string> menuBar = "Right";
-};
-
-struct FakeScreens : Screens {
-    std::vector<ScreenInfo> screens() override {
-        return {{.uuid = "Left", .connector = "DP-1", .name = "Dell U2720Q", .frame = {}}};
-    }
-    std::optional<Point> pointer() override { return std::nullopt; }
-    std::optional<std::string> displayUnderPointer() override { return pointed; }
-    std::optional<std::string> pointed = "Left";
-};
-
-class LiveSpaceProviderTest : public ::testing::Test {
-protected:
-    async::TestLoop loop;
-    FakeWindowServer windowServer;
-    FakeScreens screens;
-    LiveSpaceProvider provider{loop, windowServer, screens};
-};
-
-TEST_F(LiveSpaceProviderTest, ReadsDisplaysOfTheirOwn) {
-    windowServer.show("Left");
-    loop.advance(3);
+TEST(LiveSpaceProvider, ReadsDisplaysOfTheirOwn) {
+    testing::SimulatedSession at({}, [](SimulatedMac& mac) {
+        mac.enterFullscreen(mac.openWindow(mac.launch("Player", "com.example.player"),
+                                           mac.layout().display("RIGHT")->spaces.at(0).id));
+    });
+    LiveSpaceProvider provider = at.provider();
+    at.loop.advance(3);
     const SpaceSnapshot snapshot = provider.snapshot();
-    EXPECT_EQ(snapshot.takenAt, loop.date());
-    EXPECT_EQ(snapshot.displays.at(0).spaces.at(0).uuid, "A");
-    EXPECT_EQ(provider.menuBarDisplay(), DisplayID{"Right"});
-    EXPECT_EQ(provider.cursorDisplay(), DisplayID{"Left"});
-    EXPECT_EQ(provider.displayName("LEFT"), "Dell U2720Q");
-    EXPECT_EQ(provider.displayName("Right"), std::nullopt);
-    windowServer.menuBar = "";
-    screens.pointed.reset();
-    EXPECT_EQ(provider.menuBarDisplay(), std::nullopt);
+    EXPECT_EQ(snapshot.takenAt, at.loop.date());
+    ASSERT_EQ(snapshot.displays.size(), 2u);
+    const DisplaySpaces& left = snapshot.displays[0];
+    EXPECT_EQ(std::tie(left.display, left.name, left.currentID),
+              std::tuple(DisplayID{"LEFT"}, "Panel", at.space("LEFT", 0)));
+    EXPECT_EQ(snapshot.key(left.spaces[0], "LEFT"), "primary:LEFT");
+    EXPECT_EQ(left.spaces[1].uuid.size(), 36u);
+    EXPECT_EQ(snapshot.userSpaces("RIGHT").size(), 3u);
+    EXPECT_EQ(snapshot.displays[1].spaces[1].fullscreenOwner->name, "Player");
+    EXPECT_EQ(snapshot.focusedDisplay, DisplayID{"RIGHT"});
+    provider.resolvesFullscreenOwners = false;
+    EXPECT_EQ(provider.snapshot().displays[1].spaces[1].fullscreenOwner, std::nullopt);
+
+    EXPECT_EQ(provider.cursorDisplay(), DisplayID{"LEFT"});
+    at.mac.pointer().moveTo({-5, -5});
     EXPECT_EQ(provider.cursorDisplay(), std::nullopt);
+    EXPECT_EQ(provider.displayName("right"), "Desk");
+    EXPECT_EQ(provider.displayName("gone"), std::nullopt);
+    WindowServerCalls calls = at.mac.calls();
+    calls.copyActiveMenuBarDisplayIdentifier = [](auto) { return ""; };
+    PrivateAPI nameless(calls);
+    EXPECT_EQ(LiveSpaceProvider(at.loop, nameless, *at.seams.screens).menuBarDisplay(), std::nullopt);
 }
 
-TEST_F(LiveSpaceProviderTest, AnswersMainUnderASharedArrangement) {
-    windowServer.show("Main");
-    EXPECT_EQ(provider.menuBarDisplay(), DisplayID{"Right"}) << "nothing has been read yet";
-    provider.snapshot();
+TEST(LiveSpaceProvider, AnswersMainUnderASharedArrangement) {
+    testing::SimulatedSession shared({.separateSpaces = false}), separate;
+    bool isShared = true;
+    WindowServerCalls calls = separate.mac.calls();
+    calls.copyManagedDisplaySpaces = [&](auto own) {
+        return (isShared ? shared : separate).mac.calls().copyManagedDisplaySpaces(own);
+    };
+    PrivateAPI server(calls);
+    LiveSpaceProvider provider(separate.loop, server, *separate.seams.screens);
+    EXPECT_EQ(provider.menuBarDisplay(), DisplayID{"LEFT"}) << "nothing has been read yet";
+    EXPECT_EQ(provider.snapshot().displays.front().name, "All Displays");
     EXPECT_EQ(provider.menuBarDisplay(), DisplayID{"Main"});
     EXPECT_EQ(provider.cursorDisplay(), DisplayID{"Main"});
     EXPECT_EQ(provider.displayName("Main"), "All Displays");
-    windowServer.show("Left");
+    isShared = false;
     provider.snapshot();
-    EXPECT_EQ(provider.cursorDisplay(), DisplayID{"Left"});
+    EXPECT_EQ(provider.cursorDisplay(), DisplayID{"LEFT"});
 }
-
-TEST_F(LiveSpaceProviderTest, FillsInTheOwnersOfFullscreenSpacesUnlessToldNotTo) {
-    windowServer.show("Left", 4);
-    EXPECT_EQ(provider.snapshot().displays.at(0).spaces.at(0).fullscreenOwner,
-              (RunningApp{10, std::nullopt, "Player"}));
-    provider.resolvesFullscreenOwners = false;
-    EXPECT_EQ(provider.snapshot().displays.at(0).spaces.at(0).fullscreenOwner, std::nullopt);
-}
-
-TEST_F(LiveSpaceProviderTest, PassesOnWhatCannotBeRead) { EXPECT_THROW(provider.snapshot(), SpaceKitError); }
 
 } // namespace
 } // namespace lumnara

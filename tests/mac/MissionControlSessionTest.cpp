@@ -34,7 +34,7 @@ TEST_F(MissionControlSessionTest, WaitsThreeSecondsForItToOpen) {
         mac.inject(SimulatedFault::dockRestarted);
         return open();
     };
-    EXPECT_TRUE(openWithoutDock().value);
+    EXPECT_TRUE(openWithoutDock().result);
     EXPECT_GT(seconds(), 2.6 + 0.5 + 0.95);
     close();
     const double start = seconds();

@@ -1,79 +1,75 @@
 #include "core/platform/mac/engines/SessionState.h"
 
-#include "tests/support/ScriptedSeams.h"
-
-#include <tuple>
+#include "tests/simruns/SimulatedSession.h"
 
 namespace lumnara {
 namespace {
 
 using Case = SwitchError::Case;
 
-class SessionStateTest : public ::testing::Test {
-protected:
-    void setWindows(std::vector<std::pair<const char*, int>> windows) {
-        server.list.emplace();
-        for (const auto& [owner, layer] : windows)
-            server.list->push_back({{"kCGWindowOwnerName", owner}, {"kCGWindowLayer", layer}});
-    }
-    bool missionControl() { return SessionState::isMissionControlVisible(server); }
-
-    testing::ScriptedSession session;
-    testing::ScriptedWindowServer server;
+struct ToldSession : MacSession {
+    std::optional<PropertyDictionary> currentDictionary() override { return dictionary; }
+    std::optional<PropertyDictionary> dictionary;
 };
 
-TEST_F(SessionStateTest, OnlyATrueFlagLocksAndOnlyAFalseOneLeavesTheConsole) {
+TEST(MacSession, OnlyATrueFlagLocksAndOnlyAFalseOneLeavesTheConsole) {
+    ToldSession session;
+    const auto told = [&] { return std::pair(session.isScreenLocked(), session.isOnConsole()); };
     const auto with = [&](PropertyValue value) {
         session.dictionary =
             PropertyDictionary{{"CGSSessionScreenIsLocked", value}, {"kCGSSessionOnConsoleKey", value}};
-        return std::pair(session.isScreenLocked(), session.isOnConsole());
+        return told();
     };
+    EXPECT_EQ(told(), std::pair(false, true)) << "no dictionary";
+    session.dictionary.emplace();
+    EXPECT_EQ(told(), std::pair(false, true)) << "no key";
     EXPECT_EQ(with(true), std::pair(true, true));
     EXPECT_EQ(with(false), std::pair(false, false));
     for (const PropertyValue& doubtful : {PropertyValue(1), PropertyValue(0), PropertyValue("true"),
                                           PropertyValue(), PropertyValue(PropertyArray())})
         EXPECT_EQ(with(doubtful), std::pair(false, true));
-    for (const auto& dictionary :
-         {std::optional<PropertyDictionary>(), std::optional(PropertyDictionary())}) {
-        session.dictionary = dictionary;
-        EXPECT_FALSE(session.isScreenLocked());
-        EXPECT_TRUE(session.isOnConsole());
+}
+
+TEST(SessionState, TellsMissionControlByTheDocksWindowsOnTheScreen) {
+    struct Look {
+        std::vector<std::pair<const char*, int>> windows;
+        bool missionControl, overlay;
+    };
+    const char* dock = "Dock";
+    for (const Look& look : std::vector<Look>{{{}, false, false},
+                                              {{{dock, 18}}, false, true},
+                                              {{{dock, 20}}, false, true},
+                                              {{{dock, 20}, {dock, 20}}, false, true},
+                                              {{{dock, 18}, {dock, 20}}, false, true},
+                                              {{{dock, 18}, {dock, 20}, {dock, 20}}, true, true},
+                                              {{{"Docks", 18}, {dock, 20}, {dock, 20}}, false, true},
+                                              {{{dock, 19}, {"Finder", 18}, {"Finder", 20}}, false, false}}) {
+        testing::SimulatedSession session;
+        for (const auto& [owner, layer] : look.windows)
+            session.mac.windows().add(
+                {.ownerName = owner, .layer = layer, .isOrderedIn = true, .isOnEverySpace = true});
+        session.mac.windows().add({.ownerName = "Dock", .layer = 20, .isOnEverySpace = true}); // not shown
+        WindowServer& server = *session.seams.windowServer;
+        EXPECT_EQ(SessionState::isMissionControlVisible(server), look.missionControl);
+        EXPECT_EQ(SessionState::dockOverlayVisible(server), look.overlay);
     }
+    testing::SimulatedSession blind(
+        {}, [](SimulatedMac& mac) { mac.removeSymbol("CGWindowListCopyWindowInfo"); });
+    EXPECT_FALSE(SessionState::dockOverlayVisible(*blind.seams.windowServer));
 }
 
-TEST_F(SessionStateTest, MissionControlShowsFewerWindowsOfOneLayerThanOfTheOther) {
-    EXPECT_FALSE(missionControl()) << "no list";
-    setWindows({});
-    EXPECT_FALSE(missionControl());
-    setWindows({{"Dock", 18}});
-    EXPECT_FALSE(missionControl()) << "that layer alone is not enough";
-    setWindows({{"Dock", 18}, {"Dock", 20}});
-    EXPECT_FALSE(missionControl());
-    setWindows({{"Dock", 18}, {"Dock", 20}, {"Dock", 20}});
-    EXPECT_TRUE(missionControl());
-    setWindows({{"Docks", 18}, {"Dock", 20}, {"Dock", 20}});
-    EXPECT_FALSE(missionControl());
-    setWindows({{"Dock", 20}, {"Dock", 20}});
-    EXPECT_FALSE(missionControl());
-}
-
-TEST_F(SessionStateTest, TheLooserProbeTakesAnyOfTheDocksOverlays) {
-    EXPECT_FALSE(SessionState::dockOverlayVisible(server));
-    for (const auto& [owner, layer, visible] : std::vector<std::tuple<const char*, int, bool>>{
-             {"Dock", 18, true}, {"Dock", 20, true}, {"Dock", 19, false}, {"Finder", 18, false}}) {
-        setWindows({{owner, layer}});
-        EXPECT_EQ(SessionState::dockOverlayVisible(server), visible) << owner << layer;
-    }
-}
-
-TEST_F(SessionStateTest, NamesTheFirstReasonThatHolds) {
-    const auto reason = [&] { return SessionState::blockingReason(session, server); };
+TEST(SessionState, NamesTheFirstReasonThatHolds) {
+    testing::SimulatedSession session;
+    const auto reason = [&] {
+        return SessionState::blockingReason(*session.seams.session, *session.seams.windowServer);
+    };
     EXPECT_EQ(reason(), std::nullopt);
-    setWindows({{"Dock", 18}, {"Dock", 20}, {"Dock", 20}});
+    session.mac.missionControl().toggle();
+    session.loop.advance(1);
     EXPECT_EQ(reason(), SwitchError(Case::missionControlActive));
-    session.dictionary = PropertyDictionary{{"kCGSSessionOnConsoleKey", false}};
+    session.mac.isOnConsole = false;
     EXPECT_EQ(reason(), SwitchError(Case::sessionNotOnConsole));
-    session.dictionary->set("CGSSessionScreenIsLocked", true);
+    session.mac.isLocked = true;
     EXPECT_EQ(reason(), SwitchError(Case::screenLocked));
 }
 

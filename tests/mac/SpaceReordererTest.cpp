@@ -20,7 +20,7 @@ TEST(SpaceReorderer, DragsThumbnailsAsAHandDoes) {
     Arranging at;
     Strings steps;
     at.driver.onStep = [&](const std::string& step) { steps.push_back(step); };
-    EXPECT_TRUE(at.reorder({2, 3, 4, 1}).value->matchesDesired);
+    EXPECT_TRUE(at.reorder({2, 3, 4, 1}).result->matchesDesired);
     const std::string bar = " pt tall: Desktop 1, Desktop 2, Desktop 3, Desktop 4";
     EXPECT_EQ(steps, Strings({"  0.00 s  open Mission Control",
                               "  0.60 s  move to (756, 200)",
@@ -51,13 +51,13 @@ TEST(SpaceReorderer, DragsThumbnailsAsAHandDoes) {
 TEST(SpaceReorderer, MovesEachDesktopToItsPlace) {
     Arranging at;
     const auto ended = at.reorder({4, 3, 2, 1});
-    EXPECT_EQ(ended.value, (ReorderOutcome{{{2, 3}, {1, 3}, {0, 3}}, 3, at.ids({4, 3, 2, 1}), true, {}}));
+    EXPECT_EQ(ended.result, (ReorderOutcome{{{2, 3}, {1, 3}, {0, 3}}, 3, at.ids({4, 3, 2, 1}), true, {}}));
     EXPECT_EQ(at.order(), (Numbers{4, 3, 2, 1}));
     EXPECT_EQ(at.said, Strings({"Opening Mission Control", "Moving desktops in Mission Control (1 of 3)",
                                 "Moving desktops in Mission Control (2 of 3)",
                                 "Moving desktops in Mission Control (3 of 3)"}));
     at.expectLeft();
-    EXPECT_TRUE(at.reorder({14, 11, 13, 12}, "RIGHT").value->matchesDesired);
+    EXPECT_TRUE(at.reorder({14, 11, 13, 12}, "RIGHT").result->matchesDesired);
     EXPECT_EQ(at.order("RIGHT"), (Numbers{14, 11, 13, 12}));
     EXPECT_EQ(at.order(), (Numbers{4, 3, 2, 1}));
 }
@@ -65,7 +65,7 @@ TEST(SpaceReorderer, MovesEachDesktopToItsPlace) {
 TEST(SpaceReorderer, OpensNothingForAnOrderThatStands) {
     Arranging at;
     const auto ended = at.reorder({1, 9, 2, 1});
-    EXPECT_EQ(ended.value, (ReorderOutcome{{}, 0, at.ids({1, 2, 3, 4}), true, {}}));
+    EXPECT_EQ(ended.result, (ReorderOutcome{{}, 0, at.ids({1, 2, 3, 4}), true, {}}));
     at.expectUntouched();
 }
 
@@ -112,11 +112,11 @@ void expectStop(const char* what, const int WatchedDriver::* count, int n, Arran
     Arranging at;
     at.at(count, n, std::move(mishap));
     const auto ended = at.reorder({2, 1, 4, 3});
-    ASSERT_TRUE(ended.value);
-    EXPECT_EQ(ended.value->performed, performed);
-    EXPECT_EQ(ended.value->stoppedBecause, because);
-    EXPECT_FALSE(ended.value->matchesDesired);
-    EXPECT_EQ(at.numbers(ended.value->finalOrder), at.order());
+    ASSERT_TRUE(ended.result);
+    EXPECT_EQ(ended.result->performed, performed);
+    EXPECT_EQ(ended.result->stoppedBecause, because);
+    EXPECT_FALSE(ended.result->matchesDesired);
+    EXPECT_EQ(at.numbers(ended.result->finalOrder), at.order());
     at.expectLeft();
 }
 
@@ -154,7 +154,7 @@ TEST(SpaceReorderer, AimsAgainAtThumbnailsThatMadeRoom) {
     for (const Aim& aim : {Aim{110, {2, 3, 1, 4}, 45}, {4, {2, 3, 1, 4}, 35}, {-110, {4, 1, 2, 3}, 45}}) {
         Arranging at;
         at.at(&WatchedDriver::drags, 20, [&](Arranging&) { at.mac.missionControl().shift(aim.shift, 1.2); });
-        EXPECT_TRUE(at.reorder(aim.wish).value->matchesDesired) << aim.shift;
+        EXPECT_TRUE(at.reorder(aim.wish).result->matchesDesired) << aim.shift;
         EXPECT_EQ(at.driver.drags, aim.drags);
     }
 }
@@ -163,9 +163,9 @@ TEST(SpaceReorderer, TellsTheLastKnownOrderWhenTheEndCannotBeRead) {
     Arranging at;
     at.driver.onCall = [&] { at.provider.failures = at.driver.escapes; };
     const auto ended = at.reorder({2, 1});
-    ASSERT_TRUE(ended.value);
-    EXPECT_EQ(at.numbers(ended.value->finalOrder), (Numbers{2, 1, 3, 4}));
-    EXPECT_TRUE(ended.value->matchesDesired);
+    ASSERT_TRUE(ended.result);
+    EXPECT_EQ(at.numbers(ended.result->finalOrder), (Numbers{2, 1, 3, 4}));
+    EXPECT_TRUE(ended.result->matchesDesired);
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 #include "core/platform/sim/MacPicture.h"
 
 #include "core/platform/sim/SampleMac.h"
-#include "tests/sim/SimulatedSession.h"
+#include "tests/simruns/SimulatedSession.h"
+
+#include <gtest/gtest.h>
 
 namespace lumnara::testing {
 namespace {

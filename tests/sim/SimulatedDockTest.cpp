@@ -1,4 +1,6 @@
-#include "tests/sim/SimulatedSession.h"
+#include "tests/simruns/SimulatedSession.h"
+
+#include <gtest/gtest.h>
 
 namespace lumnara {
 namespace {

@@ -1,6 +1,7 @@
-#include "tests/sim/SimulatedSession.h"
+#include "tests/simruns/SimulatedSession.h"
 
 #include <algorithm>
+#include <gtest/gtest.h>
 
 namespace lumnara {
 namespace {
@@ -24,32 +25,6 @@ protected:
     std::vector<WorkspaceEvent> events;
     async::Subscription heard;
 };
-
-TEST_F(SimulatedMacTest, TheProviderReadsItsDisplaysUnchanged) {
-    auto reader = provider();
-    const SpaceSnapshot snapshot = reader.snapshot();
-    ASSERT_EQ(snapshot.displays.size(), 2u);
-    EXPECT_EQ(snapshot.takenAt, loop.date());
-    EXPECT_EQ(snapshot.displays[0].display, DisplayID{"LEFT"});
-    EXPECT_EQ(snapshot.displays[0].currentID, space("LEFT", 0));
-    EXPECT_EQ(snapshot.key(snapshot.displays[0].spaces[0], "LEFT"), "primary:LEFT");
-    EXPECT_EQ(snapshot.displays[0].spaces[1].uuid.size(), 36u);
-    EXPECT_EQ(snapshot.userSpaces("RIGHT").size(), 3u);
-    EXPECT_EQ(reader.cursorDisplay(), DisplayID{"LEFT"});
-    EXPECT_EQ(reader.menuBarDisplay(), DisplayID{"LEFT"});
-    EXPECT_EQ(reader.displayName("right"), "Desk");
-}
-
-TEST_F(SimulatedMacTest, ItsCallsAgreeWithTheList) {
-    PrivateAPI api(mac.calls());
-    EXPECT_EQ(api.activeSpace(), space("LEFT", 0));
-    EXPECT_EQ(api.currentSpace({"right"}), space("RIGHT", 0));
-    EXPECT_EQ(api.currentSpace({"nowhere"}), std::nullopt);
-    EXPECT_EQ(api.displayOfSpace(space("RIGHT", 2)), "RIGHT");
-    EXPECT_EQ(api.displayAt({2000, 100}), "RIGHT");
-    EXPECT_EQ(api.kindOfSpace(space("LEFT", 2)), SpaceKind::user);
-    EXPECT_EQ(api.kindOfSpace({1'000'000}), SpaceKind::unknown);
-}
 
 TEST_F(SimulatedMacTest, SpacesComeAndGoWithIdsThatAreNeverUsedAgain) {
     const SpaceID added = mac.addDesktop("LEFT");
@@ -125,11 +100,6 @@ TEST_F(SimulatedMacTest, ListsWindowsFrontToBackWithWhereTheyAre) {
     EXPECT_EQ(listed(WindowListOption::all), (std::vector{clear, elsewhere, frontWindow, back, wallpaper}));
     EXPECT_EQ(listed(WindowListOption::onScreenOnly), (std::vector{frontWindow, back, wallpaper}));
     EXPECT_EQ(listed(WindowListOption::onScreenOnlyWithoutDesktop), (std::vector{frontWindow, back}));
-
-    seams.windowServer->addWindowsToSpaces({back}, {space("RIGHT", 1), {999'999}});
-    seams.windowServer->removeWindowsFromSpaces({back}, {space("LEFT", 0)});
-    EXPECT_EQ(spacesOf(back), std::vector<SpaceID>{space("RIGHT", 1)});
-    EXPECT_TRUE(spacesOf(999'999).empty());
 }
 
 TEST_F(SimulatedMacTest, ActivatingAnAppWhoseKeyWindowIsElsewhereGoesThereInTime) {
@@ -208,14 +178,6 @@ TEST_F(SimulatedMacTest, TheFrontWindowOfWhatIsShownGetsTheFocus) {
     mac.apps().quit(app);
     EXPECT_EQ(front(), "nobody");
     EXPECT_TRUE(listed(WindowListOption::all).empty());
-}
-
-TEST_F(SimulatedMacTest, TellsTheStateOfItsSession) {
-    EXPECT_EQ(seams.session->currentDictionary(), (PropertyDictionary{{"kCGSSessionOnConsoleKey", true}}));
-    mac.isLocked = true;
-    mac.isOnConsole = false;
-    EXPECT_EQ(seams.session->currentDictionary(),
-              (PropertyDictionary{{"kCGSSessionOnConsoleKey", false}, {"CGSSessionScreenIsLocked", true}}));
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 #include "core/platform/mac/engines/SessionState.h"
-#include "tests/sim/SimulatedSession.h"
+#include "tests/simruns/SimulatedSession.h"
 
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <set>
 
 namespace lumnara {

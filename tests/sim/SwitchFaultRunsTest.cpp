@@ -1,5 +1,5 @@
 #include "core/model/SpaceKitError.h"
-#include "tests/sim/SwitchingSession.h"
+#include "tests/simruns/SwitchingSession.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -128,7 +128,7 @@ private:
 
     async::Task<> judge(async::Task<SwitchResult> task, bool& ended) {
         Outcome outcome;
-        co_await testing::noteOutcome(std::move(task), outcome);
+        co_await testing::noteEnd(std::move(task), outcome);
         ended = true;
         note(outcome);
         judgePointer();
@@ -149,8 +149,8 @@ private:
 
     void judgePointer() {
         const auto& events = session_.events;
-        if (events.lastWarp) {
-            EXPECT_EQ(*events.lastWarp, *events.saved) << "the last warp is the way back";
+        if (!events.warps.empty()) {
+            EXPECT_EQ(events.warps.back(), *events.saved) << "the last warp is the way back";
         }
         if (!befell(SimulatedFault::pointerGrabbed) && !befallen_.contains("display unplugged")) {
             EXPECT_EQ(session_.mac.pointer().position(), pointerBefore_);

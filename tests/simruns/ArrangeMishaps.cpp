@@ -7,21 +7,46 @@
 namespace lumnara::testing {
 
 const std::vector<ArrangeMishaps::Mishap> ArrangeMishaps::mishaps{
-    {"a desktop vanishes", &ArrangeMishaps::removeSpace},
-    {"a desktop appears", &ArrangeMishaps::addSpace},
-    {"another order by the user", &ArrangeMishaps::moveSpace},
-    {"display unplugged", &ArrangeMishaps::unplug},
+    {"a desktop vanishes",
+     [](ArrangeMishaps& at) {
+         const SpaceID space = at.anySpace();
+         at.changedTheLayout_ = true;
+         at.removed_.insert(space);
+         at.stage_.mac.removeSpace(space);
+     }},
+    {"a desktop appears",
+     [](ArrangeMishaps& at) {
+         at.changedTheLayout_ = true;
+         at.added_.insert(at.stage_.mac.addDesktop(at.stage_.display.uuid));
+     }},
+    {"another order by the user",
+     [](ArrangeMishaps& at) {
+         at.changedTheLayout_ = true;
+         at.stage_.mac.moveSpace(at.anySpace(), at.random_.below(5));
+     }},
+    {"display unplugged",
+     [](ArrangeMishaps& at) {
+         at.changedTheLayout_ = true;
+         at.stage_.mac.removeScreen(at.stage_.display.isMain() ? "RIGHT" : at.stage_.display.uuid);
+     }},
     {"display unplugged for a while", &ArrangeMishaps::unplugForAWhile},
-    {"screen locked", &ArrangeMishaps::lockScreen},
-    {"Mac woken", &ArrangeMishaps::wake},
-    {"a reading fails", &ArrangeMishaps::failReading},
-    {"attribute missing", &ArrangeMishaps::dropAttributes},
-    {"attribute of another type", &ArrangeMishaps::mistypeAttributes},
-    {"frames of NaN", &ArrangeMishaps::tellNoNumbers},
-    {"frames of no size", &ArrangeMishaps::tellNoArea},
-    {"titles in another language", &ArrangeMishaps::translateTitles},
-    {"actions refused", &ArrangeMishaps::refuseActions},
-    {"actions ignored", &ArrangeMishaps::ignoreActions}};
+    {"screen locked", [](ArrangeMishaps& at) { at.stage_.mac.isLocked = true; }},
+    {"Mac woken", [](ArrangeMishaps& at) { at.stage_.mac.wake(); }},
+    {"a reading fails",
+     [](ArrangeMishaps& at) { at.stage_.provider.failures = 1 + static_cast<int>(at.random_.below(3)); }},
+    {"attribute missing", [](ArrangeMishaps& at) { at.damage(at.anyAttribute(), std::nullopt); }},
+    {"attribute of another type", [](ArrangeMishaps& at) { at.damage(at.anyAttribute(), true); }},
+    {"frames of NaN",
+     [](ArrangeMishaps& at) {
+         constexpr double none = std::numeric_limits<double>::quiet_NaN();
+         at.damage("AXPosition", Point{none, none});
+     }},
+    {"frames of no size", [](ArrangeMishaps& at) { at.damage("AXSize", Size{}); }},
+    {"titles in another language", [](ArrangeMishaps& at) { at.damage("AXTitle", "Schreibtisch 1"); }},
+    {"actions refused",
+     [](ArrangeMishaps& at) { at.stage_.accessibility.actions = DamagedAccessibility::Actions::refused; }},
+    {"actions ignored",
+     [](ArrangeMishaps& at) { at.stage_.accessibility.actions = DamagedAccessibility::Actions::ignored; }}};
 
 /// Nobody would notice by now.
 constexpr auto lateSymbol = static_cast<std::size_t>(SimulatedFault::symbolMissing);
@@ -43,7 +68,7 @@ std::vector<std::unique_ptr<async::Delayed>> ArrangeMishaps::schedule(double sec
             } else {
                 const Mishap& mishap = mishaps[which - everySimulatedFault.size()];
                 befallen_.emplace(mishap.name);
-                (this->*mishap.happen)();
+                mishap.happen(*this);
             }
         }));
     }
@@ -65,28 +90,6 @@ SpaceID ArrangeMishaps::anySpace() {
     return spaces[random_.below(spaces.size())].id;
 }
 
-void ArrangeMishaps::removeSpace() {
-    const SpaceID space = anySpace();
-    changedTheLayout_ = true;
-    removed_.insert(space);
-    stage_.mac.removeSpace(space);
-}
-
-void ArrangeMishaps::addSpace() {
-    changedTheLayout_ = true;
-    added_.insert(stage_.mac.addDesktop(stage_.display.uuid));
-}
-
-void ArrangeMishaps::moveSpace() {
-    changedTheLayout_ = true;
-    stage_.mac.moveSpace(anySpace(), random_.below(5));
-}
-
-void ArrangeMishaps::unplug() {
-    changedTheLayout_ = true;
-    stage_.mac.removeScreen(stage_.display.isMain() ? "RIGHT" : stage_.display.uuid);
-}
-
 void ArrangeMishaps::unplugForAWhile() {
     const auto& screens = stage_.mac.layout().screens();
     const ScreenInfo screen = screens[random_.below(screens.size())];
@@ -98,14 +101,12 @@ void ArrangeMishaps::unplugForAWhile() {
     }));
 }
 
-void ArrangeMishaps::lockScreen() { stage_.mac.isLocked = true; }
-void ArrangeMishaps::wake() { stage_.mac.wake(); }
-void ArrangeMishaps::failReading() { stage_.provider.failures = 1 + static_cast<int>(random_.below(3)); }
-
 /// For a moment, or for good.
-void ArrangeMishaps::damage(DamagedAccessibility::Damage damage) {
+void ArrangeMishaps::damage(std::string attribute, std::optional<AccessibilityValue> lie) {
     damagedTree_ = true;
-    stage_.accessibility.damage = std::move(damage);
+    stage_.accessibility.damage = [=](std::string_view name, const AccessibilityValue& value) {
+        return name == attribute ? lie : std::optional(value);
+    };
     if (random_.below(2) == 0) return;
     ends_.push_back(std::make_unique<async::Delayed>(stage_.loop, random_.between(0.01, 1),
                                                      [this] { stage_.accessibility.damage = nullptr; }));
@@ -114,49 +115,6 @@ void ArrangeMishaps::damage(DamagedAccessibility::Damage damage) {
 std::string ArrangeMishaps::anyAttribute() {
     constexpr std::array names{"AXChildren", "AXIdentifier", "AXRole", "AXTitle", "AXPosition", "AXSize"};
     return names[random_.below(names.size())];
-}
-
-void ArrangeMishaps::dropAttributes() {
-    damage([damaged = anyAttribute()](std::string_view name, const AccessibilityValue& value) {
-        return name == damaged ? std::nullopt : std::optional(value);
-    });
-}
-
-void ArrangeMishaps::mistypeAttributes() {
-    damage([damaged = anyAttribute()](std::string_view name, const AccessibilityValue& value) {
-        return std::optional(name == damaged ? AccessibilityValue(true) : value);
-    });
-}
-
-void ArrangeMishaps::tellNoNumbers() {
-    damage([](std::string_view name, const AccessibilityValue& value) -> std::optional<AccessibilityValue> {
-        constexpr double none = std::numeric_limits<double>::quiet_NaN();
-        if (name == "AXPosition") return Point{none, none};
-        return value;
-    });
-}
-
-void ArrangeMishaps::tellNoArea() {
-    damage([](std::string_view name, const AccessibilityValue& value) -> std::optional<AccessibilityValue> {
-        if (name == "AXSize") return Size{};
-        return value;
-    });
-}
-
-void ArrangeMishaps::translateTitles() {
-    damage([](std::string_view name, const AccessibilityValue& value) -> std::optional<AccessibilityValue> {
-        const auto* title = std::get_if<std::string>(&value);
-        if (name == "AXTitle" && title && title->starts_with("Desktop "))
-            return "Schreibtisch " + title->substr(8);
-        return value;
-    });
-}
-
-void ArrangeMishaps::refuseActions() {
-    stage_.accessibility.actions = DamagedAccessibility::Actions::refused;
-}
-void ArrangeMishaps::ignoreActions() {
-    stage_.accessibility.actions = DamagedAccessibility::Actions::ignored;
 }
 
 } // namespace lumnara::testing

@@ -2,7 +2,9 @@
 
 #include "tests/simruns/ArrangeStage.h"
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -32,26 +34,13 @@ public:
 private:
     struct Mishap {
         const char* name;
-        void (ArrangeMishaps::*happen)();
+        std::function<void(ArrangeMishaps&)> happen;
     };
     static const std::vector<Mishap> mishaps;
 
-    void removeSpace();
-    void addSpace();
-    void moveSpace();
-    void unplug();
     void unplugForAWhile();
-    void lockScreen();
-    void wake();
-    void failReading();
-    void dropAttributes();
-    void mistypeAttributes();
-    void tellNoNumbers();
-    void tellNoArea();
-    void translateTitles();
-    void refuseActions();
-    void ignoreActions();
-    void damage(DamagedAccessibility::Damage damage);
+    /// The attribute is told otherwise, or not at all.
+    void damage(std::string attribute, std::optional<AccessibilityValue> lie);
     std::string anyAttribute();
     SpaceID anySpace();
 

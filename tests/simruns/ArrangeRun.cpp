@@ -252,18 +252,6 @@ void ArrangeTally::add(const ArrangeRunEnd& end) {
     if (end.befallen.empty()) ++endings["nothing"][ending];
 }
 
-std::string ArrangeTally::table() const {
-    std::string text;
-    for (const auto& [mishap, counts] : endings) {
-        std::vector<std::pair<std::string, int>> sorted(counts.begin(), counts.end());
-        std::ranges::sort(sorted,
-                          [](const auto& one, const auto& other) { return one.second > other.second; });
-        text += fmt::format("  {}\n", mishap);
-        for (const auto& [ending, count] : sorted) text += fmt::format("{:10}  {}\n", count, ending);
-    }
-    return text;
-}
-
 ArrangeRunEnd playArrangeRun(ArrangeWork work, std::uint64_t seed) { return ArrangeRun(work, seed).play(); }
 
 } // namespace lumnara::testing

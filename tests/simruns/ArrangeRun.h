@@ -28,8 +28,6 @@ struct ArrangeTally {
     std::map<std::string, std::map<std::string, int>> endings;
 
     void add(const ArrangeRunEnd& end);
-    /// A line a mishap, with its endings from the most frequent on.
-    std::string table() const;
 };
 
 /// A simulated Mac, its user, its faults and a piece of work on its desktops, all from one seed: what goes

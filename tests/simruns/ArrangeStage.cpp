@@ -1,6 +1,5 @@
 #include "tests/simruns/ArrangeStage.h"
 
-#include "core/model/SpaceKitError.h"
 #include "core/platform/mac/missioncontrol/FrameArea.h"
 #include "tests/simruns/TwoScreens.h"
 
@@ -20,15 +19,6 @@ MacSeams withScreens(SimulatedMac& mac, int left, int right,
 }
 
 } // namespace
-
-SpaceSnapshot WatchedProvider::snapshot() {
-    last.reset();
-    if (failures > 0 && failures-- > 0) throw SpaceKitError::enumerationFailed();
-    last = LiveSpaceProvider::snapshot();
-    if (bend) bend(*last);
-    if (!first) first = last;
-    return *last;
-}
 
 SimulatedMacOptions ArrangeStage::optionsFrom(SimulatedRandom& random, std::uint64_t seed) {
     return {.seed = seed,

@@ -2,30 +2,14 @@
 
 #include "core/async/TestLoop.h"
 #include "core/platform/mac/missioncontrol/MissionControlArranger.h"
-#include "core/platform/mac/server/LiveSpaceProvider.h"
 #include "core/platform/sim/SimulatedMac.h"
 #include "tests/simruns/DamagedAccessibility.h"
 #include "tests/simruns/WatchedDriver.h"
+#include "tests/simruns/WatchedProvider.h"
 
 #include <functional>
-#include <optional>
 
 namespace lumnara::testing {
-
-/// The provider, with what it told, and failing on demand.
-class WatchedProvider : public LiveSpaceProvider {
-public:
-    using LiveSpaceProvider::LiveSpaceProvider;
-
-    int failures = 0;
-    /// Bends what is told.
-    std::function<void(SpaceSnapshot&)> bend;
-    std::optional<SpaceSnapshot> first;
-    /// Nothing when the last reading failed.
-    std::optional<SpaceSnapshot> last;
-
-    SpaceSnapshot snapshot() override;
-};
 
 /// A furnished simulated Mac, and everything that arranges its desktops.
 class ArrangeStage {

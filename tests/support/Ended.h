@@ -11,25 +11,28 @@ namespace lumnara::testing {
 
 /// How a task ended.
 template <class T> struct Ended {
-    std::optional<T> value;
+    std::optional<T> result;
     std::exception_ptr error;
 
-    template <class E> bool failedWith(const E& expected) const {
-        if (!error) return false;
+    /// Nothing for an error of another type.
+    template <class E> std::optional<E> errorAs() const {
         try {
-            std::rethrow_exception(error);
+            if (error) std::rethrow_exception(error);
         } catch (const E& caught) {
-            return caught == expected;
+            return caught;
         } catch (...) {
-            return false;
+            return std::nullopt;
         }
+        return std::nullopt;
     }
+    template <class E> bool failedWith(const E& expected) const { return errorAs<E>() == expected; }
+    template <class E> bool failedWithA() const { return errorAs<E>().has_value(); }
 };
 
 template <class T> async::Task<> noteEnd(async::Task<T> task, Ended<T>& ended) {
     try {
-        T value = co_await std::move(task);
-        ended.value = std::move(value);
+        T result = co_await std::move(task);
+        ended.result = std::move(result);
     } catch (...) {
         ended.error = std::current_exception();
     }
@@ -45,7 +48,7 @@ template <class T> Ended<T> finish(async::TestLoop& loop, async::Task<T> task) {
     Ended<T> ended;
     const auto handle = async::spawn(loop, noteEnd(std::move(task), ended));
     loop.runUntilDone();
-    EXPECT_TRUE(ended.value || ended.error);
+    EXPECT_TRUE(ended.result || ended.error);
     return ended;
 }
 inline Ended<bool> finish(async::TestLoop& loop, async::Task<> task) {

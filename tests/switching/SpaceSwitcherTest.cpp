@@ -117,8 +117,7 @@ TEST_F(SpaceSwitcherTest, SomeFailuresEndTheChainAtOnce) {
     // A cancelled switch doesn't fall to the next engine either.
     switcher.engineOverride = {&dock, &helper};
     Outcome outcome;
-    auto handle =
-        async::spawn(loop, testing::noteOutcome(switcher.switchTo(desktop(2), {"D1"}, {}), outcome));
+    auto handle = async::spawn(loop, testing::noteEnd(switcher.switchTo(desktop(2), {"D1"}, {}), outcome));
     loop.advance(0.05);
     handle.cancel();
     loop.runUntilDone();

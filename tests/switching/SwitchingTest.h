@@ -1,13 +1,12 @@
 #pragma once
 
-#include "core/async/TestLoop.h"
 #include "core/switching/SpaceSwitching.h"
 #include "core/switching/SwitchError.h"
 #include "core/switching/SwitchVerifier.h"
 #include "tests/model/Layouts.h"
+#include "tests/support/Ended.h"
 #include "tests/support/ScriptedProvider.h"
 
-#include <exception>
 #include <gtest/gtest.h>
 #include <optional>
 #include <stdexcept>
@@ -26,51 +25,15 @@ inline SpaceSnapshot twoDisplays(Date takenAt = {}) {
             takenAt};
 }
 
-/// How a task ended.
-struct Outcome {
-    std::optional<SwitchResult> result;
-    std::exception_ptr error;
-
-    bool ended() const { return result.has_value() || error != nullptr; }
-    std::optional<SwitchError> switchError() const {
-        if (!error) return std::nullopt;
-        try {
-            std::rethrow_exception(error);
-        } catch (const SwitchError& caught) {
-            return caught;
-        } catch (...) {
-            return std::nullopt;
-        }
-    }
+/// How a switch ended.
+struct Outcome : Ended<SwitchResult> {
+    std::optional<SwitchError> switchError() const { return errorAs<SwitchError>(); }
     bool failedWith(SwitchError::Case which) const { return switchError() == SwitchError(which); }
-    template <class E> bool failedWithA() const {
-        if (!error) return false;
-        try {
-            std::rethrow_exception(error);
-        } catch (const E&) {
-            return true;
-        } catch (...) {
-            return false;
-        }
-    }
 };
-
-inline async::Task<> noteOutcome(async::Task<SwitchResult> task, Outcome& outcome) {
-    try {
-        const SwitchResult result = co_await std::move(task);
-        outcome.result = result;
-    } catch (...) {
-        outcome.error = std::current_exception();
-    }
-}
 
 /// Runs a switch to its end.
 inline Outcome finish(async::TestLoop& loop, async::Task<SwitchResult> task) {
-    Outcome outcome;
-    const auto handle = async::spawn(loop, noteOutcome(std::move(task), outcome));
-    loop.runUntilDone();
-    EXPECT_TRUE(outcome.ended());
-    return outcome;
+    return {finish<SwitchResult>(loop, std::move(task))};
 }
 
 } // namespace lumnara::testing

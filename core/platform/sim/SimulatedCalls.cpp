@@ -3,6 +3,8 @@
 #include "core/text/Text.h"
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 // The window server's calls over a simulated Mac.
 namespace lumnara {
@@ -11,6 +13,17 @@ namespace {
 
 using Connection = WindowServerCalls::Connection;
 constexpr Connection ownConnection = 0x1A2B3;
+/// The current Space, the others and the user's: the only mask that is answered here.
+constexpr int everySpace = 7;
+
+/// On another connection than the program's own the window server tells nothing and does nothing.
+template <class R, class... Arguments>
+void requireOwnConnection(std::function<R(Connection, Arguments...)>& call) {
+    if (!call) return;
+    call = [answer = std::move(call)](Connection connection, Arguments... arguments) {
+        return connection == ownConnection ? answer(connection, arguments...) : R();
+    };
+}
 
 std::vector<SpaceID> idsOf(const std::vector<std::uint64_t>& raw) {
     std::vector<SpaceID> ids;
@@ -25,6 +38,17 @@ WindowServerCalls SimulatedMac::calls() {
     if (offers("CGSMainConnectionID")) calls.mainConnectionID = [] { return ownConnection; };
     offerReadings(calls);
     offerWindows(calls);
+    requireOwnConnection(calls.copyManagedDisplaySpaces);
+    requireOwnConnection(calls.getActiveSpace);
+    requireOwnConnection(calls.managedDisplayGetCurrentSpace);
+    requireOwnConnection(calls.copyActiveMenuBarDisplayIdentifier);
+    requireOwnConnection(calls.copyManagedDisplayForSpace);
+    requireOwnConnection(calls.managedDisplayIsAnimating);
+    requireOwnConnection(calls.copyBestManagedDisplayForPoint);
+    requireOwnConnection(calls.spaceGetType);
+    requireOwnConnection(calls.copySpacesForWindows);
+    requireOwnConnection(calls.addWindowsToSpaces);
+    requireOwnConnection(calls.removeWindowsFromSpaces);
     return calls;
 }
 
@@ -79,8 +103,9 @@ void SimulatedMac::offerWindows(WindowServerCalls& calls) {
     using Windows = std::vector<WindowNumber>;
     using Raw = std::vector<std::uint64_t>;
     if (offers("CGSCopySpacesForWindows"))
-        calls.copySpacesForWindows = [this](Connection, int, const Windows& windows) {
+        calls.copySpacesForWindows = [this](Connection, int mask, const Windows& windows) {
             Raw spaces;
+            if (mask != everySpace) return spaces;
             for (const WindowNumber number : windows)
                 if (const SimulatedWindow* window = windows_.find(number))
                     for (const SpaceID space : window->spaces)

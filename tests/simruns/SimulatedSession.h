@@ -7,7 +7,6 @@
 #include "tests/simruns/TwoScreens.h"
 
 #include <functional>
-#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
