@@ -85,8 +85,27 @@ async::Task<bool> EwmhDesktopArranging::moveAll(Indexes targets) {
         moved = co_await comesTrue(come);
     }
     windows_.watch(move.after, false);
-    if (!moved) takeBack(move);
+    if (moved)
+        co_await bringLatecomers(move);
+    else
+        takeBack(move);
     co_return moved;
+}
+
+/// A window that opened before the window manager heard of the move stands where the shown desktop was then.
+/// By now the window manager has listed it: it takes things in their order.
+async::Task<> EwmhDesktopArranging::bringLatecomers(const Move& move) {
+    if (move.current == move.currentBefore) co_return;
+    std::vector<EwmhPlacement> homes;
+    for (const EwmhPlacement& placement : windows_.placements())
+        if (placement.desktop == move.currentBefore &&
+            std::ranges::find(move.before, placement.window, &EwmhPlacement::window) == move.before.end())
+            homes.push_back({placement.window, static_cast<std::uint32_t>(move.current)});
+    if (homes.empty()) co_return;
+    windows_.watch(homes, true);
+    for (const EwmhPlacement& home : homes) windows_.request(home);
+    co_await comesTrue([this, &homes] { return windows_.misplaced(homes).empty(); });
+    windows_.watch(homes, false);
 }
 
 EwmhDesktopArranging::Move EwmhDesktopArranging::planMove(const Indexes& targets) {

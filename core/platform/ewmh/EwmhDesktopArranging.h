@@ -40,6 +40,7 @@ private:
     async::Task<bool> changeCount(std::size_t count);
     Move planMove(const Indexes& targets);
     void request(const Move& move);
+    async::Task<> bringLatecomers(const Move& move);
     void takeBack(const Move& move);
     bool hasCome(const Move& move);
     async::Task<bool> comesTrue(std::function<bool()> condition);
