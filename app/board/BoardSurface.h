@@ -22,6 +22,8 @@ class BoardSurface {
 public:
     virtual ~BoardSurface() = default;
 
+    /// Gets ready to be shown there, unseen: what takes time at a first showing is done.
+    virtual void prepare(const ScreenInfo& screen) = 0;
     /// Puts the panel up, over the whole screen. Also called while shown, when the screen has changed.
     virtual void show(const ScreenInfo& screen) = 0;
     virtual void hide() = 0;

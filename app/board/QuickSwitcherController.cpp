@@ -18,6 +18,8 @@ namespace {
 
 constexpr double staleAfterSeconds = 2.0;
 constexpr double refreshSeconds = 2.0;
+/// How long a closed Board keeps its panels, each with a store as large as its screen, in seconds.
+constexpr double keepSeconds = 120;
 
 std::string frameText(const Rect& frame) {
     return fmt::format("{:g},{:g} {:g}x{:g}", frame.x, frame.y, frame.width, frame.height);
@@ -53,6 +55,7 @@ void QuickSwitcherController::toggle() {
 void QuickSwitcherController::open() {
     if (isOpen()) return;
     closing_.reset();
+    givingBack_.reset();
     refreshIfStale();
     screens_ = readScreens();
     std::erase_if(panels_, [&](const auto& panel) {
@@ -61,7 +64,11 @@ void QuickSwitcherController::open() {
     });
     const std::vector<ScreenInfo> chosen = chooseScreens();
     if (!chosen.empty()) lastPointer_ = state_.platform().screens->pointer();
-    for (const ScreenInfo& screen : chosen) putUp(screen, chosen.size() > 1);
+    for (const ScreenInfo& screen : chosen) {
+        Panel& panel = fill(screen, chosen.size() > 1);
+        shown_.push_back(&panel);
+        panel.surface->show(screen);
+    }
     if (isOpen()) giveKeyboard(panelUnderPointer());
     logOpening();
     if (!isOpen()) return;
@@ -81,7 +88,19 @@ void QuickSwitcherController::close() {
         panel->surface->hide();
         panel->model.close();
     }
+    givingBack_ = std::make_unique<async::Delayed>(state_.loop(), keepSeconds, [this] { panels_.clear(); });
     if (onClosed) onClosed();
+}
+
+void QuickSwitcherController::prepare() {
+    if (!panels_.empty()) return;
+    screens_ = readScreens();
+    const std::vector<ScreenInfo> chosen = chooseScreens();
+    for (const ScreenInfo& screen : chosen) {
+        Panel& panel = fill(screen, chosen.size() > 1);
+        panel.surface->prepare(screen);
+        panel.model.close();
+    }
 }
 
 /// A window manager is asked first, which takes the next turn, and does its work while the Board closes.
@@ -129,14 +148,14 @@ std::vector<ScreenInfo> QuickSwitcherController::chooseScreens() {
     return {under != screens_.end() ? *under : screens_.front()};
 }
 
-void QuickSwitcherController::putUp(const ScreenInfo& screen, bool scopeFixed) {
+/// The panel of a screen, as it is at an opening.
+QuickSwitcherController::Panel& QuickSwitcherController::fill(const ScreenInfo& screen, bool scopeFixed) {
     Panel& panel = panelOn(screen);
     const auto& snapshot = state_.catalog().snapshot.get();
     const DisplayID display{snapshot ? snapshot->presentationDisplay(screen.uuid) : screen.uuid};
     panel.model.open(display, screen.frame.width, scopeFixed);
     panel.model.reset();
-    shown_.push_back(&panel);
-    panel.surface->show(screen);
+    return panel;
 }
 
 QuickSwitcherController::Panel& QuickSwitcherController::panelOn(const ScreenInfo& screen) {

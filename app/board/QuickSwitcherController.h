@@ -30,6 +30,8 @@ public:
     void toggle();
     void open();
     void close();
+    /// Makes the panels while nobody waits for them, so that the first opening is as quick as any.
+    void prepare();
     /// A menu of the application opened (true) or closed (false).
     void trackMenu(bool open);
     /// Asks for the switch and closes the Board: in this order where a window manager is asked, else the
@@ -46,7 +48,7 @@ public:
     std::function<void(const Desktop&)> onSwitchedFromBoard;
 
 private:
-    /// One screen's surface with its model. Kept while closed and used again at the next opening.
+    /// One screen's surface with its model. Kept for a while when closed and used again at the next opening.
     struct Panel {
         Panel(AppState& state, ScreenInfo onScreen);
 
@@ -59,7 +61,7 @@ private:
     void refreshIfStale();
     std::vector<ScreenInfo> readScreens();
     std::vector<ScreenInfo> chooseScreens();
-    void putUp(const ScreenInfo& screen, bool scopeFixed);
+    Panel& fill(const ScreenInfo& screen, bool scopeFixed);
     Panel& panelOn(const ScreenInfo& screen);
     void connect(Panel& panel);
     bool isShown(const Panel& panel) const;
@@ -85,6 +87,8 @@ private:
     AppState& state_;
     BoardSurfaceFactory& factory_;
     std::vector<std::unique_ptr<Panel>> panels_;
+    /// From the closing on, until the panels are given back.
+    std::unique_ptr<async::Delayed> givingBack_;
     /// The panels that are up; empty while closed.
     std::vector<Panel*> shown_;
     /// The one that holds the keyboard.

@@ -12,6 +12,13 @@
 
 namespace lumnara {
 
+namespace {
+
+/// When the start is over and the program has nothing to do, in seconds.
+constexpr double idleAfterStart = 1;
+
+} // namespace
+
 Surfaces::Surfaces(AppState& state, std::function<bool()> isComposited)
     : state_(state),
       windows_(state.loop(), std::move(isComposited)),
@@ -30,7 +37,8 @@ Surfaces::Surfaces(AppState& state, std::function<bool()> isComposited)
           },
           [this](const ScreenInfo& screen) { return hasCards() && !board_.covers(screen); }),
       automationEditor_(state.loop(), state.automations(), state.automationRunner()),
-      trackingPage_(state.loop(), state.tracking().store(), state.tracking().sampler()) {
+      trackingPage_(state.loop(), state.tracking().store(), state.tracking().sampler()),
+      preparing_(state.loop(), idleAfterStart, [this] { board_.prepare(); }) {
     if (layers_.isOffered()) notice_.standOn(layers_);
     notice_.areaInUse = [this] { return areaInUse(); };
     QApplication::setQuitOnLastWindowClosed(false);

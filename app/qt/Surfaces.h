@@ -11,6 +11,7 @@
 #include "app/qt/settings/SettingsWindow.h"
 #include "app/qt/windows/LayerShell.h"
 #include "app/tracking/TrackingPage.h"
+#include "core/async/Timer.h"
 #include "core/automation/AutomationEditor.h"
 
 #include <functional>
@@ -58,6 +59,7 @@ private:
     std::unique_ptr<SettingsWindow> settings_;
     std::unique_ptr<RenameDialog> rename_;
     async::Subscription notices_;
+    async::Delayed preparing_;
 };
 
 } // namespace lumnara

@@ -124,7 +124,8 @@ QImage draw(const Scene& scene, Appearance appearance, double devicePixelRatio) 
     QImage image(scene.size * devicePixelRatio, QImage::Format_RGB32);
     image.setDevicePixelRatio(devicePixelRatio);
     image.fill(Qt::magenta);
-    BoardPainter board;
+    TilePictures pictures;
+    BoardPainter board(pictures);
     board.setLook(Theme::of(appearance), false, devicePixelRatio);
     QPainter painter(&image);
     board.paint(painter, QRectF({}, scene.size), scene.content, layoutOf(scene), {});

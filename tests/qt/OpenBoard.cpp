@@ -60,7 +60,7 @@ OpenBoard::OpenBoard(const Displays& displays, QSize size)
       store(loop, folder / "desktops.json"),
       catalog(loop, provider, store),
       model(catalog, settings),
-      view(loop, surface, model) {
+      view(loop, surface, model, pictures) {
     surface.view = &view;
     std::size_t position = 0;
     const std::vector<Desktop> desktops = catalog.desktops();

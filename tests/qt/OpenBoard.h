@@ -21,6 +21,7 @@ namespace lumnara::testing {
 class RecordingSurface final : public BoardSurface {
 public:
     RecordingSurface();
+    void prepare(const ScreenInfo&) override {}
     void show(const ScreenInfo&) override {}
     void hide() override {}
     void redraw() override { view->refresh(); }
@@ -85,6 +86,7 @@ public:
     AppSettings settings{defaults};
     QuickSwitcherModel model;
     RecordingSurface surface;
+    TilePictures pictures;
     BoardView view;
 
 private:

@@ -306,27 +306,4 @@ void BoardPainter::drawTip(QPainter& painter, const BoardLayout& layout) {
         QFontMetricsF(painter.font()).elidedText(QString::fromUtf8(linkTip), Qt::ElideRight, box.width()));
 }
 
-void warmUpDrawing() {
-    constexpr QSize size(800, 600);
-    BoardContent sample;
-    for (const bool named : {true, false}) {
-        TileContent tile;
-        tile.name = QStringLiteral("AaBbCcDdEeFfGgHhIiJjKkLlMmNnOoPpQqRrSsTtUuVvWwXxYyZz 0123456789");
-        tile.detail = tile.name;
-        tile.symbol = QStringLiteral("square.dashed");
-        tile.digit = 1;
-        tile.isNamed = tile.isCurrent = named;
-        sample.tiles.push_back(std::move(tile));
-    }
-    sample.query = QStringLiteral("Aa");
-    sample.error = sample.scope = QStringLiteral("Aa");
-    const int tiles = static_cast<int>(sample.tiles.size());
-    QPixmap nowhere(size);
-    QPainter painter(&nowhere);
-    BoardPainter board;
-    board.setLook(Theme::of(sessionAppearance()), false, 1);
-    board.paint(painter, QRectF(QPointF(), size), sample,
-                BoardLayout({.surface = size, .tiles = tiles, .restingTiles = tiles}), {});
-}
-
 } // namespace lumnara

@@ -22,6 +22,9 @@ struct BoardPose {
 /// Draws one surface of the Board.
 class BoardPainter {
 public:
+    /// The pictures outlive the painter.
+    explicit BoardPainter(TilePictures& pictures) : tiles_(pictures) {}
+
     /// With `translucent` the session shows through a little; without a compositor nothing could.
     void setLook(const Theme& theme, bool translucent, double devicePixelRatio);
 
@@ -48,8 +51,5 @@ private:
     QPixmap backdrop_; ///< one strip of the backdrop, as high as the surface
     TilePainter tiles_;
 };
-
-/// Draws a Board for nobody, so that fonts and symbols are loaded before the first one is opened.
-void warmUpDrawing();
 
 } // namespace lumnara

@@ -7,6 +7,7 @@
 #include "app/qt/windows/WindowSystem.h"
 #include "core/async/Loop.h"
 
+#include <QBackingStore>
 #include <QEnterEvent>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
@@ -41,10 +42,12 @@ bool sameTiles(const BoardContent& a, const BoardContent& b) {
 
 } // namespace
 
-BoardView::BoardView(async::Loop& loop, BoardSurface& surface, QuickSwitcherModel& model)
+BoardView::BoardView(async::Loop& loop, BoardSurface& surface, QuickSwitcherModel& model,
+                     TilePictures& pictures)
     : loop_(loop),
       surface_(surface),
-      model_(model) {
+      model_(model),
+      painter_(pictures) {
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_InputMethodEnabled);
@@ -65,6 +68,26 @@ void BoardView::open(const QRect& area, bool translucent) {
     layOut();
     motion_.jumpTo(content_.selected ? layout_.scrollShowing(static_cast<int>(*content_.selected), 0) : 0);
     update();
+}
+
+void BoardView::drawUnseen() {
+    awaitingPaint_ = false;
+    // A Wayland window has no store before it is shown: there, fonts, symbols and tiles are made ready alone.
+    QPixmap elsewhere;
+    if (!placesOwnWindows()) {
+        elsewhere = QPixmap(size());
+        QPainter painter(&elsewhere);
+        return draw(painter);
+    }
+    winId();
+    QBackingStore& store = *backingStore();
+    store.resize(size());
+    store.beginPaint(rect());
+    {
+        QPainter painter(store.paintDevice());
+        draw(painter);
+    }
+    store.endPaint();
 }
 
 void BoardView::closed() {
@@ -165,10 +188,14 @@ void BoardView::glideFrom(const BoardContent& before, const BoardLayout& layoutB
     }
 }
 
-void BoardView::paintEvent(QPaintEvent*) {
+void BoardView::draw(QPainter& painter) {
     painter_.setLook(Theme::of(sessionAppearance()), translucent_, devicePixelRatioF());
-    QPainter painter(this);
     painter_.paint(painter, rect(), content_, layout_, motion_.pose());
+}
+
+void BoardView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    draw(painter);
     if (!awaitingPaint_) return;
     awaitingPaint_ = false;
     // Behind the flush that follows the painting.

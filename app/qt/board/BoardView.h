@@ -20,13 +20,16 @@ class QuickSwitcherModel;
 struct DesktopMenuItem;
 
 /// The widget of one Board surface: draws the model and turns what the toolkit reports into the callbacks of
-/// its BoardSurface. The loop, the surface and the model outlive it.
+/// its BoardSurface. The loop, the surface, the model and the pictures outlive
+/// it.
 class BoardView final : public QWidget {
 public:
-    BoardView(async::Loop& loop, BoardSurface& surface, QuickSwitcherModel& model);
+    BoardView(async::Loop& loop, BoardSurface& surface, QuickSwitcherModel& model, TilePictures& pictures);
 
     /// Takes a fresh start over an area of the toolkit's virtual desktop, before it is shown there.
     void open(const QRect& area, bool translucent);
+    /// After open(), in place of being shown: makes the window and its store and draws there, unseen.
+    void drawUnseen();
     /// It is shown no longer.
     void closed();
     /// Whether the keys come here; it shows.
@@ -66,6 +69,7 @@ private:
         QPointF grip; ///< from the tile's top left corner
     };
 
+    void draw(QPainter& painter);
     BoardContent readModel() const;
     void applyContent(BoardContent fresh);
     void letGo();

@@ -12,7 +12,8 @@ namespace lumnara {
 
 BoardWindow::BoardWindow(BoardWindows& windows, QuickSwitcherModel& model)
     : windows_(windows),
-      view_(windows.loop_, *this, model) {
+      view_(windows.loop_, *this, model, windows.pictures_) {
+    ++windows_.made_;
     Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
     if (placesOwnWindows()) flags |= Qt::BypassWindowManagerHint | Qt::WindowStaysOnTopHint;
     view_.setWindowFlags(flags);
@@ -28,18 +29,30 @@ BoardWindow::BoardWindow(BoardWindows& windows, QuickSwitcherModel& model)
     };
 }
 
-BoardWindow::~BoardWindow() { hide(); }
+BoardWindow::~BoardWindow() {
+    hide();
+    windows_.noteGone();
+}
 
-void BoardWindow::show(const ScreenInfo& info) {
-    QScreen* screen = screenFor(info);
-    if (std::ranges::find(windows_.shown_, this) == windows_.shown_.end()) windows_.shown_.push_back(this);
+/// Takes a fresh start over a screen.
+void BoardWindow::open(const ScreenInfo& info) {
     const bool translucent = view_.testAttribute(Qt::WA_TranslucentBackground) && windows_.isComposited_ &&
                              windows_.isComposited_();
-    view_.setScreen(screen);
+    view_.setScreen(screenFor(info));
     const QRect area = areaOf(info);
     view_.open(area, translucent);
     // Also where the compositor places it: a window is made for the screen that its place is on.
     view_.setGeometry(area);
+}
+
+void BoardWindow::prepare(const ScreenInfo& info) {
+    open(info);
+    view_.drawUnseen();
+}
+
+void BoardWindow::show(const ScreenInfo& info) {
+    if (std::ranges::find(windows_.shown_, this) == windows_.shown_.end()) windows_.shown_.push_back(this);
+    open(info);
     if (!placesOwnWindows()) {
         view_.showFullScreen();
         windows_.shortcuts_.hold(*view_.windowHandle());

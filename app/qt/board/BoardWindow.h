@@ -16,6 +16,7 @@ public:
     BoardWindow(BoardWindows& windows, QuickSwitcherModel& model);
     ~BoardWindow() override;
 
+    void prepare(const ScreenInfo& screen) override;
     void show(const ScreenInfo& screen) override;
     void hide() override;
     void redraw() override { view_.refresh(); }
@@ -26,6 +27,8 @@ public:
     }
 
 private:
+    void open(const ScreenInfo& screen);
+
     BoardWindows& windows_;
     BoardView view_;
     /// Under Wayland, from the first showing on.

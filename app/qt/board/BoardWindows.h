@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/board/BoardSurface.h"
+#include "app/qt/board/TilePainter.h"
 #include "app/qt/windows/KeyboardHold.h"
 #include "app/qt/windows/ShortcutInhibitor.h"
 #include "core/async/Signal.h"
@@ -27,8 +28,12 @@ public:
 private:
     friend class BoardWindow;
 
+    void noteGone();
+
     async::Loop& loop_;
     std::function<bool()> isComposited_;
+    TilePictures pictures_;
+    int made_ = 0; ///< windows that there are; without any, no picture is kept
     KeyboardHold keyboard_;
     /// For every window, since the compositor may have the keyboard at another than we asked it to.
     ShortcutInhibitor shortcuts_;

@@ -69,21 +69,21 @@ void drawKeycap(QPainter& painter, const Theme& theme, const QRectF& place, cons
     painter.drawText(place, Qt::AlignCenter | Qt::TextDontClip, label);
 }
 
-TilePainter::TilePainter() : pictures_(mostPictureKilobytes) {}
+TilePictures::TilePictures() : tiles_(mostPictureKilobytes) {}
+
+void TilePictures::clear() {
+    tiles_.clear();
+    grounds_.clear();
+}
 
 void TilePainter::setLook(const Theme& theme, double nameSize, double devicePixelRatio) {
-    if (theme_ == &theme && nameSize_ == nameSize && devicePixelRatio_ == devicePixelRatio) return;
-    theme_ = &theme;
-    nameSize_ = nameSize;
-    devicePixelRatio_ = devicePixelRatio;
-    pictures_.clear();
-    grounds_.clear();
+    look_ = {&theme, nameSize, devicePixelRatio};
 }
 
 void TilePainter::paint(QPainter& painter, const QRectF& place, const TileContent& tile, TileStance stance) {
     const QPointF topLeft = place.topLeft() - QPointF(metrics::tileBleed, metrics::tileBleed);
-    const Key key{tile, stance, place.size()};
-    if (const QPixmap* known = pictures_.object(key)) {
+    const TilePictures::Key key{look_, tile, stance, place.size()};
+    if (const QPixmap* known = pictures_.tiles_.object(key)) {
         painter.drawPixmap(topLeft, *known);
         return;
     }
@@ -94,47 +94,48 @@ void TilePainter::paint(QPainter& painter, const QRectF& place, const TileConten
     onto.end();
     painter.drawPixmap(topLeft, picture);
     const int kilobytes = 1 + picture.width() * picture.height() * 4 / 1024;
-    pictures_.insert(key, new QPixmap(std::move(picture)), kilobytes);
+    pictures_.tiles_.insert(key, new QPixmap(std::move(picture)), kilobytes);
 }
 
 const QPixmap& TilePainter::ground(TileStance stance, QSizeF size) {
-    for (const Ground& known : grounds_) {
-        if (known.stance == stance && known.size == size) return known.picture;
-    }
+    auto& grounds = pictures_.grounds_;
+    for (const TilePictures::Ground& known : grounds)
+        if (known.look == look_ && known.stance == stance && known.size == size) return known.picture;
     QPixmap picture = blank(size);
     QPainter onto(&picture);
     onto.setRenderHint(QPainter::Antialiasing);
     drawGround(onto, {QPointF(metrics::tileBleed, metrics::tileBleed), size}, stance);
     onto.end();
-    // A surface knows few sizes; with more, the oldest goes.
-    if (grounds_.size() == mostGrounds) grounds_.erase(grounds_.begin());
-    return grounds_.emplace_back(Ground{stance, size, std::move(picture)}).picture;
+    // Few sizes are in use at a time; with more, the oldest goes.
+    if (grounds.size() == mostGrounds) grounds.erase(grounds.begin());
+    return grounds.emplace_back(TilePictures::Ground{look_, stance, size, std::move(picture)}).picture;
 }
 
 QPixmap TilePainter::blank(QSizeF tileSize) const {
     const QSizeF size = tileSize + 2 * QSizeF(metrics::tileBleed, metrics::tileBleed);
-    QPixmap picture((size * devicePixelRatio_).toSize());
-    picture.setDevicePixelRatio(devicePixelRatio_);
+    QPixmap picture((size * look_.devicePixelRatio).toSize());
+    picture.setDevicePixelRatio(look_.devicePixelRatio);
     picture.fill(Qt::transparent);
     return picture;
 }
 
 QColor TilePainter::colorOf(const TileContent& tile) const {
-    return tile.color.isValid() ? tile.color : theme_->neutral;
+    return tile.color.isValid() ? tile.color : look_.theme->neutral;
 }
 
 void TilePainter::drawGround(QPainter& painter, const QRectF& place, TileStance stance) const {
-    const bool dark = theme_->appearance == Appearance::dark;
+    const bool dark = look_.theme->appearance == Appearance::dark;
     if (stance == TileStance::selected || stance == TileStance::lifted) {
-        drawShadow(painter, *theme_, place, metrics::tileRadius, 8, stance == TileStance::lifted ? 2 : 0, 1);
+        drawShadow(painter, *look_.theme, place, metrics::tileRadius, 8, stance == TileStance::lifted ? 2 : 0,
+                   1);
     } else if (!dark) {
-        drawShadow(painter, *theme_, place, metrics::tileRadius, 6, 2, 0.3);
+        drawShadow(painter, *look_.theme, place, metrics::tileRadius, 6, 2, 0.3);
     }
-    painter.setPen(QPen(theme_->tileBorder, 1));
-    painter.setBrush(stance == TileStance::resting ? theme_->tile : theme_->selectedTile);
+    painter.setPen(QPen(look_.theme->tileBorder, 1));
+    painter.setBrush(stance == TileStance::resting ? look_.theme->tile : look_.theme->selectedTile);
     painter.drawRoundedRect(place.adjusted(0.5, 0.5, -0.5, -0.5), metrics::tileRadius, metrics::tileRadius);
     if (stance == TileStance::resting) return;
-    QColor ringColor = theme_->selectionRing;
+    QColor ringColor = look_.theme->selectionRing;
     if (stance == TileStance::marked) ringColor.setAlphaF(0.3f);
     painter.setPen(QPen(ringColor, ringWidth));
     painter.setBrush(Qt::NoBrush);
@@ -146,22 +147,22 @@ void TilePainter::drawCorner(QPainter& painter, const QRectF& place, const TileC
     QRectF corner(place.right() - metrics::tilePadding - keycapSide + 2, place.top() + metrics::tilePadding,
                   keycapSide, keycapSide);
     if (tile.digit > 0) {
-        drawKeycap(painter, *theme_, corner, QString::number(tile.digit));
+        drawKeycap(painter, *look_.theme, corner, QString::number(tile.digit));
         corner.translate(-keycapSide - 6, 0);
     }
-    if (tile.isLinked) drawSymbol(painter, "link", corner.adjusted(2, 2, -2, -2), theme_->faintText);
+    if (tile.isLinked) drawSymbol(painter, "link", corner.adjusted(2, 2, -2, -2), look_.theme->faintText);
 }
 
 void TilePainter::drawFace(QPainter& painter, const QRectF& place, const TileContent& tile) const {
     if (tile.isDimmed) painter.setOpacity(dimmedOpacity);
     const QRectF box = textBox(place);
-    drawChip(painter, *theme_, {box.topLeft(), QSizeF(metrics::chip, metrics::chip)}, tile.symbol, tile.color,
-             tile.isCurrent);
+    drawChip(painter, *look_.theme, {box.topLeft(), QSizeF(metrics::chip, metrics::chip)}, tile.symbol,
+             tile.color, tile.isCurrent);
     drawCorner(painter, place, tile);
-    painter.setPen(tile.isNamed ? theme_->text : theme_->secondaryText);
+    painter.setPen(tile.isNamed ? look_.theme->text : look_.theme->secondaryText);
     drawFitted(painter, box.adjusted(0, 0, 0, -detailHeight - 2), tile.name,
-               interfaceFont(nameSize_, tile.isNamed ? QFont::DemiBold : QFont::Medium), 2);
-    painter.setPen(tile.isCurrent ? theme_->legible(colorOf(tile)) : theme_->faintText);
+               interfaceFont(look_.nameSize, tile.isNamed ? QFont::DemiBold : QFont::Medium), 2);
+    painter.setPen(tile.isCurrent ? look_.theme->legible(colorOf(tile)) : look_.theme->faintText);
     drawFitted(painter, box, tile.detail,
                interfaceFont(detailSize, tile.isCurrent ? QFont::DemiBold : QFont::Normal), 1);
 }
@@ -171,35 +172,36 @@ void TilePainter::paintRenaming(QPainter& painter, const QRectF& place, const Ti
     painter.drawPixmap(place.topLeft() - QPointF(metrics::tileBleed, metrics::tileBleed),
                        ground(TileStance::selected, place.size()));
     const QRectF box = textBox(place);
-    drawChip(painter, *theme_, {box.topLeft(), QSizeF(metrics::chip, metrics::chip)}, tile.symbol, tile.color,
-             tile.isCurrent);
-    const QFont font = interfaceFont(nameSize_, QFont::DemiBold);
+    drawChip(painter, *look_.theme, {box.topLeft(), QSizeF(metrics::chip, metrics::chip)}, tile.symbol,
+             tile.color, tile.isCurrent);
+    const QFont font = interfaceFont(look_.nameSize, QFont::DemiBold);
     const TypedText typed(text, font, box.width() - 6, 2);
     const QRectF field(box.left() - 6, box.bottom() - typed.height() - 12, box.width() + 12,
                        typed.height() + 14);
-    const QColor accent = theme_->legible(colorOf(tile));
+    const QColor accent = look_.theme->legible(colorOf(tile));
     painter.setPen(QPen(accent, 1.5));
-    painter.setBrush(theme_->field);
+    painter.setBrush(look_.theme->field);
     painter.drawRoundedRect(field.adjusted(0.75, 0.75, -0.75, -0.75), 9, 9);
     const QPointF inside = field.topLeft() + QPointF(9, 7);
     if (text.isEmpty()) {
-        painter.setPen(theme_->faintText);
-        painter.setFont(interfaceFont(nameSize_));
+        painter.setPen(look_.theme->faintText);
+        painter.setFont(interfaceFont(look_.nameSize));
         painter.drawText(field.adjusted(13, 0, -9, 0), Qt::AlignLeft | Qt::AlignVCenter,
                          QStringLiteral("Name"));
     }
-    painter.setPen(theme_->text);
+    painter.setPen(look_.theme->text);
     typed.draw(painter, inside, accent);
 }
 
 void TilePainter::paintExpanded(QPainter& painter, const QRectF& place, const TileContent& tile) {
-    drawShadow(painter, *theme_, place, expandedRadius, 16, 6, 0.6);
-    painter.setPen(QPen(theme_->tileBorder, 1));
-    painter.setBrush(theme_->selectedTile);
+    drawShadow(painter, *look_.theme, place, expandedRadius, 16, 6, 0.6);
+    painter.setPen(QPen(look_.theme->tileBorder, 1));
+    painter.setBrush(look_.theme->selectedTile);
     painter.drawRoundedRect(place.adjusted(0.5, 0.5, -0.5, -0.5), expandedRadius, expandedRadius);
     const QRectF box = place.adjusted(36, 36, -36, -32);
     const double chip = std::min(104.0, box.height() * 0.36);
-    drawChip(painter, *theme_, {box.topLeft(), QSizeF(chip, chip)}, tile.symbol, tile.color, tile.isCurrent);
+    drawChip(painter, *look_.theme, {box.topLeft(), QSizeF(chip, chip)}, tile.symbol, tile.color,
+             tile.isCurrent);
     double bottom = box.bottom();
     const auto line = [&](const QString& text, const QFont& font, const QColor& color, int lines) {
         if (text.isEmpty()) return;
@@ -208,11 +210,11 @@ void TilePainter::paintExpanded(QPainter& painter, const QRectF& place, const Ti
                    lines);
         bottom -= std::ceil(QFontMetricsF(font).height()) + 4;
     };
-    line(tile.aliases, interfaceFont(16), theme_->faintText, 1);
+    line(tile.aliases, interfaceFont(16), look_.theme->faintText, 1);
     line(tile.detail, interfaceFont(18, tile.isCurrent ? QFont::DemiBold : QFont::Normal),
-         tile.isCurrent ? theme_->legible(colorOf(tile)) : theme_->secondaryText, 1);
+         tile.isCurrent ? look_.theme->legible(colorOf(tile)) : look_.theme->secondaryText, 1);
     line(tile.name, interfaceFont(40, tile.isNamed ? QFont::DemiBold : QFont::Medium),
-         tile.isNamed ? theme_->text : theme_->secondaryText, 2);
+         tile.isNamed ? look_.theme->text : look_.theme->secondaryText, 2);
 }
 
 } // namespace lumnara

@@ -16,6 +16,12 @@ public:
         : model(shown),
           events_(events) {}
 
+    ~RecordingSurface() override { note("gone"); }
+
+    void prepare(const ScreenInfo& screen) override {
+        name_ = screen.uuid;
+        note("prepare");
+    }
     void show(const ScreenInfo& screen) override {
         name_ = screen.uuid;
         note("show");
@@ -86,6 +92,26 @@ struct Board {
     AddingArranger* arranger = nullptr;
     QuickSwitcherController controller;
 };
+
+TEST(QuickSwitcherController, PreparesItsPanelsAndGivesThemBackWhenLongClosed) {
+    Board board(twoDisplays());
+    board.controller.prepare();
+    board.controller.prepare();
+    EXPECT_EQ(board.events(), (Texts{"A prepare", "B prepare"}));
+    board.session.loop.advance(1000);
+    for (int round = 0; round < 2; ++round) {
+        board.controller.toggle();
+        EXPECT_EQ(board.events(), (Texts{"A show", "B show", "A keyboard"}));
+        board.session.loop.advance(200);
+        board.controller.toggle();
+        board.session.loop.advance(119);
+        EXPECT_EQ(board.events(), (Texts{"A hide", "B hide"}));
+    }
+    board.session.loop.advance(2);
+    EXPECT_EQ(board.events(), (Texts{"A gone", "B gone"}));
+    board.controller.toggle();
+    EXPECT_EQ(board.events(), (Texts{"A show", "B show", "A keyboard"}));
+}
 
 TEST(QuickSwitcherController, putsUpASurfacePerDisplay) {
     Board board(twoDisplays());
