@@ -24,7 +24,7 @@ Surfaces::Surfaces(AppState& state, std::function<bool()> isComposited)
       windows_(state.loop(), std::move(isComposited)),
       board_(state, windows_),
       commands_(state),
-      tray_(state.loop(), state.catalog(), state.settings()),
+      tray_(state.catalog(), state.settings()),
       layers_(state.loop()),
       notice_(state.loop()),
       overlay_(

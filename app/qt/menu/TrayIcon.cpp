@@ -11,8 +11,6 @@
 namespace lumnara {
 namespace {
 
-constexpr double hostCheckSeconds = 5;
-
 /// Four squares, of which the current desktop's colour fills one.
 QIcon iconFor(const QColor& color) {
     QIcon icon;
@@ -43,7 +41,10 @@ QIcon iconFor(const QColor& color) {
 
 } // namespace
 
-TrayIcon::TrayIcon(async::Loop& loop, DesktopCatalog& catalog, AppSettings& settings) : catalog_(catalog) {
+// The toolkit must not be asked for a tray before there is one: it would remember that the bus has none.
+TrayIcon::TrayIcon(DesktopCatalog& catalog, AppSettings& settings)
+    : catalog_(catalog),
+      host_([this] { appear(); }) {
     QObject::connect(&menu_, &QMenu::aboutToShow, &menu_, [this] {
         menuOpen_ = true;
         if (onMenuTracking) onMenuTracking(true);
@@ -59,15 +60,6 @@ TrayIcon::TrayIcon(async::Loop& loop, DesktopCatalog& catalog, AppSettings& sett
     // The focus may have gone to another display with nothing else changed.
     refreshed_ = catalog_.refreshCount.subscribe([this](int) { refresh(); });
     linkModeChanged_ = settings.displayLinkMode.subscribe([this](DisplayLinkMode) { refresh(); });
-    if (QSystemTrayIcon::isSystemTrayAvailable()) {
-        appear();
-    } else {
-        hostCheck_ = std::make_unique<async::Repeating>(loop, hostCheckSeconds, [this] {
-            if (!QSystemTrayIcon::isSystemTrayAvailable()) return;
-            appear();
-            hostCheck_.reset();
-        });
-    }
 }
 
 TrayIcon::~TrayIcon() = default;

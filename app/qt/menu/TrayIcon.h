@@ -1,9 +1,9 @@
 #pragma once
 
 #include "app/menu/DesktopMenu.h"
+#include "app/qt/menu/TrayHost.h"
 #include "app/settings/AppSettings.h"
 #include "core/async/Signal.h"
-#include "core/async/Timer.h"
 
 #include <QMenu>
 #include <QSystemTrayIcon>
@@ -14,11 +14,11 @@
 namespace lumnara {
 
 /// The icon in the session's tray, where a host for it stands or comes later: the current desktop as its
-/// tool tip and colour, the desktops as its menu. A click opens the Board. The loop, the catalog and
-/// the settings outlive it, and the catalog follows the settings' link mode before it does.
+/// tool tip and colour, the desktops as its menu. A click opens the Board. The catalog and the settings
+/// outlive it, and the catalog follows the settings' link mode before it does.
 class TrayIcon {
 public:
-    TrayIcon(async::Loop& loop, DesktopCatalog& catalog, AppSettings& settings);
+    TrayIcon(DesktopCatalog& catalog, AppSettings& settings);
     ~TrayIcon();
 
     /// A text that goes away by itself, where the tray can show one.
@@ -36,13 +36,13 @@ private:
     DesktopCatalog& catalog_;
     QMenu menu_;
     std::unique_ptr<QSystemTrayIcon> icon_;
-    std::unique_ptr<async::Repeating> hostCheck_;
     /// The menu is open and stands still; it is filled anew when it closes.
     bool menuOpen_ = false;
     async::Subscription displaysChanged_;
     async::Subscription errorChanged_;
     async::Subscription refreshed_;
     async::Subscription linkModeChanged_;
+    TrayHost host_;
 };
 
 } // namespace lumnara
