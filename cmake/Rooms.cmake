@@ -57,10 +57,11 @@ function(lumnara_resolve out)
     set(${out} ${targets} PARENT_SCOPE)
 endfunction()
 
-# A batch of files is compiled as one, with much less to parse. A file that is touched takes its batch along.
+# A batch of files is compiled as one, with much less to parse. A file that is touched takes its batch along. The surfaces'
+# files share too many small names.
 function(lumnara_batches out name)
     set(sources ${ARGN})
-    if(LUMNARA_BATCH GREATER 0)
+    if(LUMNARA_BATCH GREATER 0 AND NOT name MATCHES "^qt")
         set(batches)
         set(number 0)
         while(sources)
