@@ -7,6 +7,7 @@
 #include "app/settings/AppSettings.h"
 #include "app/start/StartNotices.h"
 #include "core/base/Log.h"
+#include "core/model/PlatformWords.h"
 #include "core/platform/choose/ChoosePlatform.h"
 #include "core/platform/linux/AutostartEntry.h"
 #include "core/platform/linux/BusNotifications.h"
@@ -43,30 +44,30 @@ std::unique_ptr<SimulatedMacWindow> showSimulatedMac(async::Loop& loop, ChosenPl
 }
 
 /// The shortcuts that open the Board, the preferred one first.
-struct BoardShortcut {
-    Shortcut shortcut;
-    const char* name;
-};
-constexpr std::array boardShortcuts = {
-    BoardShortcut{{KeyCode::digit1, {.option = true}}, "Option+1"},
-    BoardShortcut{{KeyCode::digit1, {.option = true, .command = true}}, "Option+Command+1"},
-};
+constexpr std::array boardShortcuts = {Shortcut{KeyCode::digit1, {.option = true}},
+                                       Shortcut{KeyCode::digit1, {.option = true, .command = true}}};
+
+std::string nameOf(const Shortcut& boardShortcut, PlatformKind kind) {
+    const PlatformWords words = wordsOf(kind);
+    if (!boardShortcut.modifiers.command) return fmt::format("{}+1", words.option);
+    return fmt::format("{}+{}+1", words.option, words.command);
+}
 
 /// Binds the first shortcut that nobody else holds; its name, or nothing.
 std::optional<std::string> bindBoardShortcut(Platform& platform, QuickSwitcherController& board) {
     if (!platform.globalShortcuts) return std::nullopt;
-    for (const auto& [shortcut, name] : boardShortcuts) {
+    for (const Shortcut& shortcut : boardShortcuts) {
         const auto status =
             platform.globalShortcuts->bind("quickSwitcher", shortcut, [&board] { board.toggle(); });
         if (status != ShortcutStatus::active) continue;
         board.toggleShortcut = shortcut;
-        return name;
+        return nameOf(shortcut, platform.kind);
     }
     return std::nullopt;
 }
 
-void announceBoardShortcut(const std::optional<std::string>& bound, Notices& notices) {
-    const std::string wanted = boardShortcuts.front().name;
+void announceBoardShortcut(const std::optional<std::string>& bound, PlatformKind kind, Notices& notices) {
+    const std::string wanted = nameOf(boardShortcuts.front(), kind);
     if (!bound) {
         notices.show(wanted + " is used by another program. Open the Board from the tray icon.");
     } else if (*bound != wanted) {
@@ -107,7 +108,7 @@ int run(int& count, char** arguments) {
     const TerminationSignals signals(loop, [] { QApplication::quit(); });
 
     const auto shortcut = bindBoardShortcut(platform, surfaces.board());
-    announceBoardShortcut(shortcut, state.notices());
+    announceBoardShortcut(shortcut, platform.kind, state.notices());
     log(fmt::format("Lumnara: ready on {}, desktops: {}, displays: {}, Board on {}", platform.name,
                     state.catalog().desktops().size(), state.catalog().displays->size(),
                     shortcut.value_or("the tray icon")));

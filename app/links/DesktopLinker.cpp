@@ -36,9 +36,10 @@ const Desktop* unlinkedNamesake(const DisplayDesktops& display, const Desktop& d
 
 } // namespace
 
-DesktopLinker::DesktopLinker(DesktopCatalog& catalog, DesktopArranger* arranger)
+DesktopLinker::DesktopLinker(DesktopCatalog& catalog, DesktopArranger* arranger, PlatformKind kind)
     : catalog_(catalog),
-      arranger_(arranger) {}
+      arranger_(arranger),
+      words_(wordsOf(kind)) {}
 
 async::Task<std::string> DesktopLinker::carryOut(LinkRequest request) {
     switch (request.kind) {
@@ -49,28 +50,32 @@ async::Task<std::string> DesktopLinker::carryOut(LinkRequest request) {
     co_return unlink(request.desktop);
 }
 
+void DesktopLinker::fail(Failure::Case which, std::string name) const {
+    throw Failure(which, words_, std::move(name));
+}
+
 /// The desktop as it is now. Throws notFound.
 const Desktop& DesktopLinker::live(const std::string& spaceKey) const {
     if (const Desktop* desktop = catalog_.desktopOfSpace(spaceKey)) return *desktop;
-    throw Failure(Failure::Case::notFound);
+    fail(Failure::Case::notFound);
 }
 
 std::string DesktopLinker::link(const Desktop& requested, const std::string& spaceKey) {
     const Desktop first = live(requested.spaceKey);
     const Desktop second = live(spaceKey);
-    if (!catalog_.link(first.spaceKey, second.spaceKey)) throw Failure(Failure::Case::sameDisplay);
+    if (!catalog_.link(first.spaceKey, second.spaceKey)) fail(Failure::Case::sameDisplay);
     log(fmt::format("Lumnara link: {} ({}) with {} on {}", first.displayName(),
                     DisplayLink::brief(first.spaceKey), DisplayLink::brief(second.spaceKey),
                     DisplayLink::brief(second.display.uuid)));
     const std::string name = live(first.spaceKey).displayName();
     if (second.isNamed()) return fmt::format("“{}” is now on both screens.", name);
-    return fmt::format("Displays linked. Say “{}” and both screens go there.", name);
+    return fmt::format("Displays linked. {} “{}” and both screens go there.", words_.callByName, name);
 }
 
 async::Task<std::string> DesktopLinker::create(Desktop requested) {
     const Desktop desktop = live(requested.spaceKey);
     const std::vector<DisplayDesktops> others = otherDisplays(catalog_, desktop);
-    if (others.empty()) throw Failure(Failure::Case::noOtherDisplay);
+    if (others.empty()) fail(Failure::Case::noOtherDisplay);
 
     const auto contents = catalog_.store().file();
     for (const DisplayDesktops& other : others) {
@@ -85,21 +90,21 @@ async::Task<std::string> DesktopLinker::create(Desktop requested) {
                               namesake->displayName());
     }
 
-    if (!arranger_) throw Failure(Failure::Case::cannotCreate);
+    if (!arranger_) fail(Failure::Case::cannotCreate);
     const DisplayID display = others.front().display;
     const std::vector<SpaceID> made = co_await arranger_->create(display);
     catalog_.refresh();
     if (made.size() == 1)
         for (const Desktop& added : catalog_.desktops(display.uuid))
             if (added.space.id == made.front()) co_return link(desktop, added.spaceKey);
-    throw Failure(Failure::Case::notIdentified);
+    fail(Failure::Case::notIdentified);
 }
 
 std::string DesktopLinker::unlink(const Desktop& requested) {
     const Desktop desktop = live(requested.spaceKey);
     const auto contents = catalog_.store().file();
     const auto id = DisplayLink::groupOf(*contents, desktop.spaceKey);
-    if (!id) throw Failure(Failure::Case::notLinked, desktop.displayName());
+    if (!id) fail(Failure::Case::notLinked, desktop.displayName());
     const std::string other =
         DisplayLink::ordered(*DisplayLink::members(*contents, *id), desktop.spaceKey).front();
     catalog_.unlink(desktop.spaceKey, "unlinked by the user");

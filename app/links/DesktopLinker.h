@@ -4,8 +4,10 @@
 #include "core/async/Task.h"
 #include "core/base/Failure.h"
 #include "core/catalog/DesktopCatalog.h"
+#include "core/model/PlatformWords.h"
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace lumnara {
@@ -36,7 +38,7 @@ struct LinkRequest {
 class DesktopLinker {
 public:
     /// Why a request came to nothing.
-    class Failure : public FailureOf<Failure, std::string> {
+    class Failure : public FailureOf<Failure, std::string, std::string_view, std::string_view> {
     public:
         enum class Case {
             notFound,       ///< a desktop of the request isn't live any more
@@ -55,16 +57,16 @@ public:
             {Case::cannotCreate,
              "Lumnara can't add a desktop here. Add one on the other display, then link the two."},
             {Case::notIdentified,
-             "macOS added the desktop but Lumnara could not tell which one it is. Link it by hand from "
-             "Settings, Desktops."},
+             "{1} added the desktop but Lumnara could not tell which one it is. Link it by hand from {2}."},
         };
 
         /// `name` is the desktop's, of notLinked.
-        explicit Failure(Case which, std::string name = {}) : FailureOf(which, std::move(name)) {}
+        explicit Failure(Case which, const PlatformWords& words, std::string name = {})
+            : FailureOf(which, std::move(name), words.system, words.linkingPlace) {}
     };
 
     /// Both outlive this object; `arranger` is null where desktops can't be added.
-    DesktopLinker(DesktopCatalog& catalog, DesktopArranger* arranger);
+    DesktopLinker(DesktopCatalog& catalog, DesktopArranger* arranger, PlatformKind kind);
 
     /// Carries the request out and gives the text that the user is told. Throws Failure, or what the arranger
     /// failed with. This object has to stand until the task has ended.
@@ -74,10 +76,12 @@ private:
     async::Task<std::string> create(Desktop requested);
     std::string link(const Desktop& requested, const std::string& spaceKey);
     std::string unlink(const Desktop& requested);
+    [[noreturn]] void fail(Failure::Case which, std::string name = {}) const;
     const Desktop& live(const std::string& spaceKey) const;
 
     DesktopCatalog& catalog_;
     DesktopArranger* const arranger_;
+    const PlatformWords words_;
 };
 
 } // namespace lumnara

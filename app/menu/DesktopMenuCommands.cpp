@@ -30,7 +30,7 @@ const char* wordFor(LinkRequest::Kind kind) {
 DesktopMenuCommands::DesktopMenuCommands(AppState& state, std::function<void(std::string)> onRefused)
     : state_(state),
       onRefused_(std::move(onRefused)),
-      linker_(state.catalog(), state.platform().arranger.get()) {}
+      linker_(state.catalog(), state.platform().arranger.get(), state.platform().kind) {}
 
 bool DesktopMenuCommands::carryOut(const DesktopMenuItem& chosen) {
     using Kind = DesktopMenuItem::Kind;

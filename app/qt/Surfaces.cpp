@@ -37,7 +37,8 @@ Surfaces::Surfaces(AppState& state, std::function<bool()> isComposited)
           },
           [this](const ScreenInfo& screen) { return hasCards() && !board_.covers(screen); }),
       automationEditor_(state.loop(), state.automations(), state.automationRunner()),
-      trackingPage_(state.loop(), state.tracking().store(), state.tracking().sampler()),
+      trackingPage_(state.loop(), state.tracking().store(), state.tracking().sampler(),
+                    state.platform().kind),
       preparing_(state.loop(), idleAfterStart, [this] { board_.prepare(); }) {
     if (layers_.isOffered()) notice_.standOn(layers_);
     notice_.areaInUse = [this] { return areaInUse(); };

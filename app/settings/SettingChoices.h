@@ -1,10 +1,13 @@
 #pragma once
 
 #include "core/catalog/DisplayLinkMode.h"
+#include "core/model/PlatformWords.h"
 
 #include <array>
 #include <cstddef>
+#include <fmt/format.h>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace lumnara {
@@ -24,10 +27,16 @@ enum class BoardChord { controlOption, optionShift, optionCommand, optionFunctio
 enum class DragModifier { option, shift, control };
 
 /// What settings call a chord.
-constexpr std::string_view displayText(BoardChord chord) {
-    constexpr std::array<std::string_view, 5> texts{"Control + Option", "Option + Shift", "Option + Command",
-                                                    "Option + Fn (Globe)", "Option, twice"};
-    return texts[static_cast<std::size_t>(chord)];
+inline std::string displayText(BoardChord chord, const PlatformWords& words) {
+    const std::string option(words.option);
+    switch (chord) {
+    case BoardChord::controlOption: return fmt::format("{} + {}", words.control, option);
+    case BoardChord::optionShift: return fmt::format("{} + {}", option, words.shift);
+    case BoardChord::optionCommand: return fmt::format("{} + {}", option, words.command);
+    case BoardChord::optionFunction: return fmt::format("{} + {}", option, words.function);
+    case BoardChord::optionTwice: break;
+    }
+    return option + ", twice";
 }
 
 /// The texts under which the cases of an enumeration are stored, in their order.

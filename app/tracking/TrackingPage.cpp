@@ -1,6 +1,7 @@
 #include "app/tracking/TrackingPage.h"
 
 #include "core/base/Files.h"
+#include "core/model/PlatformWords.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -14,8 +15,12 @@ TrackingExportError::TrackingExportError(std::filesystem::path path, const std::
     : Failure(fmt::format("The report could not be written to {}: {}.", path.string(), reason)),
       path_(std::move(path)) {}
 
-TrackingPage::TrackingPage(const async::Loop& loop, TrackingStore* store, UsageSampler* sampler)
-    : loop_(loop),
+TrackingPage::TrackingPage(const async::Loop& loop, TrackingStore* store, UsageSampler* sampler,
+                           PlatformKind kind)
+    : heading_(fmt::format("Records how long you spend on each desktop and in each app there. Everything "
+                           "stays on {} in a local database.",
+                           wordsOf(kind).computer)),
+      loop_(loop),
       store_(store),
       sampler_(sampler) {}
 

@@ -3,6 +3,7 @@
 #include "core/async/Loop.h"
 #include "core/async/Signal.h"
 #include "core/base/Failure.h"
+#include "core/model/PlatformKind.h"
 #include "core/tracking/CSVExporter.h"
 #include "core/tracking/TrackingRange.h"
 #include "core/tracking/UsageSampler.h"
@@ -33,14 +34,13 @@ private:
 /// record and when the user counts as idle, are the settings' own. Main thread.
 class TrackingPage {
 public:
-    static constexpr const char* heading =
-        "Records how long you spend on each desktop and in each app there. Everything stays on this Mac in a "
-        "local database.";
     static constexpr const char* nothingRecorded = "Nothing recorded in this range yet.";
 
     /// `store` and `sampler` are null when the database could not be opened; the page then shows nothing
     /// recorded. All outlive the page. reload() fills it.
-    TrackingPage(const async::Loop& loop, TrackingStore* store, UsageSampler* sampler);
+    TrackingPage(const async::Loop& loop, TrackingStore* store, UsageSampler* sampler, PlatformKind kind);
+
+    const std::string& heading() const { return heading_; }
 
     /// The user's calendar, asked for at each use since the machine may move to another time zone.
     std::function<text::Calendar()> calendar = text::Calendar::ofUser;
@@ -82,6 +82,7 @@ public:
 private:
     void change(const std::function<void(UsageSampler&)>& edit);
 
+    const std::string heading_;
     const async::Loop& loop_;
     TrackingStore* const store_;
     UsageSampler* const sampler_;

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "core/base/Failure.h"
+#include "core/model/PlatformWords.h"
+
+#include <string_view>
 
 namespace lumnara {
 
 /// Why a desktop was not shown.
-class SwitchError : public FailureOf<SwitchError, int> {
+class SwitchError : public FailureOf<SwitchError, int, std::string_view, std::string_view> {
 public:
     enum class Case {
         notLanded,    ///< the display does not show the target after so many attempts
@@ -26,13 +29,16 @@ public:
         {Case::accessibilityDenied, "Lumnara needs Accessibility permission to switch desktops instantly."},
         {Case::engineUnavailable, "No switching engine is available."},
         {Case::targetNotInSnapshot, "That desktop no longer exists."},
-        {Case::screenLocked, "macOS does not change desktops while the screen is locked."},
-        {Case::sessionNotOnConsole, "Another user is using this Mac right now."},
+        {Case::screenLocked, "{1} does not change desktops while the screen is locked."},
+        {Case::sessionNotOnConsole, "Another user is using {2} right now."},
     };
 
     /// Any case but notLanded, which carries a count.
-    explicit SwitchError(Case which) : FailureOf(which) {}
-    static SwitchError notLanded(int afterAttempts) { return SwitchError(Case::notLanded, afterAttempts); }
+    explicit SwitchError(Case which, PlatformKind on = PlatformKind::mac)
+        : FailureOf(which, 0, wordsOf(on).system, wordsOf(on).computer) {}
+    static SwitchError notLanded(int afterAttempts) {
+        return SwitchError(Case::notLanded, afterAttempts, {}, {});
+    }
 
 private:
     using FailureOf::FailureOf;

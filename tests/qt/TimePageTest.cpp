@@ -59,7 +59,7 @@ protected:
     TrackingStore store{loop};
     SystemClock clock{loop};
     UsageSampler sampler{store, clock};
-    TrackingPage page{loop, &store, &sampler};
+    TrackingPage page{loop, &store, &sampler, PlatformKind::windowManager};
     QStringList failures;
     SettingsWindow window;
     TimePage* widget = nullptr;

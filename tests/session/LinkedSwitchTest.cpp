@@ -157,7 +157,7 @@ TEST_F(LinkedSwitchTest, MakesTheOtherDesktopOfALink) {
     DesktopMenuCommands commands(*state);
     commands.carryOut(LinkRequest::create(desktopOn("L")));
     ASSERT_TRUE(at.runUntil([&] { return !notices.empty(); }));
-    EXPECT_EQ(notices.back(), "Displays linked. Say “Mail” and both screens go there.");
+    EXPECT_EQ(notices.back(), "Displays linked. Choose “Mail” and both screens go there.");
     EXPECT_TRUE(at.shows("L", "1: Mail* ") && at.shows("R", "2* ")) << "nobody was taken anywhere";
 
     show("L", "5");

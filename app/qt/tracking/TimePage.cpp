@@ -56,7 +56,7 @@ TimePage::TimePage(AppSettings& settings, TrackingPage& page)
       nothing_(QString::fromUtf8(TrackingPage::nothingRecorded)) {
     auto* column = new QVBoxLayout(this);
     column->setSpacing(8);
-    auto* heading = new SecondaryLabel(QString::fromUtf8(TrackingPage::heading));
+    auto* heading = new SecondaryLabel(QString::fromStdString(page.heading()));
     heading->setWordWrap(true);
     column->addWidget(heading);
     column->addWidget(recordingCard());

@@ -422,7 +422,7 @@ TEST(QuickSwitcherController, aTileDraggedToTheOtherScreenIsLinkedThere) {
     EXPECT_FALSE(b.model.incomingLink());
     EXPECT_EQ(board.session.desktop("B-2").displayName(), "Mail");
     EXPECT_EQ(board.session.desktop("A-2").key, board.session.desktop("B-2").key);
-    EXPECT_EQ(board.session.notices.back().text, "Displays linked. Say “Mail” and both screens go there.");
+    EXPECT_EQ(board.session.notices.back().text, "Displays linked. Choose “Mail” and both screens go there.");
     EXPECT_TRUE(board.controller.isOpen());
     EXPECT_EQ(board.session.catalog().linkedMembers("A-2").size(), 2u);
 }

@@ -34,7 +34,7 @@ protected:
     DesktopCatalog& catalog() { return session.catalog(); }
     /// The text, or the failure's sentence with `failure` set.
     std::string carryOut(const LinkRequest& request) {
-        DesktopLinker linker(catalog(), canAdd ? &arranger : nullptr);
+        DesktopLinker linker(catalog(), canAdd ? &arranger : nullptr, kind);
         failure.reset();
         session.logged.clear();
         std::string text;
@@ -53,6 +53,7 @@ protected:
     ScriptedSession session{twoDisplays()};
     AddingArranger arranger{*session.provider};
     bool canAdd = false;
+    PlatformKind kind = PlatformKind::mac;
     std::optional<Case> failure;
 };
 
@@ -152,6 +153,8 @@ TEST_F(DesktopLinkerTest, createFailsWithASentence) {
     arranger.adds = 2; // somebody else added one too
     EXPECT_EQ(create("A-1"), unknown);
     EXPECT_EQ(failure, Case::notIdentified);
+    kind = PlatformKind::windowManager;
+    EXPECT_TRUE(create("A-1").starts_with("The window manager added the desktop"));
     arranger.adds = 1;
     arranger.onAdded = [&] {
         auto& spaces = session.provider->current.displays.front().spaces;

@@ -29,7 +29,7 @@ protected:
     TrackingStore store{loop};
     SystemClock clock{loop};
     UsageSampler sampler{store, clock};
-    TrackingPage page{loop, &store, &sampler};
+    TrackingPage page{loop, &store, &sampler, PlatformKind::windowManager};
 };
 
 TEST_F(TrackingPageTest, ListsDesktopsAndTheAppsOfOne) {
