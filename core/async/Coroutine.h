@@ -68,10 +68,45 @@ template <> struct Promise<void> : PromiseBase {
     }
 };
 
-/// Resumes a parked coroutine.
-struct ResumeWake : Wake {
-    std::coroutine_handle<> handle;
-    ResumeWake() : Wake([](Wake& wake) { static_cast<ResumeWake&>(wake).handle.resume(); }) {}
+/// What an awaiter parks its task with. The task goes on once it is woken, at the moment set, or, where the
+/// awaiter asks for that, when it is cancelled; never after its frame has gone.
+class Parking : private Wake {
+public:
+    Parking() : Wake([](Wake& wake) { static_cast<Parking&>(wake).task_.resume(); }) {}
+
+    /// For await_suspend.
+    template <class P> void park(std::coroutine_handle<P> task) {
+        task_ = task;
+        loop_ = task.promise().context.loop;
+    }
+    /// For await_suspend: false for a task that is cancelled already, which then isn't to be suspended.
+    template <class P> bool parkUnlessCancelled(std::coroutine_handle<P> task) {
+        stop_ = task.promise().context.stop;
+        if (stop_.stop_requested()) return false;
+        park(task);
+        onStop_.emplace(stop_, WakeUp{*this});
+        return true;
+    }
+    /// For await_resume, after parkUnlessCancelled: cancelling wakes it no longer. Whether the task is
+    /// cancelled.
+    bool endParking() noexcept {
+        onStop_.reset();
+        return stop_.stop_requested();
+    }
+
+    void wakeUp() { loop_->ready(*this); }
+    void wakeUpAfter(Nanos length) { loop_->at(loop_->now() + length, *this); }
+
+private:
+    struct WakeUp {
+        Parking& parking;
+        void operator()() const { parking.wakeUp(); }
+    };
+
+    std::coroutine_handle<> task_;
+    Loop* loop_ = nullptr;
+    std::stop_token stop_;
+    std::optional<std::stop_callback<WakeUp>> onStop_;
 };
 
 } // namespace detail

@@ -1,5 +1,6 @@
 #include "core/async/Loop.h"
 
+#include <algorithm>
 #include <iterator>
 #include <utility>
 
@@ -7,9 +8,10 @@ namespace lumnara::async {
 
 void Wake::cancel() noexcept {
     if (loop_ == nullptr) return;
-    if (heapIndex_ != notInHeap)
-        loop_->removeTimer(heapIndex_);
-    else
+    if (due_) {
+        loop_->timers_.erase(loop_->placeOf(*this));
+        due_.reset();
+    } else
         Loop::unlinkReady(*this);
     loop_ = nullptr;
 }
@@ -55,9 +57,10 @@ void Loop::ready(Wake& wake) {
 void Loop::at(Nanos due, Wake& wake) {
     wake.cancel();
     wake.loop_ = this;
-    heap_.push_back({due, ++sequence_, &wake});
-    siftUp(heap_.size() - 1);
-    if (heap_.front().wake == &wake) driver_.armTimer(due);
+    wake.due_ = due;
+    wake.sequence_ = ++sequence_;
+    timers_.insert(placeOf(wake), &wake);
+    if (timers_.back() == &wake) driver_.armTimer(due);
 }
 
 bool Loop::turn() {
@@ -65,10 +68,10 @@ bool Loop::turn() {
     collectInbox();
     collectDue();
     // Whatever runs below may open a modal platform loop: the driver must know of the rest before that.
-    if (heap_.empty())
-        driver_.disarmTimer();
+    if (hasTimer())
+        driver_.armTimer(nextDue());
     else
-        driver_.armTimer(heap_.front().due);
+        driver_.disarmTimer();
     if (!arrived_.empty() || hasReady()) askForTurn();
 
     const std::uint64_t last = sequence_;
@@ -123,6 +126,11 @@ void Loop::unlinkReady(Wake& wake) {
     wake.previous_ = wake.next_ = nullptr;
 }
 
+std::vector<Wake*>::iterator Loop::placeOf(const Wake& wake) {
+    const auto moment = [](const Wake* each) { return std::pair(*each->due_, each->sequence_); };
+    return std::ranges::lower_bound(timers_, moment(&wake), std::greater(), moment);
+}
+
 void Loop::askForTurn() {
     if (std::exchange(turnAsked_, true)) return;
     driver_.wakeUp();
@@ -139,50 +147,11 @@ void Loop::collectInbox() {
 
 void Loop::collectDue() {
     const Nanos now = driver_.now();
-    while (!heap_.empty() && heap_.front().due <= now) {
-        Wake& wake = *heap_.front().wake;
-        removeTimer(0);
+    while (hasTimer() && nextDue() <= now) {
+        Wake& wake = *timers_.back();
+        wake.cancel();
         pushReady(wake);
     }
-}
-
-void Loop::placeTimer(std::size_t index, const Timer& timer) {
-    heap_[index] = timer;
-    timer.wake->heapIndex_ = index;
-}
-
-void Loop::siftUp(std::size_t index) {
-    const Timer timer = heap_[index];
-    while (index > 0) {
-        const std::size_t parent = (index - 1) / 2;
-        if (!(timer < heap_[parent])) break;
-        placeTimer(index, heap_[parent]);
-        index = parent;
-    }
-    placeTimer(index, timer);
-}
-
-void Loop::siftDown(std::size_t index) {
-    const Timer timer = heap_[index];
-    for (;;) {
-        std::size_t child = 2 * index + 1;
-        if (child >= heap_.size()) break;
-        if (child + 1 < heap_.size() && heap_[child + 1] < heap_[child]) ++child;
-        if (!(heap_[child] < timer)) break;
-        placeTimer(index, heap_[child]);
-        index = child;
-    }
-    placeTimer(index, timer);
-}
-
-void Loop::removeTimer(std::size_t index) {
-    heap_[index].wake->heapIndex_ = Wake::notInHeap;
-    const Timer last = heap_.back();
-    heap_.pop_back();
-    if (index == heap_.size()) return;
-    placeTimer(index, last);
-    siftUp(index);
-    siftDown(last.wake->heapIndex_);
 }
 
 } // namespace lumnara::async

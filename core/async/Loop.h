@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace lumnara::async {
@@ -29,12 +30,10 @@ public:
 
 private:
     friend class Loop;
-    static constexpr std::size_t notInHeap = ~std::size_t{0};
-
     Fire fire_;
     Loop* loop_ = nullptr;
-    std::uint64_t sequence_ = 0;
-    std::size_t heapIndex_ = notInHeap;
+    std::optional<Nanos> due_;   ///< while it waits for a moment
+    std::uint64_t sequence_ = 0; ///< of the call that parked it
     Wake* previous_ = nullptr;
     Wake* next_ = nullptr;
 };
@@ -60,7 +59,7 @@ struct Root {
     void (*destroy)(Root&) = nullptr;
 };
 
-/// The main thread's scheduler: a list of what is ready, a heap of timers, an inbox for other threads.
+/// The main thread's scheduler: a list of what is ready, the timers, an inbox for other threads.
 /// Main thread but for inbox()->post. Destroying it frees the frames of all tasks that still wait.
 class Loop {
 public:
@@ -88,10 +87,10 @@ public:
 
     /// Nothing is posted or ready; timers may still be set.
     bool idle() const;
-    bool hasTimer() const { return !heap_.empty(); }
+    bool hasTimer() const { return !timers_.empty(); }
     /// When the next timer is due; only while hasTimer().
-    Nanos nextDue() const { return heap_.front().due; }
-    std::size_t timerCount() const { return heap_.size(); }
+    Nanos nextDue() const { return *timers_.back()->due_; }
+    std::size_t timerCount() const { return timers_.size(); }
 
     void addRoot(Root& root);
     void removeRoot(Root& root);
@@ -99,33 +98,21 @@ public:
 
 private:
     friend class Wake;
-    struct Timer {
-        Nanos due;
-        std::uint64_t sequence;
-        Wake* wake;
-        bool operator<(const Timer& other) const {
-            return due != other.due ? due < other.due : sequence < other.sequence;
-        }
-    };
-
     bool hasReady() const { return ready_.next_ != &ready_; }
     void pushReady(Wake& wake);
     static void unlinkReady(Wake& wake);
+    /// Where it stands among the timers, or is to stand.
+    std::vector<Wake*>::iterator placeOf(const Wake& wake);
     void askForTurn();
     void collectInbox();
     void collectDue();
 
-    void placeTimer(std::size_t index, const Timer& timer);
-    void siftUp(std::size_t index);
-    void siftDown(std::size_t index);
-    void removeTimer(std::size_t index);
-
     Driver& driver_;
     std::shared_ptr<Inbox> inbox_;
     std::deque<std::function<void()>> arrived_;
-    std::vector<Timer> heap_;
-    Wake ready_{nullptr}; ///< the ring of ready wakes; this one is its end
-    Root roots_;          ///< the ring of roots; this one is its end
+    std::vector<Wake*> timers_; ///< the next one last; there are a few dozen
+    Wake ready_{nullptr};       ///< the ring of ready wakes; this one is its end
+    Root roots_;                ///< the ring of roots; this one is its end
     std::uint64_t sequence_ = 0;
     bool turnAsked_ = false;
 };

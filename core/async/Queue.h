@@ -56,7 +56,7 @@ template <class Work> class OnQueue {
         Work work;
         std::optional<detail::Held<T>> value;
         std::exception_ptr error;
-        detail::ResumeWake* awaiting = nullptr; // main thread only
+        detail::Parking* awaiting = nullptr; // main thread only
 
         explicit State(Work w) : work(std::move(w)) {}
         void run() noexcept {
@@ -82,13 +82,12 @@ public:
 
     bool await_ready() noexcept { return false; }
     template <class P> void await_suspend(std::coroutine_handle<P> awaiting) {
-        Loop* loop = awaiting.promise().context.loop;
-        wake_.handle = awaiting;
-        state_->awaiting = &wake_;
-        queue_.post([state = state_, inbox = loop->inbox(), loop] {
+        parking_.park(awaiting);
+        state_->awaiting = &parking_;
+        queue_.post([state = state_, inbox = awaiting.promise().context.loop->inbox()] {
             state->run();
-            inbox->post([state, loop] {
-                if (state->awaiting != nullptr) loop->ready(*state->awaiting);
+            inbox->post([state] {
+                if (state->awaiting != nullptr) state->awaiting->wakeUp();
             });
         });
     }
@@ -100,7 +99,7 @@ public:
 private:
     SerialQueue& queue_;
     std::shared_ptr<State> state_;
-    detail::ResumeWake wake_;
+    detail::Parking parking_;
 };
 
 } // namespace lumnara::async

@@ -8,7 +8,7 @@ void RaceState::finished(std::size_t arm, std::exception_ptr armError) {
         error = std::move(armError);
         stops[1 - arm].request_stop();
     }
-    if (--running == 0) loop->ready(awaiting);
+    if (--running == 0) parking.wakeUp();
 }
 
 void RaceAwaiter::StopBoth::operator()() const noexcept {
@@ -16,7 +16,6 @@ void RaceAwaiter::StopBoth::operator()() const noexcept {
 }
 
 void RaceAwaiter::start(const Context& context) {
-    state_.loop = context.loop;
     // Ahead of the starts: a race inside a cancelled task starts two cancelled arms.
     onStop_.emplace(context.stop, StopBoth{&state_});
     first_.start({context.loop, state_.stops[0].get_token()});

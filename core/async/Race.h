@@ -19,11 +19,10 @@ namespace detail {
 template <class T> using Held = std::conditional_t<std::is_void_v<T>, std::monostate, T>;
 
 struct RaceState {
-    Loop* loop = nullptr;
     std::optional<std::size_t> winner;
     int running = 2;
     std::array<std::stop_source, 2> stops;
-    ResumeWake awaiting;
+    Parking parking;
     std::exception_ptr error;
 
     void finished(std::size_t arm, std::exception_ptr armError);
@@ -54,7 +53,7 @@ public:
           second_(second) {}
     bool await_ready() noexcept { return false; }
     template <class P> void await_suspend(std::coroutine_handle<P> awaiting) {
-        state_.awaiting.handle = awaiting;
+        state_.parking.park(awaiting);
         start(awaiting.promise().context);
     }
     /// Throws what the deciding arm threw.

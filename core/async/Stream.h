@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/async/Sleep.h"
+#include "core/async/Coroutine.h"
 
 #include <deque>
 #include <memory>
@@ -19,10 +19,9 @@ template <class T> class EventStream {
         bool finished = false;
         bool consumerParked = false;
         const std::shared_ptr<Inbox> inbox;
-        Loop* const loop;                       // main thread only
-        detail::ResumeWake* consumer = nullptr; // main thread only
+        detail::Parking* consumer = nullptr; // main thread only
 
-        explicit State(Loop& owner) : inbox(owner.inbox()), loop(&owner) {}
+        explicit State(Loop& owner) : inbox(owner.inbox()) {}
     };
 
 public:
@@ -51,7 +50,7 @@ public:
             if (!std::exchange(state_->consumerParked, false)) return;
             guard.unlock();
             state_->inbox->post([state = state_] {
-                if (state->consumer != nullptr) state->loop->ready(*state->consumer);
+                if (state->consumer != nullptr) state->consumer->wakeUp();
             });
         }
 
@@ -63,28 +62,23 @@ public:
         explicit NextAwaiter(std::shared_ptr<State> state) : state_(std::move(state)) {}
         NextAwaiter(NextAwaiter&&) = delete;
         ~NextAwaiter() {
-            if (state_->consumer == &wake_) state_->consumer = nullptr;
+            if (state_->consumer == &parking_) state_->consumer = nullptr;
         }
         bool await_ready() noexcept { return false; }
         template <class P> bool await_suspend(std::coroutine_handle<P> awaiting) {
-            stop_ = awaiting.promise().context.stop;
-            if (stop_.stop_requested()) return false;
-            {
-                std::lock_guard guard(state_->mutex);
-                if (!state_->items.empty() || state_->finished) return false;
-                state_->consumerParked = true;
-            }
-            wake_.handle = awaiting;
-            state_->consumer = &wake_;
-            onStop_.emplace(stop_, detail::WakeOnStop{state_->loop, &wake_});
+            if (!parking_.parkUnlessCancelled(awaiting)) return false;
+            std::lock_guard guard(state_->mutex);
+            if (!state_->items.empty() || state_->finished) return false;
+            state_->consumerParked = true;
+            state_->consumer = &parking_;
             return true;
         }
         std::optional<T> await_resume() {
-            onStop_.reset();
+            const bool isCancelled = parking_.endParking();
             state_->consumer = nullptr;
             std::lock_guard guard(state_->mutex);
             state_->consumerParked = false;
-            if (stop_.stop_requested() || state_->items.empty()) return std::nullopt;
+            if (isCancelled || state_->items.empty()) return std::nullopt;
             std::optional<T> item(std::move(state_->items.front()));
             state_->items.pop_front();
             return item;
@@ -92,9 +86,7 @@ public:
 
     private:
         std::shared_ptr<State> state_;
-        detail::ResumeWake wake_;
-        std::stop_token stop_;
-        detail::StopWatch onStop_;
+        detail::Parking parking_;
     };
 
     explicit EventStream(Loop& loop) : state_(std::make_shared<State>(loop)) {}

@@ -12,7 +12,7 @@ struct RootCoroutine {
     struct promise_type : Root {
         Loop& loop;
         Context context;
-        detail::ResumeWake start;
+        detail::Parking start;
 
         promise_type(Loop& owner, Task<>&, std::stop_source& stop)
             : loop(owner),
@@ -25,8 +25,8 @@ struct RootCoroutine {
 
         RootCoroutine get_return_object() {
             loop.addRoot(*this);
-            start.handle = std::coroutine_handle<promise_type>::from_promise(*this);
-            loop.ready(start);
+            start.park(std::coroutine_handle<promise_type>::from_promise(*this));
+            start.wakeUp();
             return {};
         }
         std::suspend_always initial_suspend() noexcept { return {}; }

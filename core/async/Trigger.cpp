@@ -15,28 +15,22 @@ public:
 
     bool await_ready() noexcept { return state_->fired != firedBefore_; }
     template <class P> bool await_suspend(std::coroutine_handle<P> awaiting) {
-        const Context& context = awaiting.promise().context;
-        if (context.stop.stop_requested()) return false;
-        loop_ = context.loop;
-        wake_.handle = awaiting;
+        if (!parking_.parkUnlessCancelled(awaiting)) return false;
+        parking_.wakeUpAfter(wholeNanos(seconds_));
         state_->waiting.push_back(this);
-        loop_->at(loop_->now() + wholeNanos(seconds_), wake_);
-        onStop_.emplace(context.stop, detail::WakeOnStop{loop_, &wake_});
         return true;
     }
     bool await_resume() noexcept {
-        onStop_.reset();
+        parking_.endParking();
         return state_->fired != firedBefore_;
     }
-    void wakeUp() { loop_->ready(wake_); }
+    void wakeUp() { parking_.wakeUp(); }
 
 private:
     std::shared_ptr<State> state_;
     std::uint64_t firedBefore_;
     double seconds_;
-    Loop* loop_ = nullptr;
-    detail::ResumeWake wake_;
-    detail::StopWatch onStop_;
+    detail::Parking parking_;
 };
 
 Trigger::Trigger() : state_(std::make_shared<State>()) {}

@@ -33,7 +33,7 @@ TEST(Loop, TimersFireByTimeAndThenByTheOrderOfSetting) {
     EXPECT_EQ(loop.now(), wholeNanos(2));
 }
 
-// The heap under random insertions and removals, against sorting.
+// Under random insertions and removals, against sorting.
 TEST(Loop, ManyTimersKeepTheirOrderWhileOthersAreDropped) {
     TestLoop loop;
     std::mt19937 random(7);

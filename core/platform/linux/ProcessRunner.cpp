@@ -119,7 +119,7 @@ public:
         readersTimer_.reset();
     }
     /// Whom the end is told; null for nobody.
-    void setWaiting(async::Wake* wake) { waiting_ = wake; }
+    void setWaiting(async::detail::Parking* waiting) { waiting_ = waiting; }
 
 private:
     void signalGroup(int number) const { ::kill(-process_.pid, number); }
@@ -160,7 +160,7 @@ private:
 
     void end() {
         hasEnded_ = true;
-        if (waiting_ != nullptr) loop_.ready(*std::exchange(waiting_, nullptr));
+        if (waiting_ != nullptr) std::exchange(waiting_, nullptr)->wakeUp();
     }
 
     ProcessRunner& runner_;
@@ -175,7 +175,7 @@ private:
     bool isKilled_ = false;
     bool isReaped_ = false;
     bool hasEnded_ = false;
-    async::Wake* waiting_ = nullptr;
+    async::detail::Parking* waiting_ = nullptr;
 };
 
 /// Waits until the child has ended, cancelled or not.
@@ -187,14 +187,14 @@ public:
 
     bool await_ready() noexcept { return child_.hasEnded(); }
     template <class P> void await_suspend(std::coroutine_handle<P> awaiting) {
-        wake_.handle = awaiting;
-        child_.setWaiting(&wake_);
+        parking_.park(awaiting);
+        child_.setWaiting(&parking_);
     }
     void await_resume() noexcept {}
 
 private:
     Child& child_;
-    async::detail::ResumeWake wake_;
+    async::detail::Parking parking_;
 };
 
 ProcessRunner::~ProcessRunner() {
