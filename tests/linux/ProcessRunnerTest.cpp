@@ -1,7 +1,6 @@
 #include "core/platform/linux/ProcessRunner.h"
 #include "core/async/PollLoop.h"
 #include "core/async/TestLoop.h"
-#include "core/automation/AutomationError.h"
 #include "core/platform/linux/Spawn.h"
 #include "tests/linux/Fifo.h"
 #include "tests/support/TemporaryFolder.h"
@@ -23,19 +22,14 @@ struct ShellRun {
 };
 
 async::Task<> runShellInto(ProcessRunner& runner, std::string script, ShellRun& run) {
-    std::vector<std::string> command = {"/bin/sh", "-c"};
-    command.push_back(std::move(script));
-    std::string label = "Label";
-    std::function<void(std::int32_t)> onStart = [&run](std::int32_t pid) {
-        run.pid = pid;
-        run.process = openProcess(pid);
-    };
     try {
-        co_await runner.run(std::move(command), std::move(label), std::move(onStart));
+        co_await runner.run({"/bin/sh", "-c", std::move(script)}, [&run](std::int32_t pid) {
+            run.pid = pid;
+            run.process = openProcess(pid);
+        });
         run.outcome = "done";
-    } catch (const AutomationError& error) {
-        const bool isRight = error == AutomationError::failed("Label", error.reason());
-        run.outcome = isRight ? error.reason() : "another error";
+    } catch (const ProcessError& error) {
+        run.outcome = error.sentence();
     } catch (const async::Cancelled&) {
         run.outcome = "cancelled";
     }

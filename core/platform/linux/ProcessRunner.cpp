@@ -1,7 +1,6 @@
 #include "core/platform/linux/ProcessRunner.h"
 
 #include "core/async/Timer.h"
-#include "core/automation/AutomationError.h"
 #include "core/platform/linux/Spawn.h"
 #include "core/text/Text.h"
 #include "core/text/Utf8.h"
@@ -96,12 +95,13 @@ public:
     std::int32_t pid() const { return process_.pid; }
     bool hasEnded() const { return hasEnded_; }
     /// Why it failed; nothing when it didn't. Once it has ended.
-    std::optional<std::string> failure() const {
+    std::optional<ProcessError> failure() const {
+        using enum ProcessError::Case;
         if (*exit_ == ChildExit{}) return std::nullopt;
         const std::string written = text::sanitizedUtf8(error_->text());
-        if (const auto reason = text::trim(written); !reason.empty()) return std::string(reason);
-        return exit_->bySignal ? "stopped (signal " + std::to_string(exit_->code) + ")"
-                               : "exit " + std::to_string(exit_->code);
+        if (const auto words = text::trim(written); !words.empty())
+            return ProcessError(complained, std::string(words));
+        return ProcessError(exit_->bySignal ? stopped : exited, {}, exit_->code);
     }
 
     void terminate() {
@@ -201,19 +201,18 @@ ProcessRunner::~ProcessRunner() {
     for (const auto& child : children_) child->abandon();
 }
 
-std::shared_ptr<ProcessRunner::Child> ProcessRunner::start(const std::vector<std::string>& command,
-                                                           const std::string& label) try {
+std::shared_ptr<ProcessRunner::Child> ProcessRunner::start(const std::vector<std::string>& command) try {
     children_.push_back(std::make_shared<Child>(*this, command));
     return children_.back();
 } catch (const std::system_error& error) {
-    throw AutomationError::failed(label, error.code().message());
+    throw ProcessError(ProcessError::Case::notStarted, error.code().message());
 }
 
-async::Task<> ProcessRunner::run(std::vector<std::string> command, std::string label,
+async::Task<> ProcessRunner::run(std::vector<std::string> command,
                                  std::function<void(std::int32_t)> onStart) {
     const auto context = co_await async::currentContext();
     if (context.stop.stop_requested()) throw async::Cancelled();
-    const std::shared_ptr<Child> child = start(command, label);
+    const std::shared_ptr<Child> child = start(command);
     onStart(child->pid());
     {
         const std::stop_callback onStop(context.stop, [&child = *child] { child.terminate(); });
@@ -221,7 +220,7 @@ async::Task<> ProcessRunner::run(std::vector<std::string> command, std::string l
         co_await ended;
     }
     if (context.stop.stop_requested()) throw async::Cancelled();
-    if (const auto reason = child->failure()) throw AutomationError::failed(label, *reason);
+    if (const auto failure = child->failure()) throw *failure;
 }
 
 void ProcessRunner::forget(const Child& child) {

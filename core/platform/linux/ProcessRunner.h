@@ -2,6 +2,7 @@
 
 #include "core/async/Loop.h"
 #include "core/async/Task.h"
+#include "core/base/Failure.h"
 
 #include <cstdint>
 #include <functional>
@@ -10,6 +11,20 @@
 #include <vector>
 
 namespace lumnara {
+
+/// A child didn't do what it was to do; the sentence is the reason alone.
+class ProcessError : public FailureOf<ProcessError, std::string, int> {
+public:
+    enum class Case { notStarted, complained, exited, stopped };
+    static constexpr Sentence<Case> sentences[] = {
+        {Case::notStarted, "{0}"}, // the system's words
+        {Case::complained, "{0}"}, // the child's, on standard error
+        {Case::exited, "exit {1}"},
+        {Case::stopped, "stopped (signal {1})"},
+    };
+    ProcessError(Case which, std::string words, int code = 0)
+        : FailureOf(which, std::move(words), std::move(code)) {}
+};
 
 /// Runs child processes to their end, each in a process group of its own, with nothing to read. Main thread,
 /// without blocking it; it outlives its tasks and is outlived by the loop.
@@ -26,17 +41,15 @@ public:
     ~ProcessRunner();
 
     /// Runs `command`, an absolute path and its arguments. `onStart` is told the process id. Throws
-    /// AutomationError::failed under `label`: with what the child wrote to standard error, or else
-    /// "exit 3" or "stopped (signal 15)", or why it couldn't be started. Cancelled before its start it
-    /// starts nothing; cancelled later it ends the child first.
-    async::Task<> run(std::vector<std::string> command, std::string label,
-                      std::function<void(std::int32_t)> onStart);
+    /// ProcessError for a child that couldn't be started or failed. Cancelled before its start it starts
+    /// nothing; cancelled later it ends the child first.
+    async::Task<> run(std::vector<std::string> command, std::function<void(std::int32_t)> onStart);
 
 private:
     class Child;
     class EndAwaiter;
 
-    std::shared_ptr<Child> start(const std::vector<std::string>& command, const std::string& label);
+    std::shared_ptr<Child> start(const std::vector<std::string>& command);
     void forget(const Child& child);
 
     async::Loop& loop_;

@@ -142,13 +142,11 @@ async::Task<> SystemActionExecutor::runShortcut(std::string name) {
     const char* const program = "/usr/bin/shortcuts";
     if (!apps_.program(program))
         throw AutomationError::failed("Shortcut", "Shortcuts are not available on this system.");
-    std::vector<std::string> command = {program, "run", std::move(name)};
-    co_await runProcess(std::move(command), "Shortcut");
+    co_await runProcess({program, "run", std::move(name)}, "Shortcut");
 }
 
 async::Task<> SystemActionExecutor::runShell(std::string script) {
-    std::vector<std::string> command = {loginShell(), "-lc", std::move(script)};
-    co_await runProcess(std::move(command), "Shell script");
+    co_await runProcess({loginShell(), "-lc", std::move(script)}, "Shell script");
 }
 
 std::string SystemActionExecutor::loginShell() const {
@@ -160,8 +158,11 @@ std::string SystemActionExecutor::loginShell() const {
 }
 
 async::Task<> SystemActionExecutor::runProcess(std::vector<std::string> command, std::string label) {
-    std::function<void(std::int32_t)> onStart = [this](std::int32_t pid) { lastProcessID_ = pid; };
-    co_await processes_.run(std::move(command), std::move(label), std::move(onStart));
+    try {
+        co_await processes_.run(std::move(command), [this](std::int32_t pid) { lastProcessID_ = pid; });
+    } catch (const ProcessError& error) {
+        throw AutomationError::failed(std::move(label), error.sentence());
+    }
 }
 
 async::Task<> SystemActionExecutor::runAppleScript(std::string) {
