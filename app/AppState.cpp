@@ -3,6 +3,7 @@
 #include "app/automation/AutomationDesktops.h"
 #include "app/automation/AutomationTexts.h"
 #include "app/start/StartNotices.h"
+#include "core/async/Task.h"
 #include "core/seams/Workspace.h"
 
 #include <exception>
@@ -45,6 +46,10 @@ AppState::AppState(async::Loop& loop, AppSettings& settings, Platform& platform,
     if (Workspace* workspace = platform_.workspace.get())
         catalog_.startObserving([workspace](auto onEvent) { return workspace->observe(std::move(onEvent)); });
     tracking_.start();
+}
+
+async::Task<SwitchResult> AppState::switchToDesktop(std::string key) {
+    return switchRequests_.switchToDesktop(std::move(key));
 }
 
 void AppState::sampleNow() { tracking_.sample(focused()); }

@@ -10,7 +10,7 @@
 #include "app/tracking/TimeTracking.h"
 #include "core/async/Loop.h"
 #include "core/async/Signal.h"
-#include "core/async/Task.h"
+#include "core/async/TaskFwd.h"
 #include "core/automation/AutomationRunner.h"
 #include "core/automation/AutomationStore.h"
 #include "core/automation/AutomationTriggerWatcher.h"
@@ -57,9 +57,7 @@ public:
     void switchBack(std::optional<DisplayID> display = std::nullopt) {
         switchRequests_.switchBack(std::move(display));
     }
-    async::Task<SwitchResult> switchToDesktop(std::string key) {
-        return switchRequests_.switchToDesktop(std::move(key));
-    }
+    async::Task<SwitchResult> switchToDesktop(std::string key);
     /// The outcome of the last switch of a link group, a second later.
     LinkedSwitching& linkedSwitching() { return linkedSwitching_; }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/async/Task.h"
 #include "tests/simruns/ArrangeStage.h"
 
 #include <algorithm>

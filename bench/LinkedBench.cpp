@@ -2,13 +2,14 @@
 #include "bench/BareI3Client.h"
 #include "bench/Bench.h"
 #include "core/async/PollLoop.h"
+#include "core/async/Task.h"
 #include "core/base/Log.h"
 #include "core/catalog/DesktopCatalog.h"
 #include "core/model/SnapshotSpaceProvider.h"
 #include "core/names/NameStore.h"
 #include "core/platform/linux/JsonDefaultsStore.h"
-#include "tests/automation/RecordingExecutor.h"
 #include "tests/session/IpcFixture.h"
+#include "tests/support/RecordingExecutor.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <cstdio>

@@ -1,5 +1,6 @@
 #include "app/links/DesktopLinker.h"
 
+#include "core/async/Task.h"
 #include "core/base/Log.h"
 #include "core/names/DisplayLink.h"
 #include "core/names/NameRules.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/arranging/DesktopArranger.h"
-#include "core/async/Task.h"
+#include "core/async/TaskFwd.h"
 #include "core/base/Failure.h"
 #include "core/catalog/DesktopCatalog.h"
 #include "core/model/PlatformWords.h"

@@ -1,6 +1,7 @@
 #include "app/links/LinkedSwitching.h"
 
 #include "app/DisplayName.h"
+#include "core/async/Task.h"
 #include "core/base/Failure.h"
 #include "core/base/Log.h"
 #include "core/seams/SpaceActivator.h"

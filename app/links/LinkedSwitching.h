@@ -3,7 +3,7 @@
 #include "app/overlay/Notices.h"
 #include "core/async/Loop.h"
 #include "core/async/Signal.h"
-#include "core/async/Task.h"
+#include "core/async/TaskFwd.h"
 #include "core/async/Timer.h"
 #include "core/catalog/DesktopCatalog.h"
 #include "core/platform/Platform.h"

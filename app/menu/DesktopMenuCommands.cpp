@@ -1,6 +1,7 @@
 #include "app/menu/DesktopMenuCommands.h"
 
 #include "core/arranging/DesktopArranger.h"
+#include "core/async/Task.h"
 #include "core/base/Failure.h"
 #include "core/base/Log.h"
 

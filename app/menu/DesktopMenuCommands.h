@@ -3,7 +3,7 @@
 #include "app/AppState.h"
 #include "app/links/DesktopLinker.h"
 #include "app/menu/DesktopMenuItem.h"
-#include "core/async/Task.h"
+#include "core/async/TaskHandle.h"
 
 #include <functional>
 #include <string>

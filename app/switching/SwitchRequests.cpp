@@ -1,5 +1,6 @@
 #include "app/switching/SwitchRequests.h"
 
+#include "core/async/Task.h"
 #include "core/base/Failure.h"
 #include "core/switching/SwitchError.h"
 #include "core/text/Text.h"

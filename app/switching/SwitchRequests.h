@@ -3,7 +3,7 @@
 #include "app/links/LinkedSwitching.h"
 #include "app/overlay/Notices.h"
 #include "core/async/Loop.h"
-#include "core/async/Task.h"
+#include "core/async/TaskHandle.h"
 #include "core/catalog/DesktopCatalog.h"
 #include "core/seams/SpaceActivator.h"
 #include "core/switching/SpaceSwitcher.h"

@@ -2,7 +2,7 @@
 
 #include "core/arranging/RemoveOutcome.h"
 #include "core/arranging/ReorderOutcome.h"
-#include "core/async/Task.h"
+#include "core/async/TaskFwd.h"
 
 #include <functional>
 #include <optional>

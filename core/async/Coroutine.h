@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/async/Loop.h"
+#include "core/async/TaskFwd.h"
 
 #include <coroutine>
 #include <exception>
@@ -20,8 +21,6 @@ struct Context {
     Loop* loop = nullptr;
     std::stop_token stop;
 };
-
-template <class T> class Task;
 
 namespace detail {
 
@@ -113,7 +112,7 @@ private:
 
 /// A coroutine of the main thread. It starts when it is awaited, within the awaiting task's turn, is
 /// awaited once, and is destroyed with its owner wherever it stands.
-template <class T = void> class [[nodiscard]] Task {
+template <class T> class [[nodiscard]] Task {
 public:
     using promise_type = detail::Promise<T>;
     using Handle = std::coroutine_handle<promise_type>;

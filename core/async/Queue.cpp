@@ -1,6 +1,7 @@
 #include "core/async/Queue.h"
 
 #include <pthread.h>
+#include <utility>
 
 namespace lumnara::async {
 

@@ -1,5 +1,7 @@
 #include "core/async/TaskHandle.h"
 
+#include "core/async/Coroutine.h"
+
 #include <exception>
 #include <utility>
 

@@ -1,10 +1,12 @@
 #pragma once
 
-#include "core/async/Coroutine.h"
+#include "core/async/TaskFwd.h"
 
 #include <stop_token>
 
 namespace lumnara::async {
+
+class Loop;
 
 /// A started task. Dropping the handle cancels the task; it then ends by itself at its next wait.
 class [[nodiscard]] TaskHandle {

@@ -1,5 +1,7 @@
 #include "core/async/Trigger.h"
 
+#include "core/async/Task.h"
+
 #include <utility>
 
 namespace lumnara::async {

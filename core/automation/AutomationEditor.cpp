@@ -1,5 +1,6 @@
 #include "core/automation/AutomationEditor.h"
 
+#include "core/async/Task.h"
 #include "core/automation/AutomationPresets.h"
 #include "core/base/Uuid.h"
 #include "core/text/Text.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/async/Signal.h"
-#include "core/async/Task.h"
+#include "core/async/TaskHandle.h"
 #include "core/automation/ActionRules.h"
 #include "core/automation/AutomationEditError.h"
 #include "core/automation/AutomationRunner.h"

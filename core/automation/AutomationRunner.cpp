@@ -1,5 +1,6 @@
 #include "core/automation/AutomationRunner.h"
 
+#include "core/async/Task.h"
 #include "core/automation/AutomationError.h"
 
 #include <exception>

@@ -1,5 +1,7 @@
 #include "core/automation/AutomationTriggerWatcher.h"
 
+#include "core/async/Task.h"
+
 #include <utility>
 
 namespace lumnara {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/async/Task.h"
+#include "core/async/TaskHandle.h"
 #include "core/automation/AutomationRunner.h"
 
 #include <map>

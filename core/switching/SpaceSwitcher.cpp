@@ -1,5 +1,7 @@
 #include "core/switching/SpaceSwitcher.h"
 
+#include "core/async/Task.h"
+
 #include <algorithm>
 #include <exception>
 #include <utility>

@@ -1,5 +1,7 @@
 #include "core/switching/SwitchVerifier.h"
 
+#include "core/async/Task.h"
+
 #include <exception>
 #include <stdexcept>
 

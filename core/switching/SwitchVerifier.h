@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/async/Task.h"
+#include "core/async/TaskFwd.h"
 #include "core/model/SpaceProvider.h"
 
 #include <optional>

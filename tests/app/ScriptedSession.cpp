@@ -1,5 +1,6 @@
 #include "tests/app/ScriptedSession.h"
 
+#include "core/async/Task.h"
 #include "core/platform/linux/WindowManagerEngine.h"
 
 #include <algorithm>
@@ -25,6 +26,14 @@ std::shared_ptr<const DisplayID> ScriptedActivator::keepFocusOn(const DisplayID&
     auto kept = std::make_shared<const DisplayID>(display);
     focusKept_ = kept;
     return kept;
+}
+
+async::Task<ReorderOutcome> AddingArranger::reorder(DisplayID, std::vector<SpaceID>) {
+    co_return ReorderOutcome();
+}
+
+async::Task<RemoveOutcome> AddingArranger::remove(std::vector<SpaceID>, DisplayID) {
+    co_return RemoveOutcome();
 }
 
 async::Task<std::vector<SpaceID>> AddingArranger::create(DisplayID display) {

@@ -10,8 +10,8 @@
 #include "core/seams/Screens.h"
 #include "core/seams/SpaceActivator.h"
 #include "core/seams/Workspace.h"
-#include "tests/automation/RecordingExecutor.h"
 #include "tests/support/MemoryDefaultsStore.h"
+#include "tests/support/RecordingExecutor.h"
 #include "tests/support/ScriptedProvider.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -75,10 +75,8 @@ class AddingArranger : public DesktopArranger {
 public:
     explicit AddingArranger(ScriptedProvider& provider) : provider_(provider) {}
     std::optional<int> desktopsPerDisplay() const override { return std::nullopt; }
-    async::Task<ReorderOutcome> reorder(DisplayID, std::vector<SpaceID>) override {
-        co_return ReorderOutcome();
-    }
-    async::Task<RemoveOutcome> remove(std::vector<SpaceID>, DisplayID) override { co_return RemoveOutcome(); }
+    async::Task<ReorderOutcome> reorder(DisplayID, std::vector<SpaceID>) override;
+    async::Task<RemoveOutcome> remove(std::vector<SpaceID>, DisplayID) override;
     async::Task<std::vector<SpaceID>> create(DisplayID display) override;
 
     int adds = 1;

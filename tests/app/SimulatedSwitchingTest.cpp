@@ -1,9 +1,9 @@
 #include "app/AppState.h"
 #include "core/async/TestLoop.h"
 #include "core/platform/sim/SampleMac.h"
-#include "tests/automation/RecordingExecutor.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/MemoryDefaultsStore.h"
+#include "tests/support/RecordingExecutor.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <algorithm>

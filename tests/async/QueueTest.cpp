@@ -1,4 +1,4 @@
-#include "core/async/Queue.h"
+#include "core/async/OnQueue.h"
 #include "core/async/PollLoop.h"
 #include "core/async/Task.h"
 #include "core/async/TestLoop.h"

@@ -1,6 +1,7 @@
 #include "core/automation/AutomationRunner.h"
+#include "core/async/Task.h"
 #include "core/async/TestLoop.h"
-#include "tests/automation/RecordingExecutor.h"
+#include "tests/support/RecordingExecutor.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "core/automation/AutomationTriggerWatcher.h"
 #include "core/async/TestLoop.h"
-#include "tests/automation/RecordingExecutor.h"
+#include "tests/support/RecordingExecutor.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 #include "core/platform/linux/ProcessRunner.h"
 #include "core/async/PollLoop.h"
+#include "core/async/Task.h"
 #include "core/async/TestLoop.h"
 #include "core/platform/linux/Spawn.h"
 #include "tests/linux/Fifo.h"

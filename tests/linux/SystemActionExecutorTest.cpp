@@ -1,5 +1,6 @@
 #include "core/platform/linux/SystemActionExecutor.h"
 #include "core/async/PollLoop.h"
+#include "core/async/Task.h"
 #include "core/async/TestLoop.h"
 #include "core/automation/AutomationRunner.h"
 #include "core/platform/linux/Spawn.h"

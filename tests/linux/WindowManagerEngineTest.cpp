@@ -1,4 +1,5 @@
 #include "core/platform/linux/WindowManagerEngine.h"
+#include "core/async/Task.h"
 
 #include "tests/switching/SwitchingTest.h"
 

@@ -1,4 +1,5 @@
 #include "core/platform/mac/engines/DockSwipeEngine.h"
+#include "core/async/Task.h"
 
 #include "core/platform/mac/engines/GestureFields.h"
 #include "tests/simruns/SwitchingSession.h"

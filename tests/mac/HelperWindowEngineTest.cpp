@@ -1,4 +1,5 @@
 #include "core/platform/mac/engines/HelperWindowEngine.h"
+#include "core/async/Task.h"
 
 #include "tests/simruns/SwitchingSession.h"
 

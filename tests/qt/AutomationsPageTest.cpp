@@ -3,10 +3,10 @@
 #include "app/qt/look/Symbols.h"
 #include "app/qt/settings/SettingsWindow.h"
 #include "core/base/Files.h"
-#include "tests/automation/RecordingExecutor.h"
 #include "tests/qt/OpenBoard.h"
 #include "tests/qt/Pictures.h"
 #include "tests/support/MemoryDefaultsStore.h"
+#include "tests/support/RecordingExecutor.h"
 
 #include <QApplication>
 #include <QKeyEvent>

@@ -48,12 +48,7 @@ struct EwmhFixture {
     }
     /// Activates a desktop and returns once the activator has; gives the sentence of its failure.
     std::string activate(std::size_t index) { return activate(desktops().spaces.at(index)); }
-    std::string activate(const Space& target) {
-        Switch change{target, {"Main"}};
-        const auto handle = async::spawn(loop, run(*platform.spaceActivator, change));
-        EXPECT_TRUE(runUntil([&] { return change.done; }));
-        return change.failure;
-    }
+    std::string activate(const Space& target);
     /// Names the desktops by index; an empty text is a desktop without a name.
     void publish(const std::vector<std::string>& names) {
         std::vector<PublishedDesktop> published;
@@ -94,22 +89,6 @@ struct EwmhFixture {
     Platform platform = ewmhPlatform(x11->connection(), folder.path());
     std::vector<WorkspaceEvent> events;
     async::Subscription subscription;
-
-private:
-    struct Switch {
-        Space target;
-        DisplayID display;
-        bool done = false;
-        std::string failure = {};
-    };
-    static async::Task<> run(SpaceActivator& activator, Switch& change) {
-        try {
-            co_await activator.activate(change.target, change.display);
-        } catch (const Failure& error) {
-            change.failure = error.sentence();
-        }
-        change.done = true;
-    }
 };
 
 } // namespace lumnara::testing

@@ -2,7 +2,6 @@
 
 #include "core/arranging/DesktopArranger.h"
 #include "core/async/PollLoop.h"
-#include "core/async/Task.h"
 #include "core/async/Timer.h"
 #include "core/platform/choose/ChoosePlatform.h"
 #include "core/platform/linux/WindowManagerError.h"
@@ -104,12 +103,7 @@ public:
         return {};
     }
     /// Switches by the switcher; the sentence of its failure, or nothing when it landed.
-    std::optional<std::string> switchTo(const std::string& uuid) {
-        Outcome outcome;
-        const auto handle = async::spawn(loop, switchOver(running_->switcher, uuid, outcome));
-        EXPECT_TRUE(runUntil([&] { return outcome.done; }));
-        return outcome.failure;
-    }
+    std::optional<std::string> switchTo(const std::string& uuid);
     /// Gives names to desktops by their uuids; an empty name is a record without one.
     void publish(const std::vector<std::pair<std::string, std::string>>& names) {
         std::vector<PublishedDesktop> published;
@@ -137,10 +131,6 @@ private:
         SpaceSwitcher switcher;
         async::Subscription subscription;
     };
-    struct Outcome {
-        bool done = false;
-        std::optional<std::string> failure = std::nullopt;
-    };
 
     Platform makePlatform() {
         const Session& session = i3Session_ ? static_cast<Session&>(*i3Session_) : *swaySession_;
@@ -153,14 +143,6 @@ private:
         if (swaySession_) whole = {"swaymsg", "--raw", "-s", swaySession_->socket()};
         whole.insert(whole.end(), arguments.begin(), arguments.end());
         return (i3Session_ ? i3Session_->run(whole) : swaySession_->run(whole)).text;
-    }
-    static async::Task<> switchOver(SpaceSwitcher& switcher, std::string uuid, Outcome& outcome) {
-        try {
-            co_await switcher.switchToDesktop(uuid);
-        } catch (const std::exception& error) {
-            outcome.failure = error.what();
-        }
-        outcome.done = true;
     }
 
     std::unique_ptr<XSession> i3Session_;

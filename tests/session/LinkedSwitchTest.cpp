@@ -1,10 +1,11 @@
 #include "app/AppState.h"
 #include "app/menu/DesktopMenuCommands.h"
+#include "core/async/Task.h"
 #include "core/names/DisplayLink.h"
 #include "core/platform/linux/WindowManagerEngine.h"
-#include "tests/automation/RecordingExecutor.h"
 #include "tests/session/IpcFixture.h"
 #include "tests/support/MemoryDefaultsStore.h"
+#include "tests/support/RecordingExecutor.h"
 
 #include <memory>
 

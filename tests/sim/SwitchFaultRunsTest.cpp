@@ -1,3 +1,4 @@
+#include "core/async/Task.h"
 #include "core/model/SpaceKitError.h"
 #include "tests/simruns/SwitchingSession.h"
 

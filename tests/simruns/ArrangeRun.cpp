@@ -1,6 +1,7 @@
 #include "tests/simruns/ArrangeRun.h"
 
 #include "core/arranging/ReorderPlan.h"
+#include "core/async/Task.h"
 #include "tests/simruns/ArrangeMishaps.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/async/Task.h"
 #include "core/async/TestLoop.h"
 
 #include <exception>

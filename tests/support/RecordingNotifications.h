@@ -13,15 +13,8 @@ public:
     std::vector<UserNotification> delivered;
     bool isAvailable = true;
 
-    async::Task<> deliver(UserNotification notification) override {
-        if (!isAvailable) throw NotificationsUnavailable();
-        delivered.push_back(std::move(notification));
-        co_return;
-    }
-    async::Task<> close(std::string identifier) override {
-        std::erase_if(delivered, [&](const auto& each) { return each.identifier == identifier; });
-        co_return;
-    }
+    async::Task<> deliver(UserNotification notification) override;
+    async::Task<> close(std::string identifier) override;
 };
 
 } // namespace lumnara::testing

@@ -1,4 +1,5 @@
 #include "core/switching/SpaceSwitcher.h"
+#include "core/async/Task.h"
 
 #include "tests/switching/SwitchingTest.h"
 

@@ -1,3 +1,4 @@
+#include "core/async/Task.h"
 #include "tests/switching/SwitchingTest.h"
 
 namespace lumnara {

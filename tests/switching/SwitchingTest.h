@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/async/Task.h"
+#include "core/async/TestLoop.h"
 #include "core/switching/SpaceSwitching.h"
 #include "core/switching/SwitchError.h"
 #include "core/switching/SwitchVerifier.h"

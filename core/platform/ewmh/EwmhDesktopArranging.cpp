@@ -1,5 +1,6 @@
 #include "core/platform/ewmh/EwmhDesktopArranging.h"
 
+#include "core/async/Task.h"
 #include "core/async/Timer.h"
 
 #include <algorithm>

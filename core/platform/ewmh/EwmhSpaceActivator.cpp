@@ -1,5 +1,6 @@
 #include "core/platform/ewmh/EwmhSpaceActivator.h"
 
+#include "core/async/Task.h"
 #include "core/switching/SwitchError.h"
 
 namespace lumnara {

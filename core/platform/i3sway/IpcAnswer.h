@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/async/Task.h"
+#include "core/async/TaskFwd.h"
 #include "core/async/Trigger.h"
 #include "core/platform/i3sway/I3Ipc.h"
 

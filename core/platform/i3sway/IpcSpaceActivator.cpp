@@ -1,5 +1,6 @@
 #include "core/platform/i3sway/IpcSpaceActivator.h"
 
+#include "core/async/Task.h"
 #include "core/platform/i3sway/IpcAnswer.h"
 
 namespace lumnara {

@@ -1,5 +1,6 @@
 #include "core/platform/linux/BusNotifications.h"
 
+#include "core/async/Task.h"
 #include "core/async/Trigger.h"
 
 #include <string_view>

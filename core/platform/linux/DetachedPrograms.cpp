@@ -1,5 +1,6 @@
 #include "core/platform/linux/DetachedPrograms.h"
 
+#include "core/async/Task.h"
 #include "core/async/Trigger.h"
 #include "core/platform/linux/Spawn.h"
 

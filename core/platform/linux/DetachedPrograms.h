@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/async/Loop.h"
-#include "core/async/Task.h"
+#include "core/async/TaskFwd.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,5 +1,6 @@
 #include "core/platform/linux/PomodoroReminder.h"
 
+#include "core/async/Task.h"
 #include "core/base/Files.h"
 #include "core/base/Log.h"
 #include "core/base/StrictJson.h"

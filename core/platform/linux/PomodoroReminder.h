@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/async/Task.h"
+#include "core/async/TaskHandle.h"
 #include "core/async/Timer.h"
 #include "core/base/KeptFile.h"
 #include "core/seams/UserNotifications.h"

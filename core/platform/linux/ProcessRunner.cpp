@@ -1,5 +1,6 @@
 #include "core/platform/linux/ProcessRunner.h"
 
+#include "core/async/Task.h"
 #include "core/async/Timer.h"
 #include "core/platform/linux/Spawn.h"
 #include "core/text/Text.h"

@@ -1,5 +1,6 @@
 #include "core/platform/linux/SystemActionExecutor.h"
 
+#include "core/async/Task.h"
 #include "core/automation/ActionRules.h"
 #include "core/automation/AutomationError.h"
 #include "core/platform/linux/XdgFolders.h"

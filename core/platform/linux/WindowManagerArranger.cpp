@@ -3,6 +3,7 @@
 #include "core/arranging/DesktopReadings.h"
 #include "core/arranging/DesktopRemoveError.h"
 #include "core/arranging/ReorderPlan.h"
+#include "core/async/Task.h"
 #include "core/platform/linux/WindowManagerError.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #include "core/platform/linux/WindowManagerEngine.h"
 
+#include "core/async/Task.h"
 #include "core/switching/SwitchError.h"
 #include "core/switching/SwitchTarget.h"
 #include "core/switching/SwitchVerifier.h"

@@ -1,4 +1,5 @@
 #include "app/links/DesktopLinker.h"
+#include "core/async/Task.h"
 #include "core/names/DisplayLink.h"
 #include "tests/app/ScriptedSession.h"
 

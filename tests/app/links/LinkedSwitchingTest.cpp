@@ -1,3 +1,4 @@
+#include "core/async/Task.h"
 #include "tests/app/ScriptedSession.h"
 
 #include "core/switching/SwitchError.h"

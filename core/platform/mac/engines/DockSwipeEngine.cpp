@@ -1,5 +1,6 @@
 #include "core/platform/mac/engines/DockSwipeEngine.h"
 
+#include "core/async/Task.h"
 #include "core/platform/mac/engines/GestureFields.h"
 #include "core/platform/mac/server/DisplayHelpers.h"
 #include "core/switching/SwitchError.h"

@@ -1,5 +1,6 @@
 #include "core/platform/mac/engines/HelperWindowEngine.h"
 
+#include "core/async/Task.h"
 #include "core/platform/mac/server/DisplayHelpers.h"
 #include "core/platform/mac/server/ListedWindow.h"
 #include "core/switching/SwitchError.h"

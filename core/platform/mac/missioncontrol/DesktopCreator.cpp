@@ -1,5 +1,6 @@
 #include "core/platform/mac/missioncontrol/DesktopCreator.h"
 
+#include "core/async/Task.h"
 #include "core/base/Log.h"
 
 #include <fmt/core.h>

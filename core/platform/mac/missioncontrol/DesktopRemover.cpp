@@ -2,6 +2,7 @@
 
 #include "core/arranging/DesktopReadings.h"
 #include "core/arranging/MissionControlSentences.h"
+#include "core/async/Task.h"
 #include "core/platform/mac/missioncontrol/MissionControlScript.h"
 #include "core/platform/mac/missioncontrol/MissionControlTiming.h"
 

@@ -1,6 +1,7 @@
 #include "core/platform/mac/missioncontrol/DockMissionControlDriver.h"
 
 #include "core/async/Sleep.h"
+#include "core/async/Task.h"
 #include "core/platform/mac/engines/SessionState.h"
 #include "core/platform/mac/server/DisplayHelpers.h"
 

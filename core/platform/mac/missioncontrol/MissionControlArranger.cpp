@@ -1,6 +1,7 @@
 #include "core/platform/mac/missioncontrol/MissionControlArranger.h"
 
 #include "core/arranging/DesktopReadings.h"
+#include "core/async/Task.h"
 #include "core/platform/mac/missioncontrol/MissionControlScript.h"
 #include "core/platform/mac/missioncontrol/SpaceReorderError.h"
 

@@ -1,5 +1,6 @@
 #include "core/platform/mac/missioncontrol/MissionControlScript.h"
 
+#include "core/async/Task.h"
 #include "core/platform/mac/missioncontrol/FrameArea.h"
 #include "core/platform/mac/missioncontrol/SpaceReorderError.h"
 

@@ -1,6 +1,7 @@
 #include "core/platform/mac/missioncontrol/ThumbnailDrag.h"
 
 #include "core/arranging/MissionControlSentences.h"
+#include "core/async/Task.h"
 #include "core/platform/mac/missioncontrol/MissionControlTiming.h"
 
 #include <cmath>
