@@ -1,6 +1,8 @@
 #pragma once
 
 #include "app/AppState.h"
+#include "core/arranging/DesktopArranger.h"
+#include "core/async/Task.h"
 #include "core/async/TestLoop.h"
 #include "core/base/Log.h"
 #include "core/model/SpaceKitError.h"

@@ -1,6 +1,10 @@
 #include "core/platform/mac/engines/SessionState.h"
 
+#include "core/platform/mac/server/MacSession.h"
+#include "core/switching/SwitchError.h"
 #include "tests/simruns/SimulatedSession.h"
+
+#include <gtest/gtest.h>
 
 namespace lumnara {
 namespace {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/async/Driver.h"
 #include "core/model/SpaceProvider.h"
 #include "core/platform/mac/server/OwnApplication.h"
 #include "core/platform/mac/server/WindowServer.h"
