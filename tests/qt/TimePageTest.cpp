@@ -148,7 +148,7 @@ TEST(TimePage, withoutADatabaseShowsNothingRecorded) {
     async::TestLoop loop;
     MemoryDefaultsStore defaults;
     AppSettings settings(defaults);
-    TrackingPage page(loop, nullptr, nullptr);
+    TrackingPage page(loop, nullptr, nullptr, PlatformKind::windowManager);
     TimePage widget(settings, page);
     for (const char* name : {"startSession", "pauseSession", "endSession", "exportCSV"})
         EXPECT_FALSE(widget.findChild<QPushButton*>(name)->isEnabled()) << name;

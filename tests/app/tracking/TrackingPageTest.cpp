@@ -67,7 +67,7 @@ TEST_F(TrackingPageTest, StartsPausesAndEndsSessions) {
 }
 
 TEST_F(TrackingPageTest, WithoutADatabaseItIsEmptyAndQuiet) {
-    TrackingPage none(loop, nullptr, nullptr);
+    TrackingPage none(loop, nullptr, nullptr, PlatformKind::windowManager);
     none.reload();
     none.startSession();
     none.endSession();
