@@ -76,6 +76,12 @@ public:
         }
     }
 
+    /// Takes in what has reached us, without asking: the listener has heard of whatever happened before
+    /// something that another program has told us since.
+    void takeArrived() {
+        if (socket_ >= 0) readAvailable();
+    }
+
     /// The outcomes of a command that is sent without waiting; null when the connection went before they
     /// came. Called like the listener.
     using OnOutcomes = std::function<void(const std::vector<IpcOutcome>*)>;

@@ -28,6 +28,7 @@ std::vector<IpcSession::Display> IpcSession::read() {
 }
 
 const std::vector<IpcSession::Display>& IpcSession::displays() {
+    ipc_.takeArrived();
     if (displaysAt_ != events_) read();
     return displays_;
 }
@@ -92,6 +93,11 @@ std::vector<IpcSession::Display> IpcSession::identified(std::vector<IpcOutputRep
         displays.push_back({.uuid = std::move(uuid), .output = std::move(output), .current = {}});
     }
     return displays;
+}
+
+std::optional<RunningApp> IpcSession::frontmostApplication() {
+    ipc_.takeArrived();
+    return front_.read(ipc_);
 }
 
 void IpcSession::activate(SpaceID space, const DisplayID& display, const DisplayID* focused,

@@ -67,7 +67,7 @@ public:
     std::optional<SpaceID> shownOn(const DisplayID& display, const Told& told);
 
     /// Throws WindowManagerError.
-    std::optional<RunningApp> frontmostApplication() { return front_.read(ipc_); }
+    std::optional<RunningApp> frontmostApplication();
 
     /// The command that shows a desktop and gives it the keyboard. Throws WindowManagerError when nobody
     /// knows the desktop or the display.
