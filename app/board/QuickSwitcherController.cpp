@@ -107,7 +107,7 @@ void QuickSwitcherController::prepare() {
 /// Gestures and activations need the screen to themselves.
 void QuickSwitcherController::switchFromBoard(Desktop desktop) {
     if (closing_) return;
-    if (!state_.platform().spaceActivator) close();
+    if (state_.platform().kind != PlatformKind::windowManager) close();
     state_.switchTo(desktop);
     if (!isOpen()) return tellSwitched(desktop);
     closing_ = std::make_unique<async::Delayed>(state_.loop(), 0, [this, desktop = std::move(desktop)] {

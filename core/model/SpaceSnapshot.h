@@ -88,7 +88,7 @@ struct SpaceSnapshot {
     /// In the window server's order.
     std::vector<DisplaySpaces> displays;
     Date takenAt;
-    /// The display that has the keyboard, where the reading tells it.
+    /// The display that has the keyboard, where a change of it is told of; else the provider is asked.
     std::optional<DisplayID> focusedDisplay = std::nullopt;
 
     bool operator==(const SpaceSnapshot&) const = default;

@@ -247,7 +247,7 @@ TEST(QuickSwitcherController, asksAWindowManagerAndClosesThen) {
 
 TEST(QuickSwitcherController, closesBeforeItSwitchesAMac) {
     Board board(twoDisplays());
-    board.session.platform.spaceActivator.reset();
+    board.session.platform.kind = PlatformKind::mac;
     std::vector<std::string> order;
     board.controller.onClosed = [&] { order.push_back("closed"); };
     board.controller.onSwitchedFromBoard = [&](const Desktop& desktop) { order.push_back(desktop.spaceKey); };

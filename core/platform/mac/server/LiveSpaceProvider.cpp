@@ -24,7 +24,6 @@ SpaceSnapshot LiveSpaceProvider::snapshot() {
         snapshot = FullscreenOwnerResolver::resolve(std::move(snapshot), windowServer_, workspace_);
     sharedMain_ = snapshot.isSharedMain();
     nameDisplays(snapshot);
-    snapshot.focusedDisplay = menuBarDisplay();
     return snapshot;
 }
 
