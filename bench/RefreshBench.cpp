@@ -3,6 +3,7 @@
 #include "core/catalog/DesktopCatalog.h"
 #include "core/model/SnapshotSpaceProvider.h"
 #include "core/names/NameStore.h"
+#include "tests/session/I3Shell.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <cstdio>
@@ -80,10 +81,34 @@ Figures measure(int displays, int spacesEach, int rounds) {
     return figures;
 }
 
+/// What one switch by somebody else costs, and one letter typed on the Board, with the whole program
+/// listening.
+void measureCosts(bench::Report& report) {
+    testing::I3Shell at(testing::I3Shell::Counting::on);
+    constexpr int events = 30;
+    int next = 0;
+    testing::I3Shell::Costs switches;
+    for (int i = 0; i < events; ++i) {
+        const auto costs = at.costsOf([&] { at.otherShows("w" + std::to_string(next = (next + 1) % 4)); });
+        switches.requests += costs.requests;
+        switches.roundTrips += costs.roundTrips;
+    }
+    report.add("ipc_requests_per_event", static_cast<double>(switches.requests) / events, "at most 1");
+    report.add("x_round_trips_per_event", static_cast<double>(switches.roundTrips) / events, "0");
+
+    at.shell().settings.boardOnEveryDisplay.set(false);
+    at.shell().board.open();
+    const std::string typed = "desktop 1";
+    int requests = 0;
+    for (const char letter : typed) requests += at.costsOf([&] { at.shell().type({letter}); }).requests;
+    report.add("requests_per_keystroke", requests / static_cast<double>(typed.size()), "0");
+}
+
 } // namespace
 
 int main() {
     bench::Report report("refresh");
+    measureCosts(report);
     const Figures desk = measure(3, 16, 5000);
     report.add("unchanged_3x16_us", desk.unchanged, "3 displays of 16 Spaces, nothing changed");
     report.add("switched_3x16_us", desk.switched, "another desktop became current");
