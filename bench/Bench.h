@@ -19,6 +19,13 @@ inline double medianOf(std::vector<double> times) {
     return *middle;
 }
 
+/// What nine in ten of these stay within; at least one.
+inline double ninetiethOf(std::vector<double> times) {
+    const auto place = times.begin() + static_cast<std::ptrdiff_t>(times.size() * 9 / 10);
+    std::nth_element(times.begin(), place, times.end());
+    return *place;
+}
+
 /// The median of `rounds` timings of one call, in microseconds.
 template <class F> double medianMicroseconds(int rounds, F&& call) {
     std::vector<double> times;
@@ -30,6 +37,23 @@ template <class F> double medianMicroseconds(int rounds, F&& call) {
         times.push_back(std::chrono::duration<double, std::micro>(end - start).count());
     }
     return medianOf(std::move(times));
+}
+
+/// Times, in microseconds, of two things that take turns, each first in every other pair.
+struct PairedTimes {
+    std::vector<double> ours;
+    std::vector<double> bare;
+
+    double ratio() const { return medianOf(ours) / medianOf(bare); }
+};
+template <class Ours, class Bare> PairedTimes timeInTurns(int pairs, const Ours& ours, const Bare& bare) {
+    PairedTimes times;
+    for (int pair = 0; pair < pairs; ++pair) {
+        if (pair % 2 == 0) times.ours.push_back(ours());
+        times.bare.push_back(bare());
+        if (pair % 2 == 1) times.ours.push_back(ours());
+    }
+    return times;
 }
 
 /// One group's figures: a table on standard output, and build/bench/<group>.json at the end.
@@ -46,6 +70,12 @@ public:
     void add(const std::string& name, double value, const std::string& remark = {}) {
         figures_[name] = value;
         line(name, value, remark);
+    }
+    /// The middle of these times, and what nine in ten stay within, for the reader of the table alone.
+    void times(const std::string& name, const std::vector<double>& microseconds) {
+        std::printf("  %-32s %12.3f  p90 %.3f\n", name.c_str(), medianOf(microseconds),
+                    ninetiethOf(microseconds));
+        std::fflush(stdout);
     }
     /// A figure for the reader of the table alone, such as the yardstick of a ratio.
     void line(const std::string& name, double value, const std::string& remark = {}) {

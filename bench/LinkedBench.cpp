@@ -1,6 +1,5 @@
-#include "app/AppState.h"
 #include "bench/BareI3Client.h"
-#include "bench/Bench.h"
+#include "bench/ShellSwitch.h"
 #include "core/async/PollLoop.h"
 #include "core/async/Task.h"
 #include "core/base/Log.h"
@@ -8,8 +7,7 @@
 #include "core/model/SnapshotSpaceProvider.h"
 #include "core/names/NameStore.h"
 #include "core/platform/linux/JsonDefaultsStore.h"
-#include "tests/session/IpcFixture.h"
-#include "tests/support/RecordingExecutor.h"
+#include "tests/session/I3Shell.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <cstdio>
@@ -94,71 +92,78 @@ RefreshTimes measureRefresh(int groups) {
     return times;
 }
 
-async::Task<> switchTo(AppState& state, std::string key, bool& done) {
-    co_await state.switchToDesktop(key);
-    done = true;
+/// Two pairs of workspaces on two monitors, with a window each; the first of a pair is on L.
+const std::pair<std::string, std::string> shownPairs[] = {{"3", "4"}, {"1", "2"}};
+
+void show(testing::XSession& x, bench::BareI3Client& client,
+          const std::pair<std::string, std::string>& pair) {
+    x.run({"i3-msg", "-q", "-s", x.i3Socket(),
+           "focus output R; workspace " + pair.second + "; focus output L; workspace " + pair.first});
+    if (!testing::waitUntil([&] { return client.shows(pair.first) && client.shows(pair.second); }))
+        throw std::runtime_error("the workspaces are not shown");
 }
 
-/// Two linked pairs on two monitors of a real i3, gone to in turn: both screens verified, beside two bare
-/// verified switches on a socket and two spawned message programs.
-void measureI3(bench::Report& report) {
-    testing::IpcFixture at(testing::IpcWindowManager::i3);
-    bench::BareI3Client bare(at.x().i3Socket());
-    JsonDefaultsStore defaults(at.loop, at.folder / "settings.json");
-    AppSettings settings(defaults);
-    settings.displayLinkMode.set(DisplayLinkMode::linked);
-    testing::RecordingExecutor executor;
-    AppState state(at.loop, settings, at.platform(), executor, at.folder.path());
-    const std::vector<std::pair<std::string, std::string>> pairs{{"3", "4"}, {"1", "2"}};
-    std::vector<std::string> keys;
-    for (const auto& [left, right] : pairs) {
-        at.command("focus output R; workspace " + right);
-        at.command("focus output L; workspace " + left);
-        if (!testing::waitUntil([&] { return bare.shows(left) && bare.shows(right); }))
-            throw std::runtime_error("the workspaces are not shown");
-        at.x().openWindow("on L");
-        at.command("focus output R");
-        at.x().openWindow("on R");
-        state.catalog().refresh();
-        if (!state.catalog().link(state.catalog().currentDesktop("L")->spaceKey,
-                                  state.catalog().currentDesktop("R")->spaceKey))
-            throw std::runtime_error("the desktops are not linked");
-        keys.push_back(state.catalog().currentDesktop("L")->key);
+void fill(testing::XSession& x, bench::BareI3Client& client) {
+    for (const auto& pair : shownPairs) {
+        show(x, client, pair);
+        x.openWindow("on L");
+        x.run({"i3-msg", "-q", "-s", x.i3Socket(), "focus output R"});
+        x.openWindow("on R");
     }
-    at.x().movePointer(100, 700);
+    x.movePointer(100, 700);
+}
+
+/// Two linked pairs gone to in turn by the whole program, both screens verified, beside two bare verified
+/// switches on a window manager that nobody else listens to, and two spawned message programs.
+void measureI3(bench::Report& report) {
+    testing::XSession quiet(testing::WindowManager::i3);
+    bench::BareI3Client bare(quiet.i3Socket());
+    fill(quiet, bare);
+    testing::I3Shell at;
+    bench::BareI3Client beside(at.session.i3Socket());
+    fill(at.session, beside);
+    at.shell().settings.displayLinkMode.set(DisplayLinkMode::linked);
+    std::vector<std::string> keys;
+    for (const auto& pair : shownPairs) {
+        show(at.session, beside, pair);
+        at.settle();
+        DesktopCatalog& catalog = at.state().catalog();
+        if (!catalog.link(at.shell().shownOn("L"), at.shell().shownOn("R")))
+            throw std::runtime_error("the desktops are not linked");
+        keys.push_back(catalog.currentDesktop("L")->key);
+    }
 
     const LogSink before = setLogSink([](std::string_view) {});
-    std::vector<double> ours, bares, spawns;
-    std::size_t target = 1;
-    const auto landed = [&] { return bare.shows(pairs[target].first) && bare.shows(pairs[target].second); };
-    for (int round = 0; round < 151; ++round) {
-        target = 1 - target;
-        ours.push_back(bench::medianMicroseconds(1, [&] {
-            bool done = false;
-            const auto handle = async::spawn(at.loop, switchTo(state, keys[target], done));
-            at.loop.runUntil([&done] { return done; }, 5);
-        }));
-        if (!landed()) throw std::runtime_error("the linked switch did not land");
-        target = 1 - target;
-        bares.push_back(bench::medianMicroseconds(1, [&] {
-            bare.switchTo(pairs[target].first);
-            bare.switchTo(pairs[target].second);
-        }));
-        at.loop.runUntil([] { return false; }, 0.002); // what it announced to us
-    }
+    std::size_t ours = 1, theirs = 1;
+    const bench::PairedTimes pairs = bench::timeInTurns(
+        bench::switchPairs,
+        [&] {
+            const double time = bench::microsecondsOfSwitch(at.loop, at.shell(), keys[ours = 1 - ours]);
+            if (!beside.shows(shownPairs[ours].first) || !beside.shows(shownPairs[ours].second))
+                throw std::runtime_error("the linked switch did not land");
+            return time;
+        },
+        [&] {
+            theirs = 1 - theirs;
+            return bench::medianMicroseconds(1, [&] {
+                bare.switchTo(shownPairs[theirs].first);
+                bare.switchTo(shownPairs[theirs].second);
+            });
+        });
+    std::vector<double> spawned;
     for (int round = 0; round < 31; ++round) {
-        target = 1 - target;
-        spawns.push_back(bench::medianMicroseconds(1, [&] {
-            for (const auto& name : {pairs[target].first, pairs[target].second})
-                at.x().start({"i3-msg", "-q", "-s", at.x().i3Socket(), "workspace", name})->waitForExit();
+        theirs = 1 - theirs;
+        spawned.push_back(bench::medianMicroseconds(1, [&] {
+            for (const auto& name : {shownPairs[theirs].first, shownPairs[theirs].second})
+                quiet.start({"i3-msg", "-q", "-s", quiet.i3Socket(), "workspace", name})->waitForExit();
         }));
     }
     setLogSink(before);
-    report.line("i3 linked, us", bench::medianOf(ours));
-    report.line("i3 two bare, us", bench::medianOf(bares));
-    report.line("i3 two spawned, us", bench::medianOf(spawns));
-    report.add("i3_two_displays_vs_two_bare", bench::medianOf(ours) / bench::medianOf(bares));
-    report.add("i3_vs_two_spawned", bench::medianOf(ours) / bench::medianOf(spawns));
+    report.times("i3 linked, us", pairs.ours);
+    report.times("i3 two bare, us", pairs.bare);
+    report.times("i3 two spawned, us", spawned);
+    report.add("i3_two_displays_vs_two_bare", pairs.ratio());
+    report.add("i3_vs_two_spawned", bench::medianOf(pairs.ours) / bench::medianOf(spawned));
 }
 
 /// A setting that is changed, up to the last subscriber; the disk follows later and apart.

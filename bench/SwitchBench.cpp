@@ -1,53 +1,60 @@
-// What a verified switch costs through the door that every surface uses, beside the least that it can cost on
-// the same window manager, and beside a spawned message program. Each on a session of its own.
+// What a verified switch of the whole program costs, beside the least that it can cost on a window manager of
+// its own that nobody else listens to, and beside a spawned message program.
 
 #include "bench/BareI3Client.h"
+#include "bench/ShellSwitch.h"
 #include "bench/SwitchOpenbox.h"
-#include "tests/session/IpcFixture.h"
+#include "tests/session/I3Shell.h"
 
 namespace lumnara::bench {
 namespace {
 
-/// Ten desktops with a window each, on two monitors. The ratios are ours divided by the yardstick.
-void measureI3(Report& report) {
-    testing::IpcFixture at(testing::IpcWindowManager::i3);
-    BareI3Client bare(at.x().i3Socket());
+/// Ten workspaces with a window each, on two monitors.
+void fill(testing::XSession& x, BareI3Client& client) {
     for (int number = 10; number >= 1; --number) {
         const std::string name = std::to_string(number);
-        at.command("focus output " + std::string(number % 2 ? "L" : "R") + "; workspace " + name);
-        if (!testing::waitUntil([&] { return bare.shows(name); }))
+        x.run({"i3-msg", "-q", "-s", x.i3Socket(),
+               "focus output " + std::string(number % 2 ? "L" : "R") + "; workspace " + name});
+        if (!testing::waitUntil([&] { return client.shows(name); }))
             throw std::runtime_error("no workspace " + name);
-        at.x().openWindow("window " + name);
+        x.openWindow("window " + name);
     }
+}
+
+void measureI3(Report& report) {
+    testing::XSession quiet(testing::WindowManager::i3);
+    BareI3Client bare(quiet.i3Socket());
+    fill(quiet, bare);
+    testing::I3Shell at;
+    BareI3Client beside(at.session.i3Socket());
+    fill(at.session, beside);
+
     // The two that are switched between, both on L.
-    const std::string names[] = {"1", "3"};
-    std::map<std::string, std::string> uuids;
+    const std::string names[] = {"3", "1"};
+    std::vector<std::string> keys;
     for (const std::string& name : names) {
-        bare.switchTo(name);
-        uuids[name] = at.current("L");
+        beside.switchTo(name);
+        at.settle();
+        keys.push_back(at.shell().shownOn("L"));
     }
-
-    std::vector<double> ours, bares, spawns;
-    std::size_t target = 1;
-    for (int round = 0; round < 301; ++round) {
-        target = 1 - target;
-        ours.push_back(microsecondsOfSwitch(at.loop, at.switcher(), uuids.at(names[target])));
-        if (!bare.shows(names[target])) throw std::runtime_error("the switch did not land");
-        target = 1 - target;
-        bares.push_back(microsecondsOf([&] { bare.switchTo(names[target]); }));
-        at.loop.runUntil([] { return false; }, 0.001); // what it announced to us
-    }
+    std::size_t ours = 1, theirs = 1;
+    const PairedTimes pairs = timeInTurns(
+        switchPairs,
+        [&] {
+            const double time = microsecondsOfSwitch(at.loop, at.shell(), keys.at(ours = 1 - ours));
+            if (!beside.shows(names[ours])) throw std::runtime_error("the switch did not land");
+            return time;
+        },
+        [&] { return medianMicroseconds(1, [&] { bare.switchTo(names[theirs = 1 - theirs]); }); });
+    std::vector<double> spawned;
     for (int round = 0; round < 51; ++round) {
-        target = 1 - target;
-        spawns.push_back(microsecondsOf([&] {
-            at.x()
-                .start({"i3-msg", "-q", "-s", at.x().i3Socket(), "workspace", names[target]})
-                ->waitForExit();
+        theirs = 1 - theirs;
+        spawned.push_back(medianMicroseconds(1, [&] {
+            quiet.start({"i3-msg", "-q", "-s", quiet.i3Socket(), "workspace", names[theirs]})->waitForExit();
         }));
-        if (!bare.shows(names[target])) throw std::runtime_error("the spawned switch did not land");
+        if (!bare.shows(names[theirs])) throw std::runtime_error("the spawned switch did not land");
     }
-
-    reportSwitches(report, "i3", std::move(ours), std::move(bares), std::move(spawns));
+    reportSwitches(report, "i3", pairs, spawned);
 }
 
 } // namespace

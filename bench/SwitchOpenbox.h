@@ -1,11 +1,10 @@
 #pragma once
 
-#include "bench/Bench.h"
-#include "core/async/PollLoop.h"
-#include "core/async/Task.h"
-#include "core/platform/choose/ChoosePlatform.h"
-#include "core/switching/SpaceSwitcher.h"
+#include "bench/ShellSwitch.h"
+#include "core/platform/ewmh/EwmhPlatform.h"
+#include "core/platform/x11/X11Connection.h"
 #include "tests/session/Session.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <cstdlib>
 #include <memory>
@@ -72,73 +71,37 @@ private:
     xcb_atom_t currentDesktop_ = XCB_ATOM_NONE;
 };
 
-template <class F> double microsecondsOf(F&& call) { return medianMicroseconds(1, std::forward<F>(call)); }
-
-/// The times of our verified switches, of bare ones and of spawned programs, in microseconds.
-inline void reportSwitches(Report& report, const std::string& windowManager, std::vector<double> ours,
-                           std::vector<double> bares, std::vector<double> spawns) {
-    const double verified = medianOf(std::move(ours));
-    const double plain = medianOf(std::move(bares));
-    const double spawned = medianOf(std::move(spawns));
-    report.line(windowManager + " verified, us", verified);
-    report.line(windowManager + " bare, us", plain);
-    report.line(windowManager + " spawned, us", spawned);
-    report.add(windowManager + "_verified_vs_bare", verified / plain, "at most 1.5");
-    report.add(windowManager + "_vs_spawned", verified / spawned);
-}
-
-inline async::Task<> switchThroughTheDoor(SpaceSwitcher& switcher, std::string key, bool& done) {
-    co_await switcher.switchToDesktop(std::move(key));
-    done = true;
-}
-
-/// Microseconds of one switch as every surface asks for it: by key, from the call to verified.
-inline double microsecondsOfSwitch(async::PollLoop& loop, SpaceSwitcher& switcher, const std::string& key) {
-    return medianMicroseconds(1, [&] {
-        bool done = false;
-        const auto handle = async::spawn(loop, switchThroughTheDoor(switcher, key, done));
-        loop.runUntil([&done] { return done; }, 5);
-    });
-}
-
-/// Verified switches on openbox: ours against the bare round trip, and against a spawned `wmctrl -s`. The
-/// ratios are ours divided by the yardstick.
 inline void measureOpenbox(Report& report) {
+    const testing::XSession quiet(testing::WindowManager::openbox);
+    BareEwmhClient bare(quiet.display());
     const testing::XSession session(testing::WindowManager::openbox);
+    BareEwmhClient beside(session.display());
     const testing::TemporaryFolder folder;
-    BareEwmhClient bare(session.display());
     async::PollLoop loop;
-    const ChosenPlatform chosen =
-        choosePlatform(loop, WindowSystem::x11, Environment(session.environment()), folder.path());
-    SpaceProvider& provider = *chosen.platform.spaceProvider;
-    SpaceSwitcher switcher(provider);
-    switcher.engineOverride = {chosen.platform.windowManagerEngine.get()};
-
+    Platform platform = ewmhPlatform(X11Connection::open(loop, session.display()), folder.path());
+    testing::WholeShell shell(loop, platform, folder.path());
     std::vector<std::string> keys;
-    const SpaceSnapshot atStart = provider.snapshot();
-    for (const auto& [space, display] : atStart.allSpaces())
-        keys.push_back(atStart.key(space, display.uuid).value());
+    for (const Desktop& desktop : shell.state.catalog().desktops()) keys.push_back(desktop.spaceKey);
 
-    std::vector<double> ours, bares, spawns;
-    std::uint32_t target = 0;
-    const auto landed = [&] { return bare.current() == target; };
-    for (int round = 0; round < 301; ++round) {
-        target = 1 - target;
-        ours.push_back(microsecondsOfSwitch(loop, switcher, keys.at(target)));
-        if (!landed()) throw std::runtime_error("the switch did not land");
-        target = 1 - target;
-        bares.push_back(microsecondsOf([&] { bare.switchTo(target); }));
-        loop.runUntil([] { return false; }, 0.001); // what it announced to us
-    }
+    std::uint32_t ours = 0, theirs = 0;
+    const PairedTimes pairs = timeInTurns(
+        switchPairs,
+        [&] {
+            const double time = microsecondsOfSwitch(loop, shell, keys.at(ours = 1 - ours));
+            if (beside.current() != ours) throw std::runtime_error("the switch did not land");
+            return time;
+        },
+        [&] { return medianMicroseconds(1, [&] { bare.switchTo(theirs = 1 - theirs); }); });
+    std::vector<double> spawned;
     for (int round = 0; round < 51; ++round) {
-        target = 1 - target;
-        spawns.push_back(microsecondsOf([&] {
-            session.start({"wmctrl", "-s", std::to_string(target)})->waitForExit();
-            if (!testing::waitUntil(landed)) throw std::runtime_error("the spawned switch did not land");
+        theirs = 1 - theirs;
+        spawned.push_back(medianMicroseconds(1, [&] {
+            quiet.start({"wmctrl", "-s", std::to_string(theirs)})->waitForExit();
+            if (!testing::waitUntil([&] { return bare.current() == theirs; }))
+                throw std::runtime_error("the spawned switch did not land");
         }));
     }
-
-    reportSwitches(report, "openbox", std::move(ours), std::move(bares), std::move(spawns));
+    reportSwitches(report, "openbox", pairs, spawned);
 }
 
 } // namespace lumnara::bench
