@@ -3,8 +3,8 @@
 #include "app/AppState.h"
 #include "app/board/QuickSwitcherController.h"
 #include "app/overlay/SwitchOverlayController.h"
-#include "tests/automation/RecordingExecutor.h"
 #include "tests/support/MemoryDefaultsStore.h"
+#include "tests/support/RecordingExecutor.h"
 
 #include <filesystem>
 #include <memory>
@@ -62,6 +62,7 @@ private:
     class Panel : public BoardSurface {
     public:
         explicit Panel(Panels& all) : all_(all) {}
+        void prepare(const ScreenInfo&) override {}
         void show(const ScreenInfo&) override {}
         void hide() override {}
         void redraw() override {}
