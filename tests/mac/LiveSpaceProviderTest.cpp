@@ -24,7 +24,7 @@ TEST(LiveSpaceProvider, ReadsDisplaysOfTheirOwn) {
     EXPECT_EQ(left.spaces[1].uuid.size(), 36u);
     EXPECT_EQ(snapshot.userSpaces("RIGHT").size(), 3u);
     EXPECT_EQ(snapshot.displays[1].spaces[1].fullscreenOwner->name, "Player");
-    EXPECT_EQ(snapshot.focusedDisplay, DisplayID{"RIGHT"});
+    EXPECT_EQ(provider.menuBarDisplay(), DisplayID{"RIGHT"});
     provider.resolvesFullscreenOwners = false;
     EXPECT_EQ(provider.snapshot().displays[1].spaces[1].fullscreenOwner, std::nullopt);
 
