@@ -5,6 +5,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
 #include <QDBusVariant>
 #include <QGuiApplication>
 
@@ -32,16 +33,19 @@ template <class T> std::unique_ptr<T, decltype(&std::free)> owned(T* reply) { re
 
 TrayHost::TrayHost(std::function<void()> onFound)
     : onFound_(std::move(onFound)),
-      watcher_(watcherName, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration) {
-    QObject::connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, &watcher_, [this] { askBus(); });
-    QObject::connect(&hostRegistered_, &QAction::triggered, &watcher_, [this] { askBus(); });
+      watcher_(std::make_unique<QDBusServiceWatcher>(watcherName, QDBusConnection::sessionBus(),
+                                                     QDBusServiceWatcher::WatchForRegistration)) {
+    QObject::connect(watcher_.get(), &QDBusServiceWatcher::serviceRegistered, watcher_.get(),
+                     [this] { askBus(); });
+    QObject::connect(&hostRegistered_, &QAction::triggered, watcher_.get(), [this] { askBus(); });
     QDBusConnection::sessionBus().connect(watcherName, watcherPath, watcherName,
                                           QStringLiteral("StatusNotifierHostRegistered"), &hostRegistered_,
                                           SLOT(trigger()));
     askBus();
     if (!xConnection()) return;
     QCoreApplication::instance()->installNativeEventFilter(this);
-    if (selectionIsOwned()) QMetaObject::invokeMethod(&watcher_, [this] { found(); }, Qt::QueuedConnection);
+    if (selectionIsOwned())
+        QMetaObject::invokeMethod(watcher_.get(), [this] { found(); }, Qt::QueuedConnection);
 }
 
 TrayHost::~TrayHost() {
@@ -52,7 +56,7 @@ TrayHost::~TrayHost() {
 bool TrayHost::nativeEventFilter(const QByteArray&, void* message, qintptr*) {
     const auto* event = static_cast<const xcb_generic_event_t*>(message);
     if ((event->response_type & 0x7FU) == XCB_CLIENT_MESSAGE && onFound_ && selectionIsOwned())
-        QMetaObject::invokeMethod(&watcher_, [this] { found(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(watcher_.get(), [this] { found(); }, Qt::QueuedConnection);
     return false;
 }
 
@@ -73,8 +77,9 @@ void TrayHost::askBus() {
     question << watcherName << QStringLiteral("IsStatusNotifierHostRegistered");
     // The question must not start a watcher that the session does without.
     question.setAutoStartService(false);
-    auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), &watcher_);
-    QObject::connect(answer, &QDBusPendingCallWatcher::finished, &watcher_, [this, answer] {
+    auto* answer =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), watcher_.get());
+    QObject::connect(answer, &QDBusPendingCallWatcher::finished, watcher_.get(), [this, answer] {
         const QDBusPendingReply<QDBusVariant> reply = *answer;
         answer->deleteLater();
         if (reply.isValid() && reply.value().variant().toBool()) found();

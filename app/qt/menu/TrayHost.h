@@ -2,9 +2,11 @@
 
 #include <QAbstractNativeEventFilter>
 #include <QAction>
-#include <QDBusServiceWatcher>
 
 #include <functional>
+#include <memory>
+
+class QDBusServiceWatcher;
 
 namespace lumnara {
 
@@ -23,7 +25,7 @@ private:
     void found();
 
     std::function<void()> onFound_;
-    QDBusServiceWatcher watcher_;
+    std::unique_ptr<QDBusServiceWatcher> watcher_;
     /// The bus calls by a slot's name, which an action has.
     QAction hostRegistered_;
 };

@@ -360,7 +360,7 @@ TEST(QuickSwitcherController, closesWhenTheScreensChange) {
     board.events();
     board.factory.made.clear();
     board.controller.open();
-    EXPECT_EQ(board.events(), (Texts{"A show", "A keyboard"}));
+    EXPECT_EQ(board.events(), (Texts{"B gone", "A show", "A keyboard"}));
 }
 
 TEST(QuickSwitcherController, holdsTheListsStillUnderAMenu) {
