@@ -87,7 +87,7 @@ public:
 private:
     double start() {
         const auto before = readyLines();
-        return millisecondsUntil([&] { child_ = session_.start({programUnderTest()}); },
+        return millisecondsUntil([&] { child_ = session_.start({testing::programUnderTest()}); },
                                  [&] { return readyLines() > before; }, "the program did not get ready");
     }
 
