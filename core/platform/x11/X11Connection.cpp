@@ -87,7 +87,7 @@ void X11Connection::selectEvents() {
         reply<xcb_randr_query_version_reply_t>(xcb_randr_query_version(xcb(), 1, 5));
         xcb_randr_select_input(xcb(), root_,
                                XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE |
-                                   XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE);
+                                   XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_PROPERTY);
     }
     roundTrip();
 }
@@ -198,8 +198,12 @@ bool X11Connection::isMonitorChange(const xcb_generic_event_t& event) const {
     const auto type = static_cast<std::uint8_t>(event.response_type & 0x7FU);
     if (type == XCB_CONFIGURE_NOTIFY)
         return reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == root_;
-    return firstRandrEvent_ != 0 && (type == firstRandrEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
-                                     type == firstRandrEvent_ + XCB_RANDR_NOTIFY);
+    if (firstRandrEvent_ == 0) return false;
+    if (type == firstRandrEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY) return true;
+    if (type != firstRandrEvent_ + XCB_RANDR_NOTIFY) return false;
+    // Of an output's properties only what its monitor tells of itself; a backlight is turned often.
+    const auto& notice = reinterpret_cast<const xcb_randr_notify_event_t&>(event);
+    return notice.subCode != XCB_RANDR_NOTIFY_OUTPUT_PROPERTY || notice.u.op.atom == atoms_.edid;
 }
 
 /// What none of these is may be an error of a request whose outcome shows elsewhere, such as a look at a
