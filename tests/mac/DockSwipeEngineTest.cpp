@@ -96,7 +96,7 @@ TEST_F(DockSwipeEngineTest, ASecondRoundSwipesOnlyWhatRemains) {
 
 TEST_F(DockSwipeEngineTest, ALandingAfterTheLastLookNeedsNoFurtherEvents) {
     mac.stage().freezeReadings(0.7);
-    EXPECT_EQ(swipeTo("LEFT", 1).result->attempts, 2);
+    EXPECT_EQ(swipeTo("LEFT", 1).result, (SwitchResult{true, EngineKind::dockSwipe, 2, 0.72}));
     EXPECT_EQ(events.posted.size(), 3u);
 }
 

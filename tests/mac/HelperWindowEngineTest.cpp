@@ -169,6 +169,10 @@ TEST_F(HelperWindowEngineTest, AFullscreenSpaceIsReachedThroughItsOwner) {
         const auto player = session.mac.launch("Player", "com.example.player");
         session.mac.enterFullscreen(session.mac.openWindow(player, session.space("LEFT", 0)));
         session.loop.runUntilDone();
+        session.mac.windows().add({.ownerPid = session.mac.launch("Notes", {}),
+                                   .bounds = {700, 400, 100, 100},
+                                   .isOrderedIn = true,
+                                   .isOnEverySpace = true});
         const auto goTo = [&](std::size_t index) {
             return session.switchBy(session.helperWindow, session.desktopAt("LEFT", index), "LEFT");
         };

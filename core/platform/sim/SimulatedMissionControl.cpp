@@ -276,6 +276,7 @@ void SimulatedMissionControl::makeRoom(Point pointer) {
 }
 
 void SimulatedMissionControl::release(Point at) {
+    if (grip_ && grip_->isLifted) makeRoom(at);
     const auto grip = std::exchange(grip_, std::nullopt);
     const bool isOnBar = std::ranges::any_of(
         bars_, [&](const auto& each) { return each.second.frame(loop_.now()).contains(at); });
