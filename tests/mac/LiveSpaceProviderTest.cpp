@@ -3,6 +3,7 @@
 #include "tests/simruns/SimulatedSession.h"
 
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace lumnara {
 namespace {

@@ -8,7 +8,7 @@
 namespace lumnara::testing {
 namespace {
 
-TEST(MacPicture, followsAChangeOfSpaceFromItsBeginningToItsEnd) {
+TEST(MacPicture, FollowsAChangeOfSpaceFromItsBeginningToItsEnd) {
     SimulatedSession session;
     const auto picture = [&] { return pictureOf(session.mac, session.loop.now()).screens.front(); };
     const SpaceID first = session.space("LEFT", 0), second = session.space("LEFT", 1);
@@ -32,7 +32,7 @@ TEST(MacPicture, followsAChangeOfSpaceFromItsBeginningToItsEnd) {
     EXPECT_LT(picture().arrived, 1) << "it hangs";
 }
 
-TEST(MacPicture, keepsTheWindowsOnTheirScreensWhereverThoseStand) {
+TEST(MacPicture, KeepsTheWindowsOnTheirScreensWhereverThoseStand) {
     async::TestLoop loop;
     SimulatedMac mac(loop);
     const std::vector<Rect> before{{0, 0, 800, 500}, {820, 0, 800, 500}};

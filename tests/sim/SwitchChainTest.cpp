@@ -135,15 +135,6 @@ TEST(SwitchChain, MissingCallsCostWhatTheyGive) {
     EXPECT_TRUE(switchWithout({"CGSMainConnectionID"}).failedWithA<SpaceKitError>());
 }
 
-TEST_F(SwitchChainTest, TheSessionsStateForbidsSwitches) {
-    mac.openFile(SimulatedMac::missionControlApplication);
-    loop.advance(1);
-    EXPECT_TRUE(switchTo("LEFT", 1).failedWith(Case::missionControlActive));
-    mac.isLocked = true;
-    EXPECT_TRUE(switchTo("LEFT", 1).failedWith(Case::screenLocked));
-    EXPECT_TRUE(events.posted.empty());
-}
-
 TEST(SwitchChain, TheSharedArrangementNeedsNoPointer) {
     testing::SwitchingSession session({.separateSpaces = false});
     session.mac.pointer().moveTo({2000, 700});
